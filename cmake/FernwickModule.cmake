@@ -1,0 +1,10 @@
+# The loadable module: the six exports over everything else.
+add_library(Fernwick_shaders MODULE ${PROJECT_SOURCE_DIR}/frame/Exports.cpp)
+set_target_properties(Fernwick_shaders PROPERTIES PREFIX "")
+target_link_libraries(Fernwick_shaders PRIVATE fernwick_options fernwick_pack)
+if(NOT APPLE AND NOT FERNWICK_SANITIZERS)
+    target_link_options(Fernwick_shaders PRIVATE LINKER:--no-undefined)
+endif()
+if(MINGW)
+    target_link_options(Fernwick_shaders PRIVATE -static)
+endif()

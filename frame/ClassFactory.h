@@ -1,0 +1,41 @@
+#pragma once
+#include "frame/TBasicUnknown.h"
+
+inline constexpr GUID IID_IExClassFactory
+    = {0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+
+/// Makes objects of one class.
+class IExClassFactory : public IMCUnknown {
+public:
+    /// Makes an object and stores its face `id` into `*out`.
+    /// @param outer  the aggregating object, not counted; null for none
+    /// @return 0; `kMCNoSuchClass` when the pack doesn't make the class or memory is refused; otherwise the
+    ///         failure of the query, after which no object is left
+    virtual MCErr CreateInstance(IMCUnknown* outer, const GUID& id, void** out) = 0;
+    /// Does nothing and returns 0.
+    virtual MCErr LockServer(bool lock) = 0;
+
+protected:
+    ~IExClassFactory() = default;
+};
+
+/// The factory that `MCDllGetClassObject` hands out. It takes any class identifier; whether the pack has the
+/// class shows in `CreateInstance`.
+class ClassFactory final : public TBasicUnknown, public IExClassFactory {
+public:
+    explicit ClassFactory(const GUID& classID) : fClassID(classID) { }
+
+    MCErr QueryInterface(const GUID& id, void** out) override;
+    uint32_t AddRef() override { return TBasicUnknown::AddRef(); }
+    uint32_t Release() override { return ReleaseComponent(this); }
+
+    MCErr CreateInstance(IMCUnknown* outer, const GUID& id, void** out) override;
+    MCErr LockServer(bool lock) override;
+
+private:
+    GUID fClassID;
+};
+
+/// Walks the class routes in order and makes an object of the first match, with count 1. Null when no route
+/// matches or memory is refused.
+TBasicUnknown* MakeCOMObject(const GUID& classID);

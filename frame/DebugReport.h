@@ -1,0 +1,16 @@
+#pragma once
+#include <cstdint>
+
+/// Passes a message to the host's debug service. A report only informs: the caller goes on with its fallback.
+/// Without `gDebugUtilities` there is nobody to inform, and the message is dropped.
+/// @param file  source file, may be null
+void DebugReport(const char* file, int32_t line, const char* message);
+
+/// The same with a number that belongs to the message.
+void DebugReport(const char* file, int32_t line, const char* message, float number);
+
+/// The wide-character report that the service forwarders raise with the name of a missing service.
+void DebugReportWide(const char* file, int32_t line, const char16_t* message);
+
+/// Reports from the place where it stands.
+#define MC_REPORT(message) DebugReport(__FILE__, __LINE__, message)

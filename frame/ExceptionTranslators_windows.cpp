@@ -1,0 +1,46 @@
+#include "frame/DebugReport.h"
+#include "frame/Errors.h"
+#include "frame/ExceptionTranslators.h"
+#include "frame/TMCException.h"
+#include <cstdio>
+#include <cstdlib>
+#include <eh.h>
+#include <windows.h>
+
+namespace {
+
+constexpr unsigned int kBreakpoint = 0x80000003;
+constexpr UINT kErrorMode = 0x8001; // SEM_FAILCRITICALERRORS and SEM_NOOPENFILEERRORBOX
+
+_se_translator_function gSavedTranslator = nullptr;
+
+void TranslateStructuredException(unsigned int code, struct _EXCEPTION_POINTERS*)
+{
+    if (code != kBreakpoint)
+        throw TMCException(kMCSystemFault);
+}
+
+void HandlePureCall() { throw TMCException(kMCSystemFault); }
+
+void HandleInvalidParameter(
+    const wchar_t* expression, const wchar_t* function, const wchar_t* file, unsigned int line, uintptr_t)
+{
+    const auto orEmpty = [](const wchar_t* text) { return text != nullptr ? text : L""; };
+    char message[1024];
+    std::snprintf(message, sizeof message,
+        "Invalid parameter detected in function %ls.\r\nFile: %ls Line: %u\r\nExpression: %ls",
+        orEmpty(function), orEmpty(file), line, orEmpty(expression));
+    MC_REPORT(message);
+}
+
+} // namespace
+
+void InstallExceptionTranslators()
+{
+    gSavedTranslator = _set_se_translator(TranslateStructuredException);
+    SetErrorMode(kErrorMode);
+    _set_purecall_handler(HandlePureCall);
+    _set_invalid_parameter_handler(HandleInvalidParameter);
+}
+
+void RestoreExceptionTranslator() { _set_se_translator(gSavedTranslator); }

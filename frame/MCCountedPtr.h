@@ -1,0 +1,86 @@
+#pragma once
+#include "frame/DebugReport.h"
+#include "frame/IMCUnknown.h"
+#include <cstdint>
+#include <cstring>
+
+/// The word that marks a deceased object, in a pointer or in an object's first word.
+constexpr uint64_t kMCDeceased = 0xDECEA5EDDECEA5ED;
+
+/// A shared-ownership pointer to a component: it owns one reference, and is one pointer wide.
+template <class T> class MCCountedPtr {
+public:
+    MCCountedPtr() = default;
+    explicit MCCountedPtr(T* object) { *this = object; }
+    MCCountedPtr(const MCCountedPtr& other) { *this = other.fObject; }
+    ~MCCountedPtr() { *this = nullptr; }
+
+    MCCountedPtr& operator=(const MCCountedPtr& other) { return *this = other.fObject; }
+
+    /// Counts the new object, then drops the old one. Does nothing when both are the same object.
+    MCCountedPtr& operator=(T* object)
+    {
+        if (object == fObject)
+            return *this;
+        if (object != nullptr && !IsDeceased(object))
+            object->AddRef();
+        T* const old = fObject;
+        fObject = object;
+        if (old != nullptr && !IsDeceased(old))
+            old->Release();
+        return *this;
+    }
+
+    /// The object, null for an empty pointer. Raises a report for a deceased one and gives it all the same.
+    T* Get() const
+    {
+        if (fObject != nullptr)
+            CheckDeceased();
+        return fObject;
+    }
+
+    /// Raises "Bad Pointer" on null and goes on.
+    T* operator->() const
+    {
+        if (fObject == nullptr)
+            MC_REPORT("Bad Pointer");
+        return Get();
+    }
+    T& operator*() const { return *operator->(); }
+
+    explicit operator bool() const { return fObject != nullptr; }
+    friend bool operator==(const MCCountedPtr& left, const MCCountedPtr& right)
+    {
+        return left.fObject == right.fObject;
+    }
+
+    /// The raw slot as an out argument, emptied first; what is stored there must have been counted.
+    T** Address()
+    {
+        *this = nullptr;
+        return &fObject;
+    }
+
+private:
+    T* fObject = nullptr;
+
+    static bool IsMarked(uint64_t word) { return word == kMCDeceased; }
+    static uint64_t FirstWord(const T* object)
+    {
+        uint64_t word;
+        std::memcpy(&word, static_cast<const void*>(object), sizeof word);
+        return word;
+    }
+    /// True for the marker and for an object that bears it: such an object is not called any more.
+    static bool IsDeceased(const T* object)
+    {
+        return IsMarked(reinterpret_cast<uintptr_t>(object)) || IsMarked(FirstWord(object));
+    }
+    void CheckDeceased() const
+    {
+        if (IsMarked(reinterpret_cast<uintptr_t>(fObject)))
+            MC_REPORT("!MCCheckDeceased(fObject)");
+        else if (IsMarked(FirstWord(fObject)))
+            MC_REPORT("!MCCheckDeceased(*(void**)fObject)");
+    }
+};

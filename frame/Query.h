@@ -1,0 +1,12 @@
+#pragma once
+#include "frame/MCCountedPtr.h"
+
+/// Queries `object` for the face `id` into `out`, whose content is released first. On failure `out` is null.
+/// @return the status of the query; `kMCNoInterface` for one that succeeded and gave nothing
+template <class Face, class Object> MCErr Query(Object& object, const GUID& id, MCCountedPtr<Face>& out)
+{
+    void* face = nullptr;
+    const MCErr status = object.QueryInterface(id, &face);
+    *out.Address() = status == MC_S_OK ? static_cast<Face*>(face) : nullptr;
+    return status == MC_S_OK && face == nullptr ? kMCNoInterface : status;
+}

@@ -1,0 +1,40 @@
+#include "frame/SceneLookup.h"
+#include "frame/DebugReport.h"
+#include "frame/Query.h"
+
+void FindShadedTree(const ShadingIn& in, MCCountedPtr<ITreeElement>& tree, MCCountedPtr<IScene>& scene)
+{
+    tree = nullptr;
+    scene = nullptr;
+    if (in.fInstance == nullptr) {
+        MC_REPORT("shadingIn.fInstance");
+        return;
+    }
+    if (Query(*in.fInstance, IID_ITreeElement, tree) == MC_S_OK)
+        tree->GetScene(scene.Address());
+}
+
+bool HasScene(const MCCountedPtr<IScene>& scene)
+{
+    if (scene)
+        return true;
+    MC_REPORT("scene");
+    return false;
+}
+
+bool FindTreeByName(const MCCountedPtr<IScene>& scene, const TMCString& name, const char* report,
+    MCCountedPtr<ITreeElement>& tree)
+{
+    scene->GetTreeByName(tree.Address(), name);
+    if (tree)
+        return true;
+    MC_REPORT(report);
+    return false;
+}
+
+TVector3 GlobalPosition(ITreeElement& tree)
+{
+    TTransform3D transform;
+    tree.GetGlobalTransform(transform);
+    return transform.fTranslation;
+}
