@@ -26,3 +26,12 @@ float AskLuminance(IShellShader& shader, TMCColorRGBA& scratch, bool& fullArea, 
 /// @return false, with nothing touched, when there is no shader or it has neither
 bool ReadNumber(const ConnectedShader& shader, uint32_t kinds, uint32_t colorKinds, float& number,
     TMCColorRGBA& scratch, bool& fullArea, ShadingIn& in);
+
+/// A number above 1 counts as invalid: the one before is repeated. Either way the result is the new `last`.
+inline float RepeatLastAboveOne(float number, float& last)
+{
+    if (number > 1.0f)
+        number = last;
+    last = number;
+    return number;
+}

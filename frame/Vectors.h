@@ -98,6 +98,24 @@ inline double Dot(const TVector3& left, const TVector3& right)
 /// The length in double, from the float components.
 inline double Length(const TVector3& vector) { return std::sqrt(Dot(vector, vector)); }
 
+/// Scales to length 1, in double; a vector whose length isn't above 0 stays as it is.
+inline void Normalize(TVector3& vector)
+{
+    const double length = Length(vector);
+    if (length > 0)
+        vector = {static_cast<float>(vector[0] / length), static_cast<float>(vector[1] / length),
+            static_cast<float>(vector[2] / length)};
+}
+
+/// The angle between two directions of any length in radians, 0 to pi: an arc cosine in double, rounded to
+/// float. A quotient that rounding pushed past 1 or -1 counts as 1 or -1; a zero vector gives NaN.
+inline float AngleBetween(const TVector3& left, const TVector3& right)
+{
+    const double quotient = Dot(left, right) / (Length(left) * Length(right));
+    const double cosine = quotient > 1 ? 1 : quotient < -1 ? -1 : quotient;
+    return static_cast<float>(std::acos(cosine));
+}
+
 /// A rotation and a translation; identity and zero by default.
 struct TTransform3D {
     float fMatrix[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}; ///< row by row

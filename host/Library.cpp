@@ -1,0 +1,94 @@
+#include "host/Library.h"
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
+
+namespace fernwick {
+
+namespace {
+
+#ifdef _WIN32
+void* OpenModule(const std::filesystem::path& path) { return LoadLibraryW(path.c_str()); }
+
+void CloseModule(void* handle) { FreeLibrary(static_cast<HMODULE>(handle)); }
+
+void* FindFunction(void* handle, const char* name)
+{
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle), name));
+}
+
+std::string LastFailure() { return "system error " + std::to_string(GetLastError()); }
+#else
+void* OpenModule(const std::filesystem::path& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
+
+void CloseModule(void* handle) { dlclose(handle); }
+
+void* FindFunction(void* handle, const char* name) { return dlsym(handle, name); }
+
+std::string LastFailure()
+{
+    const char* const text = dlerror();
+    return text != nullptr ? text : "no reason given";
+}
+#endif
+
+} // namespace
+
+void Library::Closer::operator()(void* handle) const { CloseModule(handle); }
+
+Library::Library(const std::filesystem::path& path, MCCountedPtr<Utilities> utilities)
+    : fPath(std::filesystem::absolute(path)), fUtilities(utilities)
+{
+    if (!std::filesystem::exists(fPath))
+        throw LibraryError(fPath.string()
+            + ": no such file; build the library, or name it with --library or FERNWICK_LIBRARY");
+    fHandle.reset(OpenModule(fPath));
+    if (!fHandle)
+        throw LibraryError(fPath.string() + ": can't be loaded: " + LastFailure());
+    Bind(fInit, "MCDllInit");
+    Bind(fCleanUp, "MCDllCleanUp");
+    Bind(fInitExceptionTranslator, "MCDllInitExceptionTranslator");
+    Bind(fCleanUpExceptionTranslator, "MCDllCleanUpExceptionTranslator");
+    Bind(fGetClassObject, "MCDllGetClassObject");
+    Bind(fCanUnloadNow, "MCDllCanUnloadNow");
+    fInit(fUtilities.Get());
+}
+
+Library::~Library()
+{
+    if (HasLiveComponents())
+        static_cast<void>(fHandle.release()); // closing would pull the code away from under them
+    else
+        fCleanUp();
+}
+
+template <class Function> void Library::Bind(Function& function, const char* name)
+{
+    void* const address = FindFunction(fHandle.get(), name);
+    if (address == nullptr)
+        throw LibraryError(fPath.string() + ": is no Fernwick_shaders library: it doesn't export " + name);
+    function = reinterpret_cast<Function>(address);
+}
+
+MCCountedPtr<IExClassFactory> Library::Factory(const GUID& classID) const
+{
+    MCCountedPtr<IExClassFactory> factory;
+    void* face = nullptr;
+    if (fGetClassObject(classID, IID_IExClassFactory, &face) == MC_S_OK)
+        *factory.Address() = static_cast<IExClassFactory*>(face);
+    return factory;
+}
+
+MCErr Library::CreateInstance(const GUID& classID, IMCUnknown* outer, const GUID& id, void** out) const
+{
+    const MCCountedPtr<IExClassFactory> factory = Factory(classID);
+    if (factory)
+        return factory->CreateInstance(outer, id, out);
+    *out = nullptr;
+    return kMCNoSuchClass;
+}
+
+} // namespace fernwick

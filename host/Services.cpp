@@ -1,0 +1,106 @@
+#include "host/Services.h"
+#include <cstdlib>
+
+namespace fernwick {
+
+namespace {
+
+/// In front of each block: its size, in a room that keeps the block aligned for any fundamental type.
+union BlockHead {
+    uint32_t size;
+    std::max_align_t alignment;
+};
+
+/// The reports' wide texts are plain names.
+std::string Narrow(const char16_t* text)
+{
+    std::string narrow;
+    for (; *text != 0; ++text)
+        narrow += *text < 0x80 ? static_cast<char>(*text) : '?';
+    return narrow;
+}
+
+} // namespace
+
+void* MemoryService::Allocate(uint32_t size)
+{
+    ++fAllocations;
+    if (fUntilRefusal == 0)
+        return nullptr;
+    if (fUntilRefusal > 0)
+        --fUntilRefusal;
+    auto* const head = static_cast<BlockHead*>(std::malloc(sizeof(BlockHead) + size));
+    if (head == nullptr)
+        return nullptr;
+    head->size = size;
+    ++fLiveBlocks;
+    fLiveBytes += size;
+    return head + 1;
+}
+
+void MemoryService::Free(void* memory)
+{
+    if (memory == nullptr)
+        return;
+    BlockHead* const head = static_cast<BlockHead*>(memory) - 1;
+    --fLiveBlocks;
+    fLiveBytes -= head->size;
+    std::free(head);
+}
+
+void DebugService::Report(const char* file, int32_t line, const char* message) { Keep(file, line, message); }
+
+void DebugService::ReportFloat(const char* file, int32_t line, const char* message, float number)
+{
+    Keep(file, line, std::string(message) + ": " + std::to_string(number));
+}
+
+void DebugService::ReportWide(const char* file, int32_t line, const char16_t* message)
+{
+    Keep(file, line, Narrow(message));
+}
+
+void DebugService::ReportWideFloat(const char* file, int32_t line, const char16_t* message, float number)
+{
+    Keep(file, line, Narrow(message) + ": " + std::to_string(number));
+}
+
+std::vector<fernwick::Report> DebugService::Reports() const
+{
+    const std::lock_guard lock(fMutex);
+    return fReports;
+}
+
+void DebugService::Clear()
+{
+    const std::lock_guard lock(fMutex);
+    fReports.clear();
+}
+
+void DebugService::Keep(const char* file, int32_t line, std::string message)
+{
+    fernwick::Report report{file != nullptr ? file : "", line, std::move(message)};
+    if (fListener)
+        fListener(report);
+    const std::lock_guard lock(fMutex);
+    fReports.push_back(std::move(report));
+}
+
+MCErr Utilities::QueryInterface(const GUID& id, void** out)
+{
+    for (int32_t number = 1; number <= kServiceCount; ++number) {
+        const auto index = static_cast<size_t>(number - 1);
+        if (!SameGuid(id, kServiceIDs[index]))
+            continue;
+        fAsked.push_back(number);
+        *out = nullptr;
+        if (fWithheld[index])
+            return kMCNoInterface;
+        if (fMemory->QueryInterface(id, out) == MC_S_OK)
+            return MC_S_OK;
+        return fDebug->QueryInterface(id, out);
+    }
+    return Component::QueryInterface(id, out);
+}
+
+} // namespace fernwick
