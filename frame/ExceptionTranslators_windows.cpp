@@ -4,8 +4,28 @@
 #include "frame/TMCException.h"
 #include <cstdio>
 #include <cstdlib>
+#include <typeinfo> // which <eh.h> needs and doesn't include
+
 #include <eh.h>
 #include <windows.h>
+
+#ifdef __MINGW32__
+/// This runtime exports the function only under the name that the platform's own compiler gives it, which can't
+/// be declared here; so it is looked up. Null, with nothing installed, where the runtime lacks it.
+static _se_translator_function SetTranslator(_se_translator_function translator)
+{
+    using Setter = _se_translator_function(__cdecl*)(_se_translator_function);
+    constexpr char kName[] = "?_set_se_translator@@YAP6AXIPEAU_EXCEPTION_POINTERS@@@ZP6AXI0@Z@Z";
+    const FARPROC address = GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), kName);
+    return address != nullptr ? reinterpret_cast<Setter>(reinterpret_cast<void*>(address))(translator)
+                              : nullptr;
+}
+#else
+static _se_translator_function SetTranslator(_se_translator_function translator)
+{
+    return _set_se_translator(translator);
+}
+#endif
 
 namespace {
 
@@ -37,10 +57,10 @@ void HandleInvalidParameter(
 
 void InstallExceptionTranslators()
 {
-    gSavedTranslator = _set_se_translator(TranslateStructuredException);
+    gSavedTranslator = SetTranslator(TranslateStructuredException);
     SetErrorMode(kErrorMode);
     _set_purecall_handler(HandlePureCall);
     _set_invalid_parameter_handler(HandleInvalidParameter);
 }
 
-void RestoreExceptionTranslator() { _set_se_translator(gSavedTranslator); }
+void RestoreExceptionTranslator() { SetTranslator(gSavedTranslator); }
