@@ -1,0 +1,216 @@
+#include "optics/ColorSystem.h"
+#include "optics/ColorSystems.h"
+#include "optics/RobertsonLines.h"
+#include <cmath>
+#include <gtest/gtest.h>
+#include <lcms2.h>
+#include <string>
+
+namespace {
+
+using namespace ColorSystems;
+
+void ExpectNear(const Float3& actual, const Float3& expected, float tolerance, const std::string& what = {})
+{
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(actual[i], expected[i], tolerance) << what << " component " << i;
+}
+
+cmsCIEXYZ Cms(const Float3& xyz) { return {xyz[0], xyz[1], xyz[2]}; }
+cmsCIExyY CmsxyY(const Float3& xyY) { return {xyY[0], xyY[1], 1}; }
+Float3 FromCms(const cmsCIEXYZ& xyz)
+{
+    return {static_cast<float>(xyz.X), static_cast<float>(xyz.Y), static_cast<float>(xyz.Z)};
+}
+
+/// Little CMS's way from XYZ under a white to R, G, B of the primaries of a system under that white.
+Float3 LittleCmsRGB(const ColorSystem& primaries, const Float3& white, const Float3& xyz)
+{
+    const cmsCIExyY cmsWhite = CmsxyY(white);
+    const cmsCIExyYTRIPLE triple
+        = {CmsxyY(primaries.xyYRed), CmsxyY(primaries.xyYGreen), CmsxyY(primaries.xyYBlue)};
+    cmsToneCurve* const curve = cmsBuildGamma(nullptr, 1);
+    cmsToneCurve* const curves[] = {curve, curve, curve};
+    const cmsHPROFILE display = cmsCreateRGBProfile(&cmsWhite, &triple, curves);
+    const cmsHPROFILE space = cmsCreateXYZProfile();
+    const cmsHTRANSFORM transform = cmsCreateTransform(
+        space, TYPE_XYZ_DBL, display, TYPE_RGB_DBL, INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOOPTIMIZE);
+    const cmsCIEXYZ whiteXYZ = Cms(XyYToXYZ({white[0], white[1], 1}));
+    const cmsCIEXYZ color = Cms(xyz);
+    cmsCIEXYZ adapted;
+    cmsAdaptToIlluminant(&adapted, &whiteXYZ, cmsD50_XYZ(), &color);
+    double rgb[3];
+    cmsDoTransform(transform, &adapted, rgb, 1);
+    cmsDeleteTransform(transform);
+    cmsCloseProfile(space);
+    cmsCloseProfile(display);
+    cmsFreeToneCurve(curve);
+    return {static_cast<float>(rgb[0]), static_cast<float>(rgb[1]), static_cast<float>(rgb[2])};
+}
+
+const Float3 kColors[] = {{0.3f, 0.3f, 0.2f}, {0.45f, 0.4f, 0.5f}, {0.2f, 0.25f, 0.05f},
+    {0.312713f, 0.329016f, 1}, {0.6f, 0.33f, 0.1f}};
+
+TEST(Lab, AgreesWithLittleCms)
+{
+    for (const ColorSystem* system : {&sRGBSystem, &Source, &CIEsystem}) {
+        const Float3 white = XyYToXYZ(system->xyYWhite);
+        const cmsCIEXYZ cmsWhite = Cms(white);
+        for (Float3 xyY : kColors)
+            for (const float Y : {xyY[2], 0.004f, 0.0f}) { // 0.004 lies on the straight part
+                xyY[2] = Y;
+                const Float3 xyz = XyYToXYZ(xyY);
+                const cmsCIEXYZ cmsColor = Cms(xyz);
+                cmsCIELab lab;
+                cmsXYZ2Lab(&cmsWhite, &lab, &cmsColor);
+                const Float3 expected
+                    = {static_cast<float>(lab.L), static_cast<float>(lab.a), static_cast<float>(lab.b)};
+                ExpectNear(XYZToLab(xyz, white), expected, 2e-4f);
+                if (Y > 0.01f)
+                    ExpectNear(LabToXYZ(expected, white), xyz, 2e-6f);
+            }
+    }
+    // The dark branch is no inverse: a grey keeps its Y alone.
+    ExpectNear(LabToXYZ({6, 0, 0}, {1, 1, 1}), {0, 162.0f / 24389, 0}, 2e-7f);
+    EXPECT_EQ(XyYToXYZ({0.4f, 0, 1}), (Float3{0, 0, 0}));
+}
+
+TEST(AdaptToWhite, IsTheBradfordTransformOfLittleCms)
+{
+    for (const auto& [from, to] : {std::pair{&sRGBSystem, &Source}, {&CIEsystem, &sRGBSystem},
+             {&Source, &MyMonitor}, {&sRGBSystem, &sRGBSystem}})
+        for (const Float3& xyY : kColors) {
+            const cmsCIEXYZ source = Cms(XyYToXYZ(from->xyYWhite));
+            const cmsCIEXYZ destination = Cms(XyYToXYZ(to->xyYWhite));
+            const cmsCIEXYZ color = Cms(XyYToXYZ(xyY));
+            cmsCIEXYZ expected;
+            cmsAdaptToIlluminant(&expected, &source, &destination, &color);
+            ExpectNear(AdaptToWhite(*from, *to, xyY[0], xyY[1], xyY[2]), FromCms(expected), 2e-6f);
+        }
+}
+
+TEST(XyYToRGB, AgreesWithLittleCmsBeyondTheCubeToo)
+{
+    for (const auto& [primaries, white] : {std::pair{&sRGBSystem, &sRGBSystem}, {&AdobeRGB, &sRGBSystem},
+             {&MyMonitor, &MyMonitor}, {&sRGBSystem, &Source}}) {
+        const std::string what = std::string(primaries->fName) + " " + white->fName;
+        for (const auto& [x, y, Y] : kColors) {
+            const Float3 xyz = AdaptToWhite(*primaries, *white, x, y, Y);
+            const Float3 expected = LittleCmsRGB(*primaries, white->xyYWhite, xyz);
+            ExpectNear(XyYToRGB(*primaries, *white, x, y, Y), expected, 1e-4f, what);
+        }
+        const auto [x, y, Y] = primaries->xyYWhite;
+        ExpectNear(XyYToRGB(*primaries, *white, x, y, 1), {1, 1, 1}, 2e-6f, what);
+    }
+    const auto [x, y, Y] = sRGBSystem.xyYWhite;
+    EXPECT_EQ(XyYToRGB(sRGBSystem, sRGBSystem, x, y, Y), (Float3{1, 1, 1}));
+
+    // A white of another Y is another white, though only its chromaticity adapts.
+    ColorSystem dim = sRGBSystem;
+    dim.xyYWhite[2] = 0.5f;
+    ExpectNear(XyYToRGB(sRGBSystem, dim, 0.4f, 0.3f, 0.2f),
+        XyYToRGB(sRGBSystem, sRGBSystem, 0.4f, 0.3f, 0.2f), 1e-6f);
+}
+
+TEST(ColorSystems, LuminancesOfThePrimariesFitTheirChromaticities)
+{
+    for (const ColorSystem* system :
+        {&AdobeRGB, &sRGBSystem, &NTSCsystem, &SMPTEsystem, &AppleRGB, &TalunSystem}) {
+        const auto rgb = [&](const Float3& c) { return XyYToRGB(*system, *system, c[0], c[1], c[2]); };
+        ExpectNear(rgb(system->xyYRed), {1, 0, 0}, 1e-3f, system->fName);
+        ExpectNear(rgb(system->xyYGreen), {0, 1, 0}, 1e-3f, system->fName);
+        ExpectNear(rgb(system->xyYBlue), {0, 0, 1}, 1e-3f, system->fName);
+    }
+}
+
+TEST(Encode, FollowsTheCurveThatGammaNames)
+{
+    const auto encode = [](float gamma, float value) {
+        ColorSystem system = sRGBSystem;
+        system.fGamma = gamma;
+        EncodeChannel(system, value);
+        return value;
+    };
+    EXPECT_EQ(encode(1, 0.0031308f), 12.92f * 0.0031308f) << "the edge is straight";
+    Float3 rgb = {0.5f, 0.2f, 0.01f};
+    EncodeColor(sRGBSystem, rgb[0], rgb[1], rgb[2]);
+    ExpectNear(rgb, {0.735357f, 0.484529f, 0.099853f}, 1e-6f);
+    EXPECT_LT(encode(1, -0.5f), -6) << "negative light stays on the straight line";
+    EXPECT_NEAR(encode(2.2f, 0.5f), 0.729740, 1e-6);
+    EXPECT_EQ(encode(2.2f, -0.5f), -encode(2.2f, 0.5f));
+    // The Rec. 709 curve falls through to a power of 1/0.
+    EXPECT_EQ(encode(0, 0.5f), 0);
+    EXPECT_EQ(encode(0, 1.3f), INFINITY);
+}
+
+/// The Planckian locus in CIE 1960 u, v after M. Krystek (1985), good to 1e-4 up to 15000 K.
+struct Locus {
+    double u, v;
+
+    explicit Locus(double t)
+        : u((0.860117757 + 1.54118254e-4 * t + 1.28641212e-7 * t * t)
+            / (1 + 8.42420235e-4 * t + 7.08145163e-7 * t * t)),
+          v((0.317398726 + 4.22806245e-5 * t + 4.20481691e-8 * t * t)
+              / (1 - 2.89741816e-5 * t + 1.61456053e-7 * t * t))
+    { }
+};
+
+TEST(CorrelatedTemperature, FollowsThePlanckianLocus)
+{
+    float T = 1;
+    for (const float expected : {1800.0f, 3000.0f, 4200.0f, 5500.0f, 6500.0f, 7900.0f, 9300.0f, 14000.0f}) {
+        const auto [u, v] = Locus(expected);
+        const double x = 3 * u / (2 * u - 8 * v + 4), y = 2 * v / (2 * u - 8 * v + 4);
+        const Float3 xyz = XyYToXYZ({static_cast<float>(x), static_cast<float>(y), 0.7f});
+        EXPECT_EQ(CorrelatedTemperature(xyz[0], xyz[1], xyz[2], T), 0);
+        EXPECT_NEAR(T / expected, 1, 3e-3) << expected;
+    }
+    const struct {
+        Float3 xyY;
+        double temperature;
+    } known[]
+        = {{{0.31271f, 0.32902f, 1}, 6504}, {{0.34567f, 0.35850f, 1}, 5003}, {{0.44757f, 0.40745f, 1}, 2856}};
+    for (const auto& [xyY, temperature] : known) {
+        const Float3 xyz = XyYToXYZ(xyY);
+        EXPECT_EQ(CorrelatedTemperature(xyz[0], xyz[1], xyz[2], T), 0);
+        EXPECT_NEAR(T, temperature, 4);
+    }
+    for (int row = 7; row < kRobertsonLines; ++row) { // each line stands at a right angle to the locus
+        const Locus at(1 / rt[row]), warmer(1 / (rt[row] + 1e-6)), cooler(1 / (rt[row] - 1e-6));
+        EXPECT_NEAR(uvt[row].u, at.u, 1.3e-4) << row;
+        EXPECT_NEAR(uvt[row].v, at.v, 1.3e-4) << row;
+        EXPECT_NEAR(std::atan(uvt[row].t), std::atan(-(warmer.u - cooler.u) / (warmer.v - cooler.v)), 0.025)
+            << row;
+    }
+
+    T = 1234;
+    EXPECT_EQ(CorrelatedTemperature(1e-21f, 0, -1, T), -1);
+    EXPECT_EQ(CorrelatedTemperature(0.7f, 0.3f, 0.001f, T), -1) << "redder than the last line";
+    EXPECT_EQ(CorrelatedTemperature(std::nanf(""), 1, 1, T), -1);
+    EXPECT_EQ(T, 1234);
+}
+
+TEST(HSL, LastLargestChannelDecidesAndGreyHasNoHue)
+{
+    const struct {
+        Float3 rgb;
+        ColorHSL hsl;
+    } cases[] = {{{1, 0, 0}, {0, 0.5f, 1}}, {{0, 0, 1}, {2 / 3.0f, 0.5f, 1}},
+        {{0.5f, 0.25f, 0.375f}, {11 / 12.0f, 0.375f, 1 / 3.0f}},
+        {{0.75f, 0.75f, 0.25f}, {1 / 6.0f, 0.5f, 0.5f}},
+        {{0.875f, 0.75f, 0.875f}, {5 / 6.0f, 0.8125f, 1 / 3.0f}},
+        {{0.625f, 0.75f, 0.5f}, {0.25f, 0.625f, 1 / 3.0f}}};
+    for (const auto& [rgb, expected] : cases) {
+        const ColorHSL hsl = RGBToHSL(rgb);
+        ExpectNear({hsl.fHue, hsl.fLightness, hsl.fSaturation},
+            {expected.fHue, expected.fLightness, expected.fSaturation}, 1e-6f);
+        ExpectNear(HSLToRGB(hsl), rgb, 1e-6f);
+    }
+    const ColorHSL grey = RGBToHSL({0.3f, 0.3f, 0.3f});
+    EXPECT_TRUE(std::isnan(grey.fHue));
+    EXPECT_EQ(grey.fSaturation, 0);
+    EXPECT_EQ(HSLToRGB(grey), (Float3{0.3f, 0.3f, 0.3f}));
+    ExpectNear(HSLToRGB({grey.fHue, 0.25f, 0.5f}), {0.125f, 0.125f, 0.125f}, 1e-6f, "m1");
+}
+
+} // namespace
