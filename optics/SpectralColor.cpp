@@ -1,0 +1,157 @@
+#include "optics/SpectralColor.h"
+#include "frame/Numbers.h"
+#include "optics/ColorSystems.h"
+#include "optics/SpectralTables.h"
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+double PowerOfE(double exponent) { return std::pow(2.718281828459, exponent); }
+
+/// The place of a wavelength in the spectral tables.
+class TablePlace {
+public:
+    explicit TablePlace(float lambda)
+    {
+        // Past its ends a table goes on with its end entry; NaN gives NaN from entry 0.
+        const double place = std::clamp((lambda - 380.0) * 511.0 / 445.0, 0.0, kSpectralEntries - 1.0);
+        const int32_t below = std::max(CutToInt32(std::floor(place)), 0);
+        fIndex = static_cast<size_t>(below);
+        fNext = std::min<size_t>(fIndex + 1, kSpectralEntries - 1);
+        fFraction = static_cast<float>(place) - static_cast<float>(below);
+    }
+    float In(const SpectralTable& table) const
+    {
+        return table[fIndex] + (table[fNext] - table[fIndex]) * fFraction;
+    }
+
+private:
+    size_t fIndex;
+    size_t fNext;
+    float fFraction;
+};
+
+/// An illuminant together with what depends on its temperature alone.
+class Spectrum {
+public:
+    explicit Spectrum(const Illuminant& illuminant)
+        : fIlluminant(illuminant), fExponent(25924.1 / illuminant.fTemperature), fPower(PowerOfE(fExponent))
+    { }
+
+    float Weight(float lambda, const TablePlace& place) const
+    {
+        const float ratio = PlanckRatio(lambda);
+        return fIlluminant.fCustomIlluminant ? ratio : ratio * place.In(D65Array);
+    }
+
+    Float3 XYZ(float lambda) const
+    {
+        const TablePlace place(lambda);
+        const float weight = Weight(lambda, place);
+        return {place.In(XBar) * weight, place.In(YBar) * weight, place.In(ZBar) * weight};
+    }
+
+private:
+    /// Planck's curve over that of 6500 K, 1 at 555 nm. 1.43879e7 is the second radiation constant in nm K;
+    /// 25924.1 and 2213.52 are that over 555 nm and over 6500 K; 0.0188807 is 1 / (e^(25924.1 / 6500) - 1).
+    float PlanckRatio(float lambda) const
+    {
+        const double exponent6500 = 2213.52 / lambda;
+        const double upper = 0.0188807 + 0.0188807 * PowerOfE(fExponent + exponent6500)
+            - 0.0188807 * PowerOfE(exponent6500) - 0.0188807 * fPower;
+        const float temperatureLambda = fIlluminant.fTemperature * lambda;
+        return static_cast<float>(upper / (PowerOfE(1.43879e7 / temperatureLambda) - 1));
+    }
+
+    Illuminant fIlluminant;
+    double fExponent;
+    double fPower;
+};
+
+Float3 Chromaticity(const Float3& xyz)
+{
+    const auto [X, Y, Z] = xyz;
+    const float sum = X + Y + Z;
+    return {X / sum, Y / sum, Z / sum};
+}
+
+Float3 ShiftForShading(const Float3& lab)
+{
+    return {lab[0], static_cast<float>(lab[1] + -4.98), static_cast<float>(lab[2] + -38.84)};
+}
+
+Float3 DisplayRGB(const Float3& lab, float whiteX, float whiteY)
+{
+    const Float3 white = {whiteX / whiteY, 1, (1 - whiteX - whiteY) / whiteY};
+    const Float3 xyz = LabToXYZ(lab, white);
+    const auto [x, y, z] = Chromaticity(xyz);
+    return XyYToRGB(ColorSystems::sRGBSystem, ColorSystems::sRGBSystem, x, y, xyz[1]);
+}
+
+float Mix(double weight, float full, float none)
+{
+    return static_cast<float>(weight * full + (1 - weight) * none);
+}
+
+} // namespace
+
+float SpectralWeight(float lambda, const Illuminant& illuminant)
+{
+    return Spectrum(illuminant).Weight(lambda, TablePlace(lambda));
+}
+
+Stimulus MonochromaticStimulus(float lambda, const Illuminant& illuminant)
+{
+    const Float3 xyz = Spectrum(illuminant).XYZ(lambda);
+    return {Chromaticity(xyz), xyz};
+}
+
+ColorSystem SystemWithIlluminant(const ColorSystem& base, const Illuminant& illuminant)
+{
+    const Spectrum spectrum(illuminant);
+    Float3 sum = {0, 0, 0};
+    // The rounding of each step is part of the stepping.
+    for (float lambda = 380; lambda <= 825; lambda = static_cast<float>(lambda + 0.1))
+        sum = sum + spectrum.XYZ(lambda);
+
+    const auto [x, y, z] = Chromaticity(sum);
+    ColorSystem system = base;
+    system.xyYWhite[0] = x;
+    system.xyYWhite[1] = y;
+    return system;
+}
+
+WavelengthColors WavelengthColor(const ColorSystem& source, const ColorSystem& destination, float lambda,
+    const Illuminant& illuminant, float whiteX, float whiteY, float anchor, int32_t depth,
+    GamutSearch& search)
+{
+    const auto project = [&](float wavelength) {
+        const Stimulus stimulus = MonochromaticStimulus(wavelength, illuminant);
+        search.fFound = false;
+        search.fCellCount = 0;
+        const Float3 spectral
+            = AdaptToWhite(source, destination, stimulus.xyz[0], stimulus.xyz[1], stimulus.XYZ[1]);
+        return ProjectToGamut(destination, spectral, anchor, 0, 0, depth, search);
+    };
+    Residue projected = project(lambda);
+    if (!search.fFound)
+        projected = project(static_cast<float>(lambda - 0.01));
+
+    const Float3 onSurface = FaceColor(projected);
+    const float L = projected.fLab[0];
+    if ((L > 45 && L <= 100) || !search.fFound) {
+        const Float3 lab = ShiftForShading(projected.fLab);
+        return {onSurface, DisplayRGB(lab, whiteX, whiteY), lab};
+    }
+    if (L >= 30 && L <= 45) {
+        const Float3 lab = ShiftForShading(projected.fLab);
+        const Float3 shifted = DisplayRGB(lab, whiteX, whiteY);
+        const double weight = (L - 30.0) / 15.0;
+        return {onSurface,
+            {Mix(weight, shifted[0], onSurface[0]), Mix(weight, shifted[1], onSurface[1]),
+                Mix(weight, shifted[2], onSurface[2])},
+            lab};
+    }
+    return {onSurface, onSurface, projected.fLab};
+}
