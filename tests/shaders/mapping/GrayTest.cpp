@@ -1,0 +1,106 @@
+#include "shaders/mapping/Gray.h"
+#include "tests/support/ShaderTest.h"
+
+namespace {
+
+constexpr GUID kGrayID = {0xB30CC03F, 0x243F, 0x4F88, {0x9E, 0x16, 0x8B, 0x05, 0x71, 0x77, 0x1D, 0xBC}};
+constexpr GUID kTwinID = {0x535766EF, 0xCF7A, 0x448A, {0x97, 0x18, 0x25, 0xC0, 0xE4, 0x84, 0xC3, 0x14}};
+constexpr int32_t kSaturation = 0;
+
+class GrayTest : public ShaderTest {
+protected:
+    MadeShader<GrayParams> fGray{kGrayID};
+
+    TMCColorRGBA Shade(MCCountedPtr<FakeShader> plugged, float coverage = 1)
+    {
+        Plug(fGray.Record().fSubShader, plugged);
+        fGray.Changed();
+        TMCColorRGBA color{9, 9, 9, 0.125f};
+        EXPECT_EQ(fGray->ShadeColor(color, fFullArea, fIn), coverage);
+        fGray.Record().fSubShader = nullptr;
+        return color;
+    }
+};
+
+TEST_F(GrayTest, TakesColourBeforeValueAndCoversByMode)
+{
+    const auto both = FakeColor({1, 0.5f, 0.25f, 0.75f}, kOutputColor | kOutputValue);
+    EXPECT_THAT(Shade(both), IsColor(0.6225f, 0.6225f, 0.6225f, 0.75f));
+    EXPECT_EQ(both->fLastFullArea, &fFullArea);
+    EXPECT_THAT(Shade(FakeValue(2.5f)), IsColor(2.5f, 2.5f, 2.5f, 0.125f));
+    EXPECT_THAT(Shade(FakeValue(2.5f, kOutputVector)), IsColor(0, 0, 0, 0.125f));
+    EXPECT_THAT(Shade({}, 0), IsColor(0, 0, 0, 0.125f));
+
+    fGray.Record().fMode = kSaturation;
+    EXPECT_THAT(Shade(FakeValue(2.5f)), IsColor(0, 0, 0, 0.125f));
+    EXPECT_THAT(Shade({}, 1), IsColor(0, 0, 0, 0.125f));
+    EXPECT_FALSE(fFullArea);
+}
+
+TEST_F(GrayTest, ShiftsSaturation)
+{
+    const struct {
+        float shift, color[3], expected[3];
+    } kRows[] = {
+        // Half-way hues of saturation and lightness 0.5, through the six ranges.
+        {0, {0.75f, 0.5f, 0.25f}, {0.85f, 0.5f, 0.15f}},
+        {0, {0.5f, 0.75f, 0.25f}, {0.5f, 0.875f, 0.125f}},
+        {0, {0.25f, 0.75f, 0.5f}, {0.225f, 0.775f, 0.5f}},
+        {0, {0.25f, 0.5f, 0.75f}, {0.35f, 0.5f, 0.65f}},
+        {0, {0.5f, 0.25f, 0.75f}, {0.5f, 0.375f, 0.625f}},
+        {0, {0.75f, 0.25f, 0.5f}, {0.725f, 0.275f, 0.5f}},
+        {-60, {1, 0.6f, 0.6f}, {0.9f, 0.7f, 0.7f}}, // the light half
+        {-200, {0.6f, 0.2f, 0.2f}, {0.4f, 0.4f, 0.4f}},
+        {0, {0.4f, 0.4f, 0.4f}, {0.4f, 0.4f, 0.4f}},
+        {20, {0.4f, 0.4f, 0.4f}, {0.32f, 0.32f, 0.32f}}, // a gray that gains comes out darker
+        {20, {0.6f, kNaN, 0.2f}, {0.6f, kNaN, 0.2f}},
+        {20, {kNaN, 0.6f, 0.2f}, {0.12f, 0.12f, 0.12f}}, // the others' saturation, and no hue
+        {20, {0.6f, 0.2f, kNaN}, {0.12f, 0.12f, 0.12f}},
+    };
+    for (const auto& [shift, color, expected] : kRows) {
+        fGray.Record() = {shift, 10, 20, -30, kSaturation, {}, {}};
+        EXPECT_THAT(Shade(FakeColor({color[0], color[1], color[2], 0.5f})),
+            IsColor(expected[0], expected[1], expected[2], 0.5f));
+    }
+}
+
+TEST_F(GrayTest, FiltersTheSwitchedColoursOfASurface)
+{
+    const auto plugged = fernwick::MakeCounted<FakeShader>(kOutputSurface);
+    ShadingOut& surface = plugged->fSurface;
+    surface.fColor = {0.6f, 0.2f, 0.2f, 0.125f};
+    surface.fSecondColor = surface.fThirdColor = surface.fFourthColor = {0.6f, 0.2f, 0.2f};
+    for (const auto& [mode, gray] : {std::pair{Code("GRSC"), 0.32f}, {kSaturation, 0.4f}})
+        for (int on = 0; on < 4; ++on) {
+            fGray.Record() = {-200, 0, 0, 0, mode, {}, {on == 0, on == 1, on == 2, on == 3}};
+            Shade(plugged); // plugs it
+            ShadingOut result;
+            fIn.fChannelMask = 5;
+            EXPECT_EQ(fGray->ShadeSurface(result, fIn), 1);
+            EXPECT_EQ(fIn.fChannelMask, 2047u);
+            EXPECT_EQ(result.fColor.fAlpha, 0.125f);
+            const float* const kRed[] = {&result.fColor.fRed, &result.fThirdColor.fRed,
+                &result.fSecondColor.fRed, &result.fFourthColor.fRed};
+            for (int i = 0; i < 4; ++i)
+                for (int channel = 0; channel < 3; ++channel)
+                    EXPECT_FLOAT_EQ(kRed[i][channel], i == on ? gray : channel == 0 ? 0.6f : 0.2f);
+        }
+    plugged->fKinds = kOutputColor;
+    Shade(plugged);
+    ShadingOut result;
+    fIn.fChannelMask = 5;
+    EXPECT_EQ(fGray->ShadeSurface(result, fIn), 1);
+    EXPECT_THAT(result.fColor, IsColor(0, 0, 0, 1)); // as it was
+    EXPECT_EQ(fIn.fChannelMask, 5u);
+}
+
+TEST_F(GrayTest, TheTwinIsTheSameAndSwitchesArentCompared)
+{
+    MadeShader<GrayParams> twin(kTwinID);
+    twin.Record().fColorSwitches[2] = true;
+    EXPECT_TRUE(fGray->SameParameters(&*twin));
+    twin.Record().fBlueShift = fGray.Record().fBlueShift = kNaN;
+    EXPECT_FALSE(fGray->SameParameters(&*twin));
+}
+
+} // namespace
