@@ -101,12 +101,17 @@ inline constexpr TMCColorRGBA::Channel TMCColorRGBA::kChannels[4]
     = {&TMCColorRGBA::fRed, &TMCColorRGBA::fGreen, &TMCColorRGBA::fBlue, &TMCColorRGBA::fAlpha};
 static_assert(sizeof(TMCColorRGBA) == 16);
 
-/// 0.3 red + 0.59 green + 0.11 blue, summed in double and stored as float. The number that every shader takes
-/// for a colour.
-template <class Color> float Luminance(const Color& color)
+/// 0.3 red + 0.59 green + 0.11 blue, summed in double.
+template <class Color> double ExactLuminance(const Color& color)
 {
     const double red = color.fRed;
     const double green = color.fGreen;
     const double blue = color.fBlue;
-    return static_cast<float>(0.3 * red + 0.59 * green + 0.11 * blue);
+    return 0.3 * red + 0.59 * green + 0.11 * blue;
+}
+
+/// The same stored as float: the number that every shader takes for a colour.
+template <class Color> float Luminance(const Color& color)
+{
+    return static_cast<float>(ExactLuminance(color));
 }

@@ -1,11 +1,11 @@
 #pragma once
 #include <cstdint>
 
-/// A bool of a parameter record: one byte, in which anything but 0 is true. The host writes records byte by byte,
-/// and no byte that it can write is undefined.
+/// A switch of a parameter record: one byte, 0 for false and any other for true. Hosts write records byte by
+/// byte, and a `bool` that holds another byte than 0 and 1 must not be read.
 class TMCBool {
 public:
-    constexpr TMCBool(bool value = false) : fByte(value) {}
+    constexpr TMCBool(bool value = false) : fByte(value ? 1 : 0) { }
     constexpr operator bool() const { return fByte != 0; }
 
 private:
