@@ -24,7 +24,7 @@ protected:
     Params fParams;
 };
 
-/// A shader class that tells the size of its record: all but two.
+/// A shader class that tells the size of its record, as all with a route do.
 template <class Class, class Params, class Base = ShaderBase>
 class ShaderOf : public UnsizedShaderOf<Class, Params, Base> {
 public:

@@ -25,7 +25,7 @@ int32_t TBasicShader::SameParameters(I3DExShader* other)
     if (Query(*static_cast<I3DExShader*>(this), IID_IShellDataComponent, component) != MC_S_OK
         || Query(*other, IID_IShellDataComponent, otherComponent) != MC_S_OK)
         return false;
-    return component && component->IsEqualToComponent(otherComponent.Get());
+    return component->IsEqualToComponent(otherComponent.Get());
 }
 
 MCErr TBasicShader::ReportNeeds(ShadingFlags&) { return kMCNotImplemented; }
@@ -152,7 +152,7 @@ IMCUnknown* TBasicShader::ClearCountedOut(uint32_t, void*, IMCUnknown** out)
     *out = nullptr;
     if (held != nullptr)
         held->Release();
-    return *out;
+    return nullptr;
 }
 
 MCErr TBasicShader::ReservedNotImplementedE(void*) { return kMCNotImplemented; }

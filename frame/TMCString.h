@@ -6,8 +6,7 @@
 /// A text with room for a fixed number of characters, stored inline behind its head. Characters are bytes
 /// (UTF-8 in this host), so both lengths agree. The text always ends with a zero byte.
 ///
-/// A text is read up to its zero byte and never past its room, whatever the head says, so a record of random
-/// bytes can do no harm.
+/// A text is read up to its zero byte and never past its room, whatever the counts in its head say.
 class TMCString {
 public:
     virtual uint32_t GetLength() const;     ///< characters in use

@@ -71,7 +71,7 @@ void Iridescent::FollowObject(const ShadingIn& in)
     Normalize(fReferenceVector);
 }
 
-/// A sub-shader's 0.5 leaves the angle; the rest of its range moves it by up to half a radian.
+/// A sub-shader's 0.5 leaves the angle; 0 and 1 move it by half a radian.
 void Iridescent::OffsetAngle(bool& fullArea, ShadingIn& in)
 {
     if (!ReadNumber(fShader, fShaderKinds, kOutputColor, fSubValue, fSubColor, fullArea, in))

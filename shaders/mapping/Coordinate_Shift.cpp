@@ -45,7 +45,7 @@ void Coordinate_Shift::FollowObject(const ShadingIn& in)
     fTargetTree = nullptr;
     FindShadedTree(in, fOwnTree, fScene);
     if (fOwnTree)
-        fOwnTree->GetParent(fTargetTree.Address());
+        fOwnTree->GetParent(fTargetTree.Address()); // asked for, and replaced by the lookup
     if (!HasScene(fScene) || !FindTreeByName(fScene, fCachedName, "objecttree", fTargetTree))
         return;
     fTargetTree->GetGlobalTransform(fTargetTransform);

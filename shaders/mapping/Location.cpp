@@ -91,10 +91,9 @@ float Location::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
 void Location::Disturb(bool& fullArea, ShadingIn& in)
 {
     TMCColorRGBA subColor = {0, 0, 0, 0};
-    if (!ReadNumber(fShader, fShaderKinds, kOutputColor, fDisturbance, subColor, fullArea, in))
-        fDisturbance = 0;
-    // Kept: what is remembered is the scaled amount, so a repeated one is scaled once more.
-    fDisturbance
-        = RepeatLastAboveOne(fDisturbance, fLastDisturbance) * static_cast<float>(fParams.fDisturbPercent);
-    fLastDisturbance = fDisturbance;
+    ReadNumber(fShader, fShaderKinds, kOutputColor, fDisturbance, subColor, fullArea, in);
+    if (fDisturbance > 1.0)
+        fDisturbance = fLastDisturbance;
+    fDisturbance *= static_cast<float>(fParams.fDisturbPercent);
+    fLastDisturbance = fDisturbance; // kept: the scaled amount, so a repeated one is scaled once more
 }
