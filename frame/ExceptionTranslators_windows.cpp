@@ -46,7 +46,7 @@ void HandleInvalidParameter(
     const wchar_t* expression, const wchar_t* function, const wchar_t* file, unsigned int line, uintptr_t)
 {
     const auto orEmpty = [](const wchar_t* text) { return text != nullptr ? text : L""; };
-    char message[1024];
+    char message[1024] = {};
     std::snprintf(message, sizeof message,
         "Invalid parameter detected in function %ls.\r\nFile: %ls Line: %u\r\nExpression: %ls",
         orEmpty(function), orEmpty(file), line, orEmpty(expression));

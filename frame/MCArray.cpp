@@ -34,12 +34,18 @@ void MCArrayBase::CheckValid() const
         MC_REPORT("IsValid()");
 }
 
+bool MCArrayBase::CanResize() const
+{
+    if ((fFlags & kExternalMemory) == 0)
+        return true;
+    MC_REPORT("Can't resize array with external memory");
+    return false;
+}
+
 bool MCArrayBase::Reserve(uint32_t count, Mover move, const char* failure)
 {
-    if ((fFlags & kExternalMemory) != 0) {
-        MC_REPORT("Can't resize array with external memory");
+    if (!CanResize())
         return false;
-    }
     if (count <= fCapacity)
         return true;
     void* const elements = AllocateBlock(static_cast<size_t>(count) * fElemSize);

@@ -39,6 +39,8 @@ protected:
     uint32_t fFlags;
 
     void CheckValid() const;
+    /// False, with a report, for an array over outside memory.
+    bool CanResize() const;
     /// Makes room for `count` elements and moves the present ones there. On failure nothing changes.
     bool Reserve(uint32_t count, Mover move, const char* failure);
     /// True, with a report when not, for an element that exists.
@@ -94,7 +96,9 @@ public:
     void Remove(uint32_t index, uint32_t count = 1)
     {
         const uint32_t removed = Removable(index, count);
-        for (uint32_t i = index; removed > 0 && i + removed < fElemCount; ++i)
+        if (removed == 0 || !CanResize())
+            return;
+        for (uint32_t i = index; i + removed < fElemCount; ++i)
             Data()[i] = Data()[i + removed];
         SetElemCount(fElemCount - removed);
     }

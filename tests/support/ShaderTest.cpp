@@ -6,9 +6,10 @@ fernwick::Library& TestedLibrary()
     return library;
 }
 
-std::vector<std::string> TakeReports()
+std::vector<std::string> TakeReports() { return TakeReports(TestedLibrary().HostUtilities().Debug()); }
+
+std::vector<std::string> TakeReports(fernwick::DebugService& debug)
 {
-    fernwick::DebugService& debug = TestedLibrary().HostUtilities().Debug();
     std::vector<std::string> texts;
     for (const fernwick::Report& report : debug.Reports())
         texts.push_back(report.message);

@@ -14,8 +14,9 @@ constexpr float kInfinity = std::numeric_limits<float>::infinity();
 /// The library under test, opened once a program.
 fernwick::Library& TestedLibrary();
 
-/// The texts of the debug reports since the last call, in order.
+/// The texts of the debug reports since the last call, in order: those of the library under test, or of `debug`.
 std::vector<std::string> TakeReports();
+std::vector<std::string> TakeReports(fernwick::DebugService& debug);
 
 /// A shader made by the library's own factory inside the host's wrapper, with its record.
 template <class Params> struct MadeShader {
