@@ -1,0 +1,40 @@
+#pragma once
+#include "host/GraphDocument.h"
+#include "host/ShaderWrapper.h"
+
+namespace fernwick {
+
+class Library;
+
+/// The live objects of a document's output and of everything below it. A shader serves one thread at a time, so
+/// every thread makes its own graph; making and releasing is for one thread at a time.
+class Graph {
+public:
+    /// Makes the objects by the change protocol, children before parents. Throws `GraphError`, and then leaves
+    /// nothing behind.
+    Graph(const Library& library, const GraphDocument& document);
+    Graph(const Graph&) = delete;
+    Graph& operator=(const Graph&) = delete;
+
+    IShellShader& Output() const { return *fShaders.back().fFace; }
+    uint32_t OutputKinds() const { return Output().GetOutputKinds(); }
+    /// The output as the library made it; null when it is one of the host's sources.
+    I3DExShader* OutputExtension() const;
+
+    /// The shaded object, for `ShadingIn::fInstance`; null when the document has no scene.
+    IMCUnknown* Instance() const;
+    Scene* SceneOrNull() const { return fScene ? &*fScene : nullptr; }
+
+private:
+    struct LiveShader {
+        MCCountedPtr<IShellShader> fFace;
+        MCCountedPtr<ShaderWrapper> fWrapper; // null for a source
+    };
+
+    MCCountedPtr<Scene> fScene;
+    std::vector<LiveShader> fShaders; // in the document's order, the output last
+
+    LiveShader Make(const Library& library, const DocumentShader& shader) const;
+};
+
+} // namespace fernwick
