@@ -1,7 +1,17 @@
 #include "frame/AngleBands.h"
 #include "frame/Numbers.h"
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+
+/// The weight of a band at `angle` radians: 1 at its centre, falling by `width` per radian to 0. The centre goes
+/// from degrees to radians in double and is rounded to float.
+static float BandWeight(float angle, float center, float width)
+{
+    const float radians = static_cast<float>(center * kRadiansPerDegree);
+    const float weight = 1.0f - width * std::fabs(angle - radians);
+    return weight > 0 ? weight : 0; // NaN weighs nothing
+}
 
 void AxisRotation::SetAboutY(float degrees)
 {
@@ -40,10 +50,30 @@ TVector3 DirectionFromAngles(float elevation, float azimuth, AxisRotation& scrat
     return direction;
 }
 
-float BandCenter(float degrees) { return static_cast<float>(degrees * kRadiansPerDegree); }
-
-float BandWeight(float angle, float center, float width)
+bool SameBands(const AngleBand (&left)[kAngleBandCount], const AngleBand (&right)[kAngleBandCount])
 {
-    const float weight = 1.0f - width * std::fabs(angle - BandCenter(center));
-    return weight > 0 ? weight : 0; // NaN weighs nothing
+    return std::equal(left, left + kAngleBandCount, right, [](const AngleBand& one, const AngleBand& two) {
+        return one.fColor.fRed == two.fColor.fRed && one.fColor.fGreen == two.fColor.fGreen
+            && one.fColor.fBlue == two.fColor.fBlue && one.fWidth == two.fWidth && one.fCenter == two.fCenter;
+    });
+}
+
+void WeighBands(const AngleBand (&bands)[kAngleBandCount], bool sharedWidth, bool holdLast, float angle,
+    float (&weights)[kAngleBandCount])
+{
+    constexpr int kLast = kAngleBandCount - 1;
+    for (int i = 0; i < kAngleBandCount; ++i)
+        weights[i] = BandWeight(angle, bands[i].fCenter, bands[sharedWidth ? 0 : i].fWidth);
+    if (holdLast && angle >= bands[kLast].fCenter * kRadiansPerDegree)
+        weights[kLast] = 1;
+}
+
+TMCColorRGB SumBands(const AngleBand (&bands)[kAngleBandCount], const float (&weights)[kAngleBandCount])
+{
+    TMCColorRGB sum = TMCColorRGB::kBlack;
+    for (int i = 0; i < kAngleBandCount; ++i) {
+        const TMCColorRGBA& color = bands[i].fColor;
+        sum += {weights[i] * color.fRed, weights[i] * color.fGreen, weights[i] * color.fBlue};
+    }
+    return sum;
 }

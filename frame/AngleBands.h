@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Colors.h"
 #include "frame/Vectors.h"
 
 // What the shaders that colour by an angle share: a fixed direction given by two angles, and triangle weights
@@ -22,9 +23,25 @@ struct AxisRotation {
 /// (cos e cos a, -cos e sin a, sin e) of an elevation e and an azimuth a in degrees.
 TVector3 DirectionFromAngles(float elevation, float azimuth, AxisRotation& scratch);
 
-/// The centre of a band, from degrees to radians in double, rounded to float.
-float BandCenter(float degrees);
+/// A band of a table: its colour and the triangle that it weighs.
+struct AngleBand {
+    TMCColorRGBA fColor = {0, 0, 0, 0}; ///< the alpha isn't used
+    float fCenter = 0;                  ///< degrees
+    float fWidth = 3;                   ///< what the weight loses per radian away from the centre
+};
+static_assert(offsetof(AngleBand, fColor) == 0 && offsetof(AngleBand, fCenter) == 16);
+static_assert(offsetof(AngleBand, fWidth) == 20 && sizeof(AngleBand) == 24);
 
-/// The weight of a band at `angle` radians: 1 at its centre, falling by `width` per radian to 0.
-/// @param center  degrees
-float BandWeight(float angle, float center, float width);
+constexpr int kAngleBandCount = 7;
+
+/// Compares all but the alphas, the floats exactly.
+bool SameBands(const AngleBand (&left)[kAngleBandCount], const AngleBand (&right)[kAngleBandCount]);
+
+/// Weighs each band at `angle` radians.
+/// @param sharedWidth  all bands use the width of the first
+/// @param holdLast     from the last band's centre upward that band weighs 1
+void WeighBands(const AngleBand (&bands)[kAngleBandCount], bool sharedWidth, bool holdLast, float angle,
+    float (&weights)[kAngleBandCount]);
+
+/// The sum of the weighted colours, not clamped.
+TMCColorRGB SumBands(const AngleBand (&bands)[kAngleBandCount], const float (&weights)[kAngleBandCount]);

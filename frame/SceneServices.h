@@ -62,8 +62,8 @@ protected:
 /// A light. Reached by `QueryInterface` of an `ITreeElement`; an element that is no light gives none.
 class ILight : public IMCUnknown {
 public:
-    virtual void GetLightTransform(TTransform3D& transform)
-        = 0; ///< in world space; (0, 0, -1) is the cone's axis
+    /// In world space; the rotation turns (0, 0, -1) into the axis of the light's cone.
+    virtual void GetLightTransform(TTransform3D& transform) = 0;
     /// @param parameter  four-character code; the pack asks for "brit", the brightness
     virtual void GetLightParameter(int32_t parameter, float& value) = 0;
     /// From `point` to the light.

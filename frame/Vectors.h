@@ -98,13 +98,21 @@ inline double Dot(const TVector3& left, const TVector3& right)
 /// The length in double, from the float components.
 inline double Length(const TVector3& vector) { return std::sqrt(Dot(vector, vector)); }
 
-/// Scales to length 1, in double; a vector whose length isn't above 0 stays as it is.
+/// Scales by 1 / length, a factor in float; a vector whose length isn't above 0 stays as it is.
 inline void Normalize(TVector3& vector)
 {
     const double length = Length(vector);
     if (length > 0)
-        vector = {static_cast<float>(vector[0] / length), static_cast<float>(vector[1] / length),
-            static_cast<float>(vector[2] / length)};
+        vector *= 1.0f / static_cast<float>(length);
+}
+
+/// The matrix times the column vector: each row dotted with it, in float.
+inline TVector3 Transformed(const float (&rows)[3][3], const TVector3& vector)
+{
+    TVector3 product;
+    for (uint32_t i = 0; i < 3; ++i)
+        product[i] = rows[i][0] * vector[0] + rows[i][1] * vector[1] + rows[i][2] * vector[2];
+    return product;
 }
 
 /// The angle between two directions of any length in radians, 0 to pi: an arc cosine in double, rounded to

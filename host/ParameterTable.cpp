@@ -14,12 +14,17 @@
     CLASS(Super_mixer_top)                                                                                   \
     CLASS(Iridescent)                                                                                        \
     CLASS(Location)                                                                                          \
+    CLASS(Proximity)                                                                                         \
+    CLASS(Translucent)                                                                                       \
+    CLASS(Lit)                                                                                               \
     CLASS(Drip)                                                                                              \
     CLASS(MultiPassControl)                                                                                  \
     CLASS(MultiPassManager)                                                                                  \
     CLASS(Coordinate_Shift)                                                                                  \
     CLASS(Key)                                                                                               \
     CLASS(Spoke)                                                                                             \
+    CLASS(Curvature)                                                                                         \
+    CLASS(Corners)                                                                                           \
     CLASS(Shadow_pass)
 
 #define FERNWICK_DECLARE(name) fernwick::ParameterTable name##Table();

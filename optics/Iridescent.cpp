@@ -1,17 +1,6 @@
 #include "optics/Iridescent.h"
-#include <algorithm>
 
 namespace {
-
-constexpr int kBandCount = 7;
-constexpr int kLastBand = kBandCount - 1;
-
-bool SameBand(const IridescentBand& left, const IridescentBand& right)
-{
-    return left.fColor.fRed == right.fColor.fRed && left.fColor.fGreen == right.fColor.fGreen
-        && left.fColor.fBlue == right.fColor.fBlue && left.fCenter == right.fCenter
-        && left.fWidth == right.fWidth;
-}
 
 float AtMostOne(float channel) { return channel > 1.0f ? 1.0f : channel; }
 
@@ -19,12 +8,11 @@ float AtMostOne(float channel) { return channel > 1.0f ? 1.0f : channel; }
 
 bool Iridescent::SameParams(const IridescentParams& other) const
 {
-    return std::equal(fParams.fBands, fParams.fBands + kBandCount, other.fBands, SameBand)
-        && fParams.fAzimuth == other.fAzimuth && fParams.fElevation == other.fElevation
-        && fParams.fHoldLastBand == other.fHoldLastBand && fParams.fSameWidth == other.fSameWidth
-        && fParams.fGrey == other.fGrey && fParams.fInvertGrey == other.fInvertGrey
-        && fParams.fMixStyle == other.fMixStyle && fParams.fSubShader == other.fSubShader
-        && fParams.fObjectName == other.fObjectName;
+    return SameBands(fParams.fBands, other.fBands) && fParams.fAzimuth == other.fAzimuth
+        && fParams.fElevation == other.fElevation && fParams.fHoldLastBand == other.fHoldLastBand
+        && fParams.fSameWidth == other.fSameWidth && fParams.fGrey == other.fGrey
+        && fParams.fInvertGrey == other.fInvertGrey && fParams.fMixStyle == other.fMixStyle
+        && fParams.fSubShader == other.fSubShader && fParams.fObjectName == other.fObjectName;
 }
 
 MCErr Iridescent::ExtensionDataChanged()
@@ -50,12 +38,8 @@ float Iridescent::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
         return kFullCoverage;
     }
 
-    WeighBands();
-    TMCColorRGB sum = TMCColorRGB::kBlack;
-    for (int i = 0; i < kBandCount; ++i) {
-        const TMCColorRGBA& band = fParams.fBands[i].fColor;
-        sum += {fWeights[i] * band.fRed, fWeights[i] * band.fGreen, fWeights[i] * band.fBlue};
-    }
+    WeighBands(fParams.fBands, fParams.fSameWidth, fParams.fHoldLastBand, fAngle, fWeights);
+    const TMCColorRGB sum = SumBands(fParams.fBands, fWeights);
     color.SetRGB(AtMostOne(sum.fRed), AtMostOne(sum.fGreen), AtMostOne(sum.fBlue));
     return kFullCoverage;
 }
@@ -79,15 +63,4 @@ void Iridescent::OffsetAngle(bool& fullArea, ShadingIn& in)
     fSubValue = RepeatLastAboveOne(fSubValue, fLastSubValue);
     const float moved = fAngle + (fSubValue - 0.5f);
     fAngle = moved > 0 ? moved : 0; // NaN becomes 0 too
-}
-
-void Iridescent::WeighBands()
-{
-    for (int i = 0; i < kBandCount; ++i) {
-        const float width = fParams.fBands[fParams.fSameWidth ? 0 : i].fWidth;
-        fWeights[i] = BandWeight(fAngle, fParams.fBands[i].fCenter, width);
-    }
-    const double lastCenter = fParams.fBands[kLastBand].fCenter * kRadiansPerDegree;
-    if (fParams.fHoldLastBand && fAngle >= lastCenter)
-        fWeights[kLastBand] = 1;
 }

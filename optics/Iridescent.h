@@ -5,19 +5,12 @@
 #include "frame/SubShader.h"
 #include "frame/TMCBool.h"
 
-/// One band of Iridescent.
-struct IridescentBand {
-    TMCColorRGBA fColor = {0, 0, 0, 0}; ///< the alpha isn't used
-    float fCenter = 0;                  ///< degrees
-    float fWidth = 3;                   ///< what the weight loses per radian away from the centre
-};
-static_assert(offsetof(IridescentBand, fColor) == 0 && offsetof(IridescentBand, fCenter) == 16);
-static_assert(offsetof(IridescentBand, fWidth) == 20 && sizeof(IridescentBand) == 24);
+using IridescentBand = AngleBand;
 
 /// Parameters of Iridescent, as the host writes and saves them.
 struct IridescentParams {
     TMCString255 fObjectName; ///< the element that gives the reference direction
-    IridescentBand fBands[7] = {
+    IridescentBand fBands[kAngleBandCount] = {
         {{0.5f, 0, 1, 0}, 0},
         {{0, 0, 1, 0}, 15},
         {{0, 1, 1, 0}, 30},
@@ -60,17 +53,16 @@ private:
     ConnectedShader fShader;
     uint32_t fShaderKinds = 0;
     float fAngle = 0; ///< radians
-    float fWeights[7] = {};
+    float fWeights[kAngleBandCount] = {};
     TVector3 fReferenceVector; ///< the last one stays in force when its element isn't found
     AxisRotation fRotation;
     float fSubValue = 0;
     float fLastSubValue = 0;
     TMCColorRGBA fSubColor = {0, 0, 0, 0};
-    MCCountedPtr<ITreeElement> fTree; ///< these three are the last sample's that used them
+    MCCountedPtr<ITreeElement> fTree; ///< kept with the next two until a sample looks them up again
     MCCountedPtr<IScene> fScene;
     MCCountedPtr<ITreeElement> fObjectTree;
 
     void FollowObject(const ShadingIn& in);
     void OffsetAngle(bool& fullArea, ShadingIn& in);
-    void WeighBands();
 };

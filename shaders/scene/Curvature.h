@@ -1,0 +1,67 @@
+#pragma once
+#include "frame/AngleBands.h"
+#include "frame/SceneLookup.h"
+#include "frame/ShaderOf.h"
+#include "frame/SubShader.h"
+#include "frame/TMCBool.h"
+
+using CurvatureBand = AngleBand;
+
+/// Parameters of Curvature, as the host writes them.
+struct CurvatureParams {
+    TMCString255 fObjectName;  ///< an element that is asked for its place; nothing comes of it
+    TMCString255 fSurfaceName; ///< the element whose surface is measured
+    CurvatureBand fBands[kAngleBandCount] = {
+        {{0.5f, 0, 1, 0}, 0},
+        {{0, 0, 1, 0}, 15},
+        {{0, 1, 1, 0}, 30},
+        {{0, 1, 0, 0}, 45},
+        {{1, 1, 0, 0}, 60},
+        {{1, 0.5f, 0, 0}, 75},
+        {{1, 0, 0, 0}, 90},
+    };
+    TMCBool fClampTop;                ///< from the last band's angle upward that band weighs 1
+    TMCBool fSharedWidth = true;      ///< all bands use the width of the first
+    TMCBool fRawAngle;                ///< the running angle as grey
+    TMCBool fInvertRaw;               ///< that grey inverted
+    float fAngleA = 0;                ///< rotation of the fixed direction about Z, degrees
+    float fAngleB = 0;                ///< rotation of the fixed direction about Y, degrees
+    int32_t fMixStyle = Code("SMMX"); ///< "SHMX": the sub-shader drives the running angle
+    SubShaderSlot fSubShader;
+};
+static_assert(offsetof(CurvatureParams, fObjectName) == 0 && offsetof(CurvatureParams, fSurfaceName) == 280);
+static_assert(offsetof(CurvatureParams, fBands) == 560 && offsetof(CurvatureParams, fClampTop) == 728);
+static_assert(offsetof(CurvatureParams, fSharedWidth) == 729 && offsetof(CurvatureParams, fRawAngle) == 730);
+static_assert(offsetof(CurvatureParams, fInvertRaw) == 731 && offsetof(CurvatureParams, fAngleA) == 732);
+static_assert(offsetof(CurvatureParams, fAngleB) == 736 && offsetof(CurvatureParams, fMixStyle) == 740);
+static_assert(offsetof(CurvatureParams, fSubShader) == 744 && sizeof(CurvatureParams) == 752);
+
+/// The curvature of a named surface under the sample, from one short ray: the Gaussian curvature in red where
+/// it is positive, in blue where it is negative, and green where the ray misses.
+class Curvature final : public UnsizedShaderOf<Curvature, CurvatureParams, TBasicShader> {
+public:
+    /// The measured surface takes no part, nor do the bands' alphas (kept: saved documents rely on it).
+    bool SameParams(const CurvatureParams& other) const;
+    MCErr ReportNeeds(ShadingFlags& flags) override { return Ask(flags, kNeedsAll & ~kNeedsExtraC); }
+    bool QueryBooleanTrait() override { return false; }
+    int32_t GetOutputKinds() override { return kOutputColor; }
+    MCErr ExtensionDataChanged() override;
+    float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) override;
+
+private:
+    ConnectedShader fShader;
+    float fRunningAngle = 0; ///< radians; what the samples so far have added up
+    float fBandWeights[kAngleBandCount] = {};
+    TVector3 fDirectionVector;
+    AxisRotation fRotation; ///< scratch of `ExtensionDataChanged`
+    uint32_t fShaderKinds = 0;
+    float fShaderValue = 0;
+    float fLastShaderValue = 0; ///< stands in for a value above 1
+    TMCColorRGBA fShaderColor = {0, 0, 0, 0};
+    MCCountedPtr<ITreeElement> fTree; ///< these three are the last sample's
+    MCCountedPtr<IScene> fScene;
+    MCCountedPtr<ITreeElement> fObjectTree;
+
+    void AskForObject(const ShadingIn& in);
+    void MoveRunningAngle(bool& fullArea, ShadingIn& in);
+};

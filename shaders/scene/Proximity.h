@@ -1,0 +1,59 @@
+#pragma once
+#include "frame/ShaderOf.h"
+#include "frame/SubShader.h"
+#include "frame/TMCBool.h"
+#include "shaders/scene/ReferencePoint.h"
+
+/// Parameters of Proximity, as the host writes and saves them. Distances are scene units.
+struct ProximityParams {
+    TMCString255 fTargetName;          ///< name of the target; in group mode the text that names begin with
+    TMCBool fUseShader;                ///< lets the sub-shader move the distance
+    int32_t fShaderStrength = 1;       ///< weight of the sub-shader's value
+    int32_t fReference = Code("Opt1"); ///< where the distance is measured from
+    TMCBool fAxisX = true;             ///< false takes the axis out of the distance
+    TMCBool fAxisY = true;
+    TMCBool fAxisZ = true;
+    float fMaxDistance = 10;      ///< at and beyond this distance the value is 0
+    float fFalloff = 0;           ///< width of the ramp that ends there; 0: one ramp from 0
+    float fOffset = 0;            ///< subtracted from the distance
+    TMCBool fSingleObject = true; ///< one named element; false: the nearest of a group
+    SubShaderSlot fSubShader;
+};
+static_assert(offsetof(ProximityParams, fTargetName) == 0 && offsetof(ProximityParams, fUseShader) == 280);
+static_assert(offsetof(ProximityParams, fShaderStrength) == 284);
+static_assert(offsetof(ProximityParams, fReference) == 288 && offsetof(ProximityParams, fAxisX) == 292);
+static_assert(offsetof(ProximityParams, fAxisY) == 293 && offsetof(ProximityParams, fAxisZ) == 294);
+static_assert(offsetof(ProximityParams, fMaxDistance) == 296 && offsetof(ProximityParams, fFalloff) == 300);
+static_assert(offsetof(ProximityParams, fOffset) == 304 && offsetof(ProximityParams, fSingleObject) == 308);
+static_assert(offsetof(ProximityParams, fSubShader) == 312 && sizeof(ProximityParams) == 320);
+
+/// How near the shaded object lies to another one, from 1 when close to 0 at the limit. Distances are between
+/// origins; no mesh is looked at, and nothing of the scene is kept between samples.
+class Proximity final : public ShaderOf<Proximity, ProximityParams> {
+public:
+    /// Falloff and mode take no part (kept: saved documents rely on it).
+    bool SameParams(const ProximityParams& other) const;
+    MCErr ReportNeeds(ShadingFlags& flags) override
+    {
+        return Ask(flags, kNeedsUV | kNeedsPointGlobal | kNeedsPointLocal);
+    }
+    int32_t GetOutputKinds() override { return kOutputValue; }
+    MCErr ExtensionDataChanged() override;
+    float ShadeValue(float& value, bool& fullArea, ShadingIn& in) override;
+
+private:
+    ConnectedShader fShader;
+    uint32_t fShaderKinds = 0;
+    float fShaderValue = 0;
+    float fLastShaderValue = 0; ///< stands in for a value above 1
+    TMCString255 fTargetNameCopy;
+    int32_t fTargetNameLength = 0;
+    TVector3 fLocation; ///< the reference point of the current sample
+    float fRampStart = 0;
+
+    float DistanceToTarget(const MCCountedPtr<IScene>& scene, MCCountedPtr<ITreeElement>& target) const;
+    float DistanceToGroup(const MCCountedPtr<IScene>& scene) const;
+    float DistanceTo(ITreeElement& tree) const;
+    float ShaderShift(bool& fullArea, ShadingIn& in);
+    float ValueAt(float distance) const;
+};

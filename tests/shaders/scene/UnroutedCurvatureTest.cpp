@@ -1,0 +1,153 @@
+#include "frame/TMCException.h"
+#include "shaders/scene/Curvature.h"
+#include "shaders/scene/SurfaceCurvature.h"
+#include "tests/shaders/scene/SceneTest.h"
+#include "tests/support/StaticServices.h"
+
+namespace {
+
+/// A surface that is hit, with the derivatives and the shape that a test gives it.
+class CurvatureTest : public UnitTest {
+protected:
+    FakeScene fScene;
+    FakeElement& fShaded = AddShaded(fScene);
+    FakeElement& fSurface = fScene.Add("Surface");
+    MCCountedPtr<Curvature> fShader = Make();
+    CurvatureParams& fRecord = RecordOf(fShader);
+    ShadingIn fIn;
+    bool fFullArea = true;
+    bool fHits = true;
+    RayHitRecord fFound{0};
+
+    CurvatureTest()
+    {
+        fSurface.fIsInstance = true;
+        fSurface.fOnRay = [this](RayHitParams& params) {
+            EXPECT_EQ(params.fHit->fKind, -3);
+            EXPECT_EQ(params.fHit->fBlock.fShading.fInstance, static_cast<IInstance*>(&fSurface));
+            EXPECT_EQ(params.fRay->fOrigin, TVector3(1, 2, 5));
+            EXPECT_EQ(params.fRay->fDirection, TVector3(0, 0, -2));
+            EXPECT_EQ(params.fNearLimit, 0);
+            EXPECT_EQ(params.fFarLimit, 1.01f);
+            *params.fHit = fFound;
+            return fHits;
+        };
+        fRecord.fObjectName = "Shaded";
+        fRecord.fSurfaceName = "Surface";
+        fIn.fInstance = AsInstance(fShaded);
+        fIn.fPointGlobal = {1, 2, 3};
+        fIn.fNormalGlobal = {0, 0, 2};
+    }
+    static MCCountedPtr<Curvature> Make()
+    {
+        MCCountedPtr<Curvature> made;
+        *made.Address() = new Curvature;
+        return made;
+    }
+    static CurvatureParams& RecordOf(const MCCountedPtr<Curvature>& shader)
+    {
+        return *static_cast<CurvatureParams*>(shader->GetExtensionDataBuffer());
+    }
+    TMCColorRGBA Color()
+    {
+        EXPECT_EQ(fShader->ExtensionDataChanged(), MC_S_OK);
+        return ColorOf(fShader, fFullArea, fIn);
+    }
+};
+
+TEST_F(CurvatureTest, ShowsTheGaussianCurvatureInsteadOfTheBands)
+{
+    const struct {
+        float bendU, bendV;
+        TVector3 derivU, derivV;
+        float red, blue;
+    } cases[] = {
+        {0, 0, {1, 0, 0}, {0, 1, 0}, 0, 0},
+        {-0.5f, -0.8f, {3, 0, 0}, {1, 2, 0}, 0.4f, 0}, // however the surface is parametrised
+        {-0.5f, 0.8f, {1, 0, 0}, {0, 1, 0}, 0, 0.4f},
+        {2, 2, {1, 0, 0}, {0, 1, 0}, 1, 0},
+        {1, 1, {1, 0, 0}, {1, 0, 0}, 0, 0},                           // NaN
+        {1.0e20f, 1.0e20f, {1.0e-20f, 0, 0}, {0, 1.0e-20f, 0}, 1, 0}, // infinite
+        {1.0e20f, -1.0e20f, {1.0e-20f, 0, 0}, {0, 1.0e-20f, 0}, 0, 1},
+    };
+    for (const auto& at : cases) {
+        fFound.fShapeMatrix[0][0] = at.bendU;
+        fFound.fShapeMatrix[1][1] = at.bendV;
+        fFound.fBlock.fShading.fDerivU = at.derivU;
+        fFound.fBlock.fShading.fDerivV = at.derivV;
+        EXPECT_THAT(Color(), IsColor(at.red, 0, at.blue, 0.25f)) << at.bendU << ", " << at.bendV;
+    }
+    fHits = false;
+    EXPECT_THAT(Color(), IsColor(0, 1, 0, 0.25f));
+    fSurface.fIsInstance = false;
+    EXPECT_THAT(Color(), IsColor(0, 1, 0, 0.25f));
+    EXPECT_EQ(TakeReports(), Reports{});
+}
+
+TEST_F(CurvatureTest, FinishesAHitBeforeItIsMeasured)
+{
+    fFound.fHitDistance = 1;
+    fFound.fFinishHit = [](RayHitRecord* record) {
+        EXPECT_EQ(record->fNeedFinish, 1);
+        EXPECT_EQ(record->fHitPoint, TVector3(1, 2, 3));
+        record->fBlock.fShading.fDerivU = {1, 0, 0};
+        record->fBlock.fShading.fDerivV = {0, 1, 0};
+        record->fShapeMatrix[0][0] = record->fShapeMatrix[1][1] = 0.5f;
+    };
+    EXPECT_EQ(Color().fRed, 0.25f);
+}
+
+TEST_F(CurvatureTest, WithoutASurfaceTheColourStaysAndNothingOfAnEarlierSampleStandsIn)
+{
+    EXPECT_EQ(Color().fRed, 0);
+    fIn.fInstance = nullptr;
+    EXPECT_EQ(Color().fRed, 9);
+    EXPECT_EQ(TakeReports(), (Reports{"shadingIn.fInstance", "scene"}));
+    fIn.fInstance = AsInstance(fShaded);
+    fRecord.fObjectName = fRecord.fSurfaceName = "surface";
+    EXPECT_EQ(Color().fRed, 9);
+    EXPECT_EQ(TakeReports(), Reports{"objecttree"});
+}
+
+TEST_F(CurvatureTest, TheRunningAngleAddsUpOverTheSamples)
+{
+    const auto plugged = FakeValue(1);
+    Plug(fRecord.fSubShader, plugged);
+    fRecord.fRawAngle = true;
+    EXPECT_EQ(Color().fRed, 0); // not driven
+    fRecord.fMixStyle = Code("SHMX");
+    const float steps[][2] = {{1, 0.5f}, {0.75f, 0.75f}, {1.5f, 1}, {-9, 0}, {kNaN, 0}, {1, 0.5f}};
+    for (const auto& [value, angle] : steps) {
+        plugged->fValue = value;
+        EXPECT_FLOAT_EQ(Color().fRed, angle / 3.14159265f) << value;
+    }
+    EXPECT_EQ(plugged->fLastFullArea, &fFullArea);
+    fRecord.fInvertRaw = true;
+    plugged->fKinds = kOutputSurface; // neither colour nor value: back by a half
+    EXPECT_EQ(Color().fBlue, 1);
+    fRecord.fSubShader = nullptr;
+}
+
+TEST_F(CurvatureTest, ComparesAllButTheSurfaceAndTheBandsAlphasAndTellsNoSize)
+{
+    const auto other = Make();
+    CurvatureParams& record = RecordOf(other);
+    record = fRecord;
+    record.fSurfaceName = "another";
+    record.fBands[3].fColor.fAlpha = 1;
+    EXPECT_TRUE(fShader->SameParameters(other.Get()));
+    record.fBands[6].fWidth = 2;
+    EXPECT_FALSE(fShader->SameParameters(other.Get()));
+    EXPECT_THROW(fShader->GetParamsBufferSize(), TMCException);
+}
+
+TEST(SurfaceCurvatureTest, GivesThePrincipalCurvaturesOfASkewedParametrisation)
+{
+    const float shape[3][3] = {{-3, 0, 0}, {0, -1, 0}, {0, 0, 0}};
+    const SurfaceCurvature measured = MeasureCurvature({1, 0, 0}, {2, 1, 0}, shape);
+    EXPECT_FLOAT_EQ(measured.fMean, 2);
+    EXPECT_FLOAT_EQ(measured.fFirstPrincipal, 3);
+    EXPECT_FLOAT_EQ(measured.fSecondPrincipal, 1);
+}
+
+} // namespace
