@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 
+// Kept to the digit, the rounded ones too: finished pictures depend on their bits.
 constexpr double kPi = 3.141592653589793;
 constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kRadiansPerDegree = 0.0174532925199433;

@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/MCCountedPtr.h"
 
-/// Queries `object` for the face `id` into `out`, whose content is released first. On failure `out` is null.
+/// Queries `object` for the face `id` into `out` and releases what `out` held. On failure `out` is null.
 /// @return the status of the query; `kMCNoInterface` for one that succeeded and gave nothing
 template <class Face, class Object> MCErr Query(Object& object, const GUID& id, MCCountedPtr<Face>& out)
 {

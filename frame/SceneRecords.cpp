@@ -8,10 +8,9 @@ RayHitRecord::RayHitRecord(int32_t kind)
 {
     constexpr uint32_t kAllBits = 0xFFFFF;
     constexpr float kOne = 1.0f;
-    auto* const bytes = reinterpret_cast<unsigned char*>(&fBlock);
     fBlock.fShading.fNormalGlobal[0] = kOne;
     fBlock.fShading.fNormalLocal[0] = kOne;
-    std::memcpy(bytes + 200, &kAllBits, sizeof kAllBits);
-    std::memcpy(bytes + 224, &kOne, sizeof kOne);
-    std::memcpy(bytes + 236, &kOne, sizeof kOne);
+    std::memcpy(fBlock.fShading.fHostDataB + 8, &kAllBits, sizeof kAllBits);
+    std::memcpy(fBlock.fHostData + 8, &kOne, sizeof kOne);
+    std::memcpy(fBlock.fHostData + 20, &kOne, sizeof kOne);
 }

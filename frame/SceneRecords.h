@@ -20,7 +20,7 @@ static_assert(offsetof(LightState, fOuterAngle) == 52 && offsetof(LightState, fI
 static_assert(offsetof(LightState, fNearRange) == 60 && offsetof(LightState, fFarRange) == 64);
 static_assert(sizeof(LightState) == 68);
 
-/// The rotation inside a `TTreeTransform`: a matrix and what the host keeps beside it.
+/// The rotation inside a `TTreeTransform`: a matrix, taken to come first, and what the host keeps beside it.
 struct TTreeRotation {
     float fMatrix[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     uint8_t fHostData[20] = {};

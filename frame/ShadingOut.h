@@ -1,6 +1,7 @@
 #pragma once
 #include "frame/Colors.h"
 #include "frame/Numbers.h"
+#include "frame/TMCBool.h"
 #include "frame/Vectors.h"
 
 /// Three colours with levels. It only travels: no shader of the pack interprets it.
@@ -54,7 +55,7 @@ struct ShadingVectorBlock {
     TVector3 fSecond;
     float fLevels[2];
     float fThirdLevel;
-    bool fLocal; ///< neither summed nor scaled
+    TMCBool fLocal; ///< neither summed nor scaled
     uint8_t fPadding[3];
 
     void SetDefaults();

@@ -1,7 +1,7 @@
 #pragma once
 #include <cstdint>
 
-/// A switch of a parameter record: one byte, 0 for false and any other for true. Hosts write records byte by
+/// A switch of a record: one byte, 0 for false and any other for true. Hosts write records byte by
 /// byte, and a `bool` that holds another byte than 0 and 1 must not be read.
 class TMCBool {
 public:

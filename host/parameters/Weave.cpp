@@ -10,7 +10,7 @@ fernwick::ParameterTable WeaveTable()
             FIELD(WeaveParams, fWeaveMode, "Cloth",
                 "Basic: a plain weave of two equal threads each way, written into the pattern and the "
                 "widths. Free: as set below.")
-                .Choices({{"BSCM", "Basic"}, {"ADVM", "Free"}}),
+                .Choices({{"BSCM", "Basic"}, {"FREE", "Free"}}),
             FIELD(WeaveParams, fPattern, "Crossing of weft # and warp #",
                 "The warp thread lies on top; otherwise the weft thread."),
             FIELD(WeaveParams, fDisplaceBefore, "Displacement before tiling",

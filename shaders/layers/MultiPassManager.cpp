@@ -22,7 +22,6 @@ MCErr MultiPassManager::ExtensionDataChanged()
 
 int32_t MultiPassManager::ShadeSurface(ShadingOut& result, ShadingIn& in)
 {
-    ShadingOut accum_shadingout;
     ShadingOut fetch;
     bool fullArea = false;
     fValue = 0;
@@ -33,10 +32,8 @@ int32_t MultiPassManager::ShadeSurface(ShadingOut& result, ShadingIn& in)
         return 0; // a level that belongs to no pass produces nothing
 
     // Pass 0 is the selector itself. A surface starts from what the caller has, anything else from the defaults.
-    const bool isSurface = (fShaderKinds[pass] & kOutputSurface) != 0;
-    ShadeLayer(fShader[pass], fShaderKinds[pass], isSurface ? result : accum_shadingout, fLayerColor, fValue,
-        fullArea, in);
-    if (!isSurface)
-        result = accum_shadingout;
+    if ((fShaderKinds[pass] & kOutputSurface) == 0)
+        result.SetDefaults();
+    ShadeLayer(fShader[pass], fShaderKinds[pass], result, fLayerColor, fValue, fullArea, in);
     return 1;
 }

@@ -16,11 +16,12 @@ static_assert(sizeof(LocationAxis) == 16);
 
 /// Parameters of Location, as the host writes and saves them.
 struct LocationParams {
-    LocationAxis fAxes[3];           ///< X, Y and Z
-    int32_t fCombine = Code("ORMD"); ///< "ORMD": the smallest ramp; any other: the last axis, or 1 once an axis reaches it
-    int32_t fSpace = Code("GLBL");   ///< "GLBL": world coordinates; any other: the object's
-    TMCBool fUseSubShader = false;   ///< the sub-shader disturbs the ramps
-    int32_t fDisturbPercent = 0;     ///< how far, in percent of a ramp's width
+    LocationAxis fAxes[3]; ///< X, Y and Z
+    int32_t fCombine
+        = Code("ORMD"); ///< "ORMD": the smallest ramp; any other: the last axis, or 1 once an axis reaches it
+    int32_t fSpace = Code("GLBL"); ///< "GLBL": world coordinates; any other: the object's
+    TMCBool fUseSubShader = false; ///< the sub-shader disturbs the ramps
+    int32_t fDisturbPercent = 0;   ///< how far, in percent of a ramp's width
     SubShaderSlot fSubShader;
 };
 static_assert(offsetof(LocationParams, fAxes) == 0 && offsetof(LocationParams, fCombine) == 48);

@@ -6,7 +6,7 @@ namespace {
 /// A value, not a flag: a true height of exactly this counts as outside (kept).
 constexpr float kOutsideRing = -100.0f;
 
-constexpr double kTwoPi = 6.28318530717959;
+constexpr double kTwoPi = 6.28318530717959; // kept: not twice kPi, in the last digits
 constexpr double kMinusOneOverPi = -0.3183098861837907;
 
 /// Two crossing bars, 0.4 long and 0.04 wide whatever the parameters are.

@@ -8,7 +8,7 @@ struct SpokeParams {
     float fCenterV = 0.5f;
     float fIntensity = 1;       ///< value inside a spoke
     float fWidth = 30;          ///< angle of a spoke; with `fConstantWidth` 20 is a degree's arc at radius 1
-    int32_t fCount = 4;         ///< spokes; 0 draws none
+    int32_t fCount = 4;         ///< spokes; 0 draws none, and at most a filled centre
     int32_t fRotation = 0;      ///< of the wheel
     float fTaper = 0;           ///< degrees of width lost per unit of radius
     float fSoftness = 0.2f;     ///< share of the half width over which an edge falls to 0, 0 to 1

@@ -45,8 +45,7 @@ struct ThreadProbe {
     float fT = 0;        ///< 0 to 1 from start to end
 };
 
-/// The walk across: finds the thread at `x`. A gap has thread 0, offset 0, half 1 and t 0; so has an `x` that is
-/// not finite.
+/// The walk across: finds the thread at `x`. A gap has thread 0, offset 0, half 1 and t 0; so has a NaN.
 /// @param rounded  false leaves the offset 0
 void WalkAcross(const ThreadTable& table, float x, bool rounded, ThreadProbe& probe);
 

@@ -137,7 +137,7 @@ void Weave::FindTileUV(bool& fullArea, ShadingIn& in)
     fTileUV[0] = in.fUV[0];
     fTileUV[1] = in.fUV[1];
     Displace(fParams.fDisplaceBefore, fDisplaceBeforeShader, fDisplaceBeforeShaderKinds, fullArea, in);
-    // The remainder keeps the sign: below 0 there are no threads. A repeat of 0 gives 0, a gap.
+    // The remainder keeps the sign: below 0 there are no threads. A repeat of 0 gives the tile's start.
     for (const Group group : kGroups)
         if (fTileUV[group] != 0)
             fTileUV[group] = std::fmod(fTileUV[group], fInvRepeat[group]) * fParams.*kRepeat[group];
@@ -154,6 +154,8 @@ void Weave::Displace(
         luma = AskLuminance(*shader, fLayerColor, fullArea, in);
     else if ((kinds & kAskedForValue) != 0)
         shader->ShadeValue(luma, fullArea, in);
+    else
+        return;
     const float distance = luma * static_cast<float>(strength) / 100.0f;
     fTileUV[1] += distance;
     fTileUV[0] += distance;
@@ -215,8 +217,9 @@ void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
         in.fUV[1] = fAlongT[top];
 
     const int32_t thread = fTopThread - 1;
-    if (fShaderKinds[top][thread] != 0) { // whatever they are
-        fShader[top][IsBasic() ? 0 : thread]->ShadeColor(fLayerColor, fullArea, in);
+    const ConnectedShader& shader = fShader[top][IsBasic() ? 0 : thread];
+    if (shader && fShaderKinds[top][thread] != 0) { // whatever they are
+        shader->ShadeColor(fLayerColor, fullArea, in);
         color = fLayerColor;
     }
     if (fParams.fRoundAcross || fParams.fRoundAlong) {

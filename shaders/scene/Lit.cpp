@@ -20,7 +20,8 @@ float RangeShare(const LightState& state, float distance)
 {
     if (state.fNearRange >= distance)
         return 1;
-    return 1 - (distance - state.fNearRange) / (state.fFarRange - state.fNearRange);
+    const float share = (distance - state.fNearRange) / (state.fFarRange - state.fNearRange);
+    return static_cast<float>(1.0 - share);
 }
 
 /// Full inside the inner cone, then falling to 0 at the outer one. The angle is that between the way to the
@@ -33,7 +34,8 @@ float ConeShare(const LightState& state, const TTransform3D& transform, const TV
         return 0;
     if (angle > 180 - state.fInnerAngle)
         return 1;
-    return 1 - ((180 - angle) - state.fInnerAngle) / (state.fOuterAngle - state.fInnerAngle);
+    const float share = ((180 - angle) - state.fInnerAngle) / (state.fOuterAngle - state.fInnerAngle);
+    return static_cast<float>(1.0 - share);
 }
 
 /// What range and cone let through.

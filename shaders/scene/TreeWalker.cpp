@@ -20,7 +20,7 @@ ITreeElement* TreeWalker::Next()
         GoTo(next, 1);
         return Visit();
     }
-    while (fCurrent != nullptr && fCurrent != fRoot) {
+    while (fCurrent != nullptr && fCurrent != fRoot && fDepth > 0) { // the depth, for hosts with new pointers
         fCurrent->GetNextSibling(next.Address());
         if (next) {
             GoTo(next, 0);
