@@ -1,0 +1,287 @@
+#include "host/Bake.h"
+#include "host/Graph.h"
+#include <algorithm>
+#include <fmt/format.h>
+#include <memory>
+#include <mutex>
+#include <tbb/global_control.h>
+#include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
+
+namespace fernwick {
+
+namespace {
+
+/// In pixels. A graph whose making is the dearest, with a Fresnel, takes a quarter of the time of such a tile.
+constexpr int kTileSide = 128;
+
+constexpr NamedBakeChannel kChannels[] = {
+    {"color", BakeChannel::kColor},
+    {"main", BakeChannel::kMain},
+    {"alpha", BakeChannel::kAlpha},
+    {"second", BakeChannel::kSecond},
+    {"third", BakeChannel::kThird},
+    {"fourth", BakeChannel::kFourth},
+    {"normal", BakeChannel::kNormal},
+    {"coverage", BakeChannel::kCoverage},
+    {"value", BakeChannel::kValue},
+};
+
+std::string_view NameOf(BakeChannel channel)
+{
+    return std::find_if(std::begin(kChannels), std::end(kChannels), [channel](const NamedBakeChannel& named) {
+        return named.channel == channel;
+    })->name;
+}
+
+/// The operation of the shader that a channel is read from.
+enum class Operation { kNone, kValue, kColor, kVector, kSurface };
+
+struct OperationKind {
+    OutputKinds kind;
+    Operation operation;
+    std::string_view name;
+};
+
+constexpr OperationKind kOperations[] = {
+    {kOutputValue, Operation::kValue, "a value"},
+    {kOutputColor, Operation::kColor, "a colour"},
+    {kOutputVector, Operation::kVector, "a vector"},
+    {kOutputSurface, Operation::kSurface, "a surface"},
+};
+
+/// The first of `preferred` that `kinds` has.
+Operation FirstOffered(uint32_t kinds, std::initializer_list<OutputKinds> preferred)
+{
+    for (const OutputKinds kind : preferred)
+        for (const OperationKind& row : kOperations)
+            if (row.kind == kind && (kinds & static_cast<uint32_t>(kind)) != 0)
+                return row.operation;
+    return Operation::kNone;
+}
+
+Operation OperationFor(BakeChannel channel, uint32_t kinds)
+{
+    switch (channel) {
+    case BakeChannel::kColor:
+    case BakeChannel::kCoverage:
+        return FirstOffered(kinds, {kOutputColor, kOutputSurface, kOutputValue});
+    case BakeChannel::kAlpha:
+        return FirstOffered(kinds, {kOutputColor, kOutputSurface});
+    case BakeChannel::kMain:
+    case BakeChannel::kSecond:
+    case BakeChannel::kThird:
+    case BakeChannel::kFourth:
+        return FirstOffered(kinds, {kOutputSurface});
+    case BakeChannel::kNormal:
+        return FirstOffered(kinds, {kOutputVector, kOutputSurface});
+    case BakeChannel::kValue:
+        return FirstOffered(kinds, {kOutputValue});
+    }
+    return Operation::kNone;
+}
+
+PictureContent ContentOf(BakeChannel channel)
+{
+    switch (channel) {
+    case BakeChannel::kColor:
+    case BakeChannel::kMain:
+    case BakeChannel::kSecond:
+    case BakeChannel::kThird:
+    case BakeChannel::kFourth:
+        return PictureContent::kColor;
+    case BakeChannel::kNormal:
+        return PictureContent::kNormal;
+    case BakeChannel::kAlpha:
+    case BakeChannel::kCoverage:
+    case BakeChannel::kValue:
+        break;
+    }
+    return PictureContent::kValue;
+}
+
+TMCColorRGBA Opaque(const TMCColorRGB& color) { return {color.fRed, color.fGreen, color.fBlue, 1}; }
+TMCColorRGBA Grey(float number) { return {number, number, number, 1}; }
+
+/// The shaded square, where the graph's scene has put it.
+class Square {
+public:
+    explicit Square(const Graph& graph) : fInstance(graph.Instance())
+    {
+        if (graph.SceneOrNull() != nullptr)
+            fToWorld = graph.SceneOrNull()->ShadedObject().Transform();
+    }
+
+    ShadingIn SampleAt(float u, float v) const
+    {
+        ShadingIn in;
+        in.fPointLocal = {u, v, 0};
+        in.fNormalLocal = {0, 0, 1};
+        in.fUV = {u, v};
+        in.fPointGlobal = Turned(in.fPointLocal) + fToWorld.fTranslation;
+        in.fNormalGlobal = Turned(in.fNormalLocal);
+        in.fDerivU = Turned({1, 0, 0});
+        in.fDerivV = Turned({0, 1, 0});
+        in.fInstance = fInstance;
+        return in;
+    }
+
+private:
+    IMCUnknown* fInstance;
+    TTransform3D fToWorld;
+
+    TVector3 Turned(const TVector3& vector) const
+    {
+        TVector3 turned;
+        for (uint32_t row = 0; row < 3; ++row)
+            for (uint32_t column = 0; column < 3; ++column)
+                turned[row] += fToWorld.fMatrix[row][column] * vector[column];
+        return turned;
+    }
+};
+
+TMCColorRGBA ReadSurface(IShellShader& shader, BakeChannel channel, ShadingIn& in)
+{
+    ShadingOut result;
+    if (shader.ShadeSurface(result, in) == 0)
+        result.Clear();
+    switch (channel) {
+    case BakeChannel::kSecond:
+        return Opaque(result.fSecondColor);
+    case BakeChannel::kThird:
+        return Opaque(result.fThirdColor);
+    case BakeChannel::kFourth:
+        return Opaque(result.fFourthColor);
+    case BakeChannel::kNormal:
+        return {result.fShadingNormal[0], result.fShadingNormal[1], result.fShadingNormal[2], 1};
+    case BakeChannel::kAlpha:
+        return Grey(result.fColor.fAlpha);
+    case BakeChannel::kCoverage:
+        return Grey(result.fCoverage);
+    default:
+        return result.fColor;
+    }
+}
+
+TMCColorRGBA ReadColor(IShellShader& shader, BakeChannel channel, ShadingIn& in)
+{
+    TMCColorRGBA color = TMCColorRGBA::kOpaqueBlack;
+    bool fullArea = false;
+    const float coverage = shader.ShadeColor(color, fullArea, in);
+    if (channel == BakeChannel::kCoverage)
+        return Grey(coverage);
+    return channel == BakeChannel::kAlpha ? Grey(color.fAlpha) : color;
+}
+
+TMCColorRGBA ReadValue(IShellShader& shader, BakeChannel channel, ShadingIn& in)
+{
+    float value = 0;
+    bool fullArea = false;
+    const float coverage = shader.ShadeValue(value, fullArea, in);
+    return Grey(channel == BakeChannel::kCoverage ? coverage : value);
+}
+
+/// The bent normal; the plane's own where the shader leaves it.
+TMCColorRGBA ReadVector(I3DExShader& shader, ShadingIn& in)
+{
+    TVector3 vector = in.fNormalGlobal;
+    shader.ShadeVector(vector, in);
+    return {vector[0], vector[1], vector[2], 1};
+}
+
+/// Graphs are made and released one at a time: the library's counts are plain numbers.
+std::mutex gGraphMutex;
+
+struct GraphRelease {
+    void operator()(Graph* graph) const
+    {
+        const std::lock_guard lock(gGraphMutex);
+        delete graph;
+    }
+};
+using OwnGraph = std::unique_ptr<Graph, GraphRelease>;
+
+OwnGraph MakeGraph(const Library& library, const GraphDocument& document)
+{
+    const std::lock_guard lock(gGraphMutex);
+    return OwnGraph(new Graph(library, document));
+}
+
+/// Throws when the output shader doesn't offer what the channel is read from.
+Operation RequireOperation(const Graph& graph, BakeChannel channel)
+{
+    const uint32_t kinds = graph.OutputKinds();
+    const Operation operation = OperationFor(channel, kinds);
+    if (operation != Operation::kNone)
+        return operation;
+    std::string offers;
+    for (const OperationKind& row : kOperations)
+        if ((kinds & static_cast<uint32_t>(row.kind)) != 0)
+            offers += (offers.empty() ? "" : " and ") + std::string(row.name);
+    throw BakeError(fmt::format("the output shader has no channel \"{}\": it offers {}", NameOf(channel),
+        offers.empty() ? "nothing" : offers));
+}
+
+TMCColorRGBA Read(const Graph& graph, Operation operation, BakeChannel channel, ShadingIn& in)
+{
+    switch (operation) {
+    case Operation::kValue:
+        return ReadValue(graph.Output(), channel, in);
+    case Operation::kColor:
+        return ReadColor(graph.Output(), channel, in);
+    case Operation::kVector:
+        return ReadVector(*graph.OutputExtension(), in);
+    default:
+        return ReadSurface(graph.Output(), channel, in);
+    }
+}
+
+void ShadeTile(
+    const Graph& graph, Operation operation, const BakeJob& job, int left, int top, Picture& picture)
+{
+    const Square square(graph);
+    const int right = std::min(left + kTileSide, job.width);
+    const int bottom = std::min(top + kTileSide, job.height);
+    for (int y = top; y < bottom; ++y)
+        for (int x = left; x < right; ++x) {
+            const float u = static_cast<float>((x + 0.5) / job.width);
+            const float v = static_cast<float>((job.height - y - 0.5) / job.height);
+            ShadingIn in = square.SampleAt(u, v);
+            picture.At(x, y) = Read(graph, operation, job.channel, in);
+        }
+}
+
+} // namespace
+
+std::span<const NamedBakeChannel> BakeChannels() { return kChannels; }
+
+std::optional<Picture> Bake(const Library& library, const GraphDocument& document, const BakeJob& job)
+{
+    const Operation operation = RequireOperation(*MakeGraph(library, document), job.channel);
+    Picture picture(job.width, job.height, ContentOf(job.channel));
+    const int columns = (job.width - 1) / kTileSide + 1;
+    const int rows = (job.height - 1) / kTileSide + 1;
+    const auto isCancelled = [&job] { return job.cancel != nullptr && *job.cancel; };
+    std::mutex progressMutex;
+    int done = 0;
+    const auto shadeTile = [&](int tile) {
+        if (isCancelled())
+            return;
+        ShadeTile(*MakeGraph(library, document), operation, job, tile % columns * kTileSide,
+            tile / columns * kTileSide, picture);
+        const std::lock_guard lock(progressMutex);
+        ++done;
+        if (job.onProgress)
+            job.onProgress(static_cast<double>(done) / (columns * rows));
+    };
+    const int threads = job.threads > 0 ? job.threads : tbb::this_task_arena::max_concurrency();
+    const tbb::global_control limit(
+        tbb::global_control::max_allowed_parallelism, static_cast<size_t>(threads));
+    tbb::task_arena(threads).execute(
+        [&] { tbb::parallel_for(0, columns * rows, shadeTile, tbb::simple_partitioner()); });
+    if (isCancelled() && done < columns * rows)
+        return std::nullopt;
+    return picture;
+}
+
+} // namespace fernwick

@@ -1,0 +1,176 @@
+#include "tests/support/BakeText.h"
+#include <cstdlib>
+#include <fstream>
+#include <sys/wait.h>
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+std::string Contents(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void Store(const std::filesystem::path& file, const std::string& text) { std::ofstream(file) << text; }
+
+struct Answer {
+    int status;
+    std::string out;
+    std::string error;
+};
+
+class CommandTest : public testing::Test {
+protected:
+    const FreshFolder fPlace;
+    const std::filesystem::path fFolder = fPlace / "work"; // where the command runs
+    const std::string fKey = FERNWICK_EXAMPLES "/key.json";
+
+    CommandTest()
+    {
+        std::filesystem::create_directory(fFolder);
+        unsetenv("FERNWICK_LIBRARY");
+    }
+
+    /// Runs the built command.
+    /// @param before  what stands before it on the shell's line, such as settings of the environment
+    Answer Run(const std::string& arguments, const std::string& before = "",
+        const std::string& command = FERNWICK_COMMAND) const
+    {
+        const std::filesystem::path out = fPlace / "out";
+        const std::filesystem::path error = fPlace / "error";
+        const std::string line = "cd '" + fFolder.string() + "' && " + before + " '" + command + "' "
+            + arguments + " >'" + out.string() + "' 2>'" + error.string() + "'";
+        const int status = WEXITSTATUS(std::system(line.c_str()));
+        return {status, Contents(out), Contents(error)};
+    }
+};
+
+TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
+{
+    for (const std::string command : {"list", "describe", "bake"}) {
+        const Answer answer = Run(command + " --help");
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_THAT(answer.out, HasSubstr("\n  fernwick " + command));
+    }
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "Usage: fernwick"},
+        {"grow", "grow"},
+        {"describe Rainbow", "\"Rainbow\""},
+        {"bake '" + fKey + "'", "--picture is required"},
+        {"bake '" + fKey + "' -o key.jpg", "key.jpg: a picture's name ends in .png or .exr"},
+        {"bake '" + fKey + "' -o key.png --size 640", "\"640\" is no size"},
+        {"bake '" + fKey + "' -o key.png --size 0x8", "\"0x8\" is no size"},
+        {"bake '" + fKey + "' -o key.png --size 8x8x8", "\"8x8x8\" is no size"},
+        {"bake '" + fKey + "' -o key.png --size 16x16385", "each side 1 to 16384"},
+        {"bake '" + fKey + "' -o key.png --output smell", "smell"},
+        {"bake '" + fKey + "' -o key.png --output alpha --over checker", "\"alpha\""},
+        {"bake '" + fKey + "' -o key.png --threads 0", "--threads"},
+    };
+    for (const auto& [arguments, text] : cases) {
+        const Answer answer = Run(arguments);
+        EXPECT_EQ(answer.status, 2) << arguments;
+        EXPECT_THAT(answer.error, HasSubstr(text));
+        EXPECT_EQ(answer.out, "") << arguments;
+    }
+    EXPECT_THAT(FilesIn(fFolder), testing::IsEmpty());
+}
+
+TEST_F(CommandTest, ListsAndDescribes)
+{
+    const std::string keyID = "379752D6-C5EB-4173-B3E4-FF727769483A";
+    const Answer list = Run("list");
+    EXPECT_EQ(list.status, 0);
+    EXPECT_THAT(list.out, AllOf(HasSubstr("\nKey  "), HasSubstr(keyID), HasSubstr("\nchecker  ")));
+    const Answer key = Run("describe Key");
+    EXPECT_EQ(key.status, 0);
+    EXPECT_THAT(key.out,
+        AllOf(HasSubstr(keyID), HasSubstr("56 bytes"), HasSubstr("Outputs     color\n"),
+            testing::ContainsRegex("fRedRange .*\\[-1, 1\\] +% +"), HasSubstr("\"KEYM\"")));
+    EXPECT_THAT(Run("describe checker").out, testing::ContainsRegex("countU .* 8 "));
+}
+
+TEST_F(CommandTest, TheLibraryIsTheNamedOneElseTheEnvironmentsElseOneNearby)
+{
+    const std::string missing = "FERNWICK_LIBRARY=missing.so";
+    EXPECT_EQ(Run("describe Key").status, 0);
+    EXPECT_EQ(Run("describe Key", missing + " FERNWICK_LIBRARY='" FERNWICK_MODULE "'").status, 0);
+    EXPECT_EQ(Run("describe Key --library '" FERNWICK_MODULE "'", missing).status, 0);
+    const Answer answer = Run("describe Key", missing);
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_THAT(answer.error, HasSubstr("missing.so: no such file"));
+
+    const auto bin = fFolder / "bin";
+    std::filesystem::create_directory(bin);
+    std::filesystem::copy_file(FERNWICK_COMMAND, bin / "fernwick");
+    const Answer alone = Run("describe Key", "", (bin / "fernwick").string());
+    EXPECT_EQ(alone.status, 1);
+    const std::string name = std::filesystem::path(FERNWICK_MODULE).filename().string();
+    for (const auto& place : {bin / name, fFolder / name, fFolder / "lib" / "fernwick" / name})
+        EXPECT_THAT(alone.error, HasSubstr("\n  " + place.string() + '\n'));
+    std::filesystem::create_directories(fFolder / "lib" / "fernwick");
+    std::filesystem::copy_file(FERNWICK_MODULE, fFolder / "lib" / "fernwick" / name);
+    EXPECT_EQ(Run("describe Key", "", (bin / "fernwick").string()).status, 0);
+}
+
+TEST_F(CommandTest, BakesTheSameFileWithAnyNumberOfThreadsAndSaysNothing)
+{
+    for (const std::string threads : {"1", "2"}) {
+        const Answer answer
+            = Run("bake '" + fKey + "' -o " + threads + ".png --size 200x120 --threads " + threads);
+        EXPECT_EQ(answer.status, 0) << answer.error;
+        EXPECT_EQ(answer.out + answer.error, "");
+    }
+    EXPECT_EQ(Contents(fFolder / "1.png"), Contents(fFolder / "2.png"));
+    const fernwick::Picture cut = ReadBack(fFolder / "1.png", 200, 120);
+    EXPECT_EQ(cut.At(0, 0).fAlpha, 0);
+    EXPECT_EQ(cut.At(130, 70).fAlpha, 1);
+
+    EXPECT_EQ(Run("bake '" + fKey + "' -o over.png --size 200x120 --over checker").status, 0);
+    const fernwick::Picture over = ReadBack(fFolder / "over.png", 200, 120);
+    EXPECT_NEAR(over.At(0, 0).fRed, 1, 1e-3);
+    EXPECT_NEAR(over.At(30, 0).fRed, 0, 1e-3);
+}
+
+TEST_F(CommandTest, AFailedOrStoppedJobLeavesTheOldPicture)
+{
+    Store(fFolder / "graph.json", R"({"shaders": {"a": {"class": "Rainbow"}}, "output": "a"})");
+    Store(fFolder / "value.json", R"({"shaders": {"a": {"source": "value"}}, "output": "a"})");
+    Store(fFolder / "old.png", "old");
+    const std::pair<std::string, std::string> cases[] = {
+        {"bake graph.json -o old.png", "Rainbow"},
+        {"bake missing.json -o old.png", "missing.json"},
+        {"bake value.json -o old.png --output alpha", "\"alpha\""},
+        {"bake '" + fKey + "' -o old.png --over nothing", "nothing"},
+        {"bake value.json -o graph.json/new.png", "graph.json/new.png: "},
+    };
+    for (const auto& [arguments, text] : cases) {
+        const Answer answer = Run(arguments);
+        EXPECT_EQ(answer.status, 1) << arguments;
+        EXPECT_THAT(answer.error, AllOf(testing::StartsWith("fernwick: "), HasSubstr(text)));
+    }
+    std::string chain = R"({"shaders": {"0": {"source": "color"})"; // slow enough to be stopped
+    for (int i = 1; i <= 250; ++i)
+        chain += ", \"" + std::to_string(i) + R"(": {"class": "Key", "fSubShader": ")" + std::to_string(i - 1)
+            + "\"}";
+    Store(fFolder / "chain.json", chain + R"(}, "output": "250"})");
+    // Whether it comes before or in the bake, Ctrl-C gives 130.
+    const std::string interrupt = "timeout --preserve-status -s INT 0.6";
+    EXPECT_EQ(Run("bake chain.json -o old.png --size 2048x2048", interrupt).status, 130);
+    EXPECT_EQ(Contents(fFolder / "old.png"), "old");
+    EXPECT_THAT(
+        FilesIn(fFolder), testing::UnorderedElementsAre("graph.json", "value.json", "chain.json", "old.png"));
+}
+
+TEST_F(CommandTest, ReportsOfTheLibraryAreCounted)
+{
+    Store(fFolder / "shift.json",
+        R"({"shaders": {"a": {"class": "Coordinate_Shift", "fMode": "OBJM"}}, "output": "a"})");
+    const Answer answer = Run("bake shift.json -o shift.png --size 8x4");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_THAT(answer.error, AllOf(HasSubstr("shadingIn.fInstance"), HasSubstr(", 32 times\n")));
+}
+
+} // namespace

@@ -1,0 +1,171 @@
+#include "host/Bake.h"
+#include "host/Graph.h"
+#include "host/Library.h"
+#include "host/Sources.h"
+#include "tools/Commands.h"
+#include "tools/Interrupt.h"
+#include "tools/LibraryOption.h"
+#include "tools/ProgressBar.h"
+#include "tools/ReportSummary.h"
+#include <charconv>
+#include <fmt/core.h>
+
+namespace {
+
+constexpr int kLongestSide = 16384; // pixels
+constexpr int kMostThreads = 1024;
+
+constexpr const char* kFooter =
+    R"(U runs to the right and V up. The square lies from (0, 0, 0) to (1, 1, 0) on the shaded object of the graph's
+scene. Alpha is straight: colours aren't multiplied by it.
+
+Channels:
+  color     the colour; of a surface shader its main colour, of a value shader its value as grey
+  main      the main colour of a surface, where a shader offers a colour of its own beside it
+  second, third, fourth
+            the other colours of a surface
+  alpha     the alpha of the colour, as grey
+  coverage  the coverage that the shader answers, as grey
+  value     the value, as grey; PNG holds 0 to 1, not encoded
+  normal    the bent normal of a vector shader or surface; PNG holds -1 to 1
+
+Examples:
+  fernwick bake examples/key.json -o key.png
+  fernwick bake examples/key.json --over checker --size 1024x1024 -o key.png
+  fernwick bake examples/key.json --output alpha -o mask.exr)";
+
+struct BakeOptions {
+    std::string graph;
+    std::string picture;
+    std::string size = "512x512";
+    int threads = 0;
+    std::string library;
+    std::string channel = "color";
+    std::string over;
+};
+
+/// Reads "640x480" into the job; false for anything else.
+bool ReadSize(const std::string& size, fernwick::BakeJob& job)
+{
+    const char* const end = size.data() + size.size();
+    const auto [cross, widthFailure] = std::from_chars(size.data(), end, job.width);
+    if (widthFailure != std::errc() || cross == end || *cross != 'x')
+        return false;
+    const auto [rest, heightFailure] = std::from_chars(cross + 1, end, job.height);
+    const auto isSide = [](int side) { return side >= 1 && side <= kLongestSide; };
+    return heightFailure == std::errc() && rest == end && isSide(job.width) && isSide(job.height);
+}
+
+std::string CheckSize(const std::string& size)
+{
+    fernwick::BakeJob ignored;
+    if (ReadSize(size, ignored))
+        return "";
+    return fmt::format("\"{}\" is no size; a size is like 640x480, each side 1 to {}", size, kLongestSide);
+}
+
+std::string CheckPicture(const std::string& picture)
+{
+    try {
+        fernwick::Picture::RequireSavable(picture);
+    } catch (const fernwick::PictureError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+std::vector<std::string> ChannelNames()
+{
+    std::vector<std::string> names;
+    for (const fernwick::NamedBakeChannel& channel : fernwick::BakeChannels())
+        names.emplace_back(channel.name);
+    return names;
+}
+
+fernwick::BakeJob JobOf(const BakeOptions& options)
+{
+    fernwick::BakeJob job;
+    ReadSize(options.size, job);
+    job.threads = options.threads;
+    for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
+        if (named.name == options.channel)
+            job.channel = named.channel;
+    job.cancel = &WatchForInterrupt();
+    return job;
+}
+
+/// Bakes with a progress bar. Throws `Interrupted`.
+fernwick::Picture BakeShown(fernwick::Library& library, const fernwick::GraphDocument& document,
+    fernwick::BakeJob job, ReportSummary& reports, const std::string& label)
+{
+    ProgressBar bar(label);
+    job.onProgress = [&](double share) {
+        reports.Forget();
+        bar.Show(share);
+    };
+    std::optional<fernwick::Picture> picture = fernwick::Bake(library, document, job);
+    if (!picture)
+        throw Interrupted();
+    return *std::move(picture);
+}
+
+/// The document of what lies under the picture: a source with its defaults, or a graph of its own.
+fernwick::GraphDocument ReadGround(const std::string& over)
+{
+    if (fernwick::FindSource(over) == nullptr)
+        return fernwick::GraphDocument::Read(over);
+    return fernwick::GraphDocument::Parse(
+        fmt::format(R"({{"shaders": {{"ground": {{"source": "{}"}}}}, "output": "ground"}})", over), "");
+}
+
+void RunBake(const BakeOptions& options)
+{
+    const fernwick::BakeJob job = JobOf(options);
+    const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
+    if (!options.over.empty() && options.channel != "color" && options.channel != "main")
+        throw UsageError(
+            fmt::format("--over lies under a colour; the channel \"{}\" has none", options.channel));
+    fernwick::Library library(FindLibrary(options.library));
+    ReportSummary reports(library.HostUtilities().Debug());
+    fernwick::Picture picture = BakeShown(library, document, job, reports, options.graph);
+    if (!options.over.empty())
+        picture.LayOver(BakeShown(library, ReadGround(options.over), job, reports, options.over));
+    if (*job.cancel)
+        throw Interrupted();
+    picture.Save(options.picture);
+}
+
+} // namespace
+
+void AddBakeCommand(CLI::App& app)
+{
+    const auto options = std::make_shared<BakeOptions>();
+    CLI::App& command = *app.add_subcommand("bake", "Shades the UV square with a graph into a picture.");
+    command.add_option("graph", options->graph, "The graph of shaders, a JSON file")
+        ->required()
+        ->type_name("FILE");
+    command
+        .add_option(
+            "-o,--picture", options->picture, "The picture: .png (8 bits, colours as sRGB) or .exr (floats)")
+        ->required()
+        ->type_name("FILE")
+        ->check(CheckPicture);
+    command.add_option("--size", options->size, "Width and height in pixels")
+        ->type_name("WxH")
+        ->check(CheckSize)
+        ->capture_default_str();
+    command.add_option("--output", options->channel, "What of the output shader is baked, see below")
+        ->type_name("CHANNEL")
+        ->check(CLI::IsMember(ChannelNames()).description(""))
+        ->capture_default_str();
+    command
+        .add_option("--over", options->over, "Lays the colour, by its alpha, over a source or another graph")
+        ->type_name("SOURCE");
+    command
+        .add_option("--threads", options->threads, "Threads to shade with; the picture doesn't depend on it")
+        ->type_name("N")
+        ->check(CLI::Range(1, kMostThreads).description(""));
+    AddLibraryOption(command, options->library);
+    command.footer(kFooter);
+    command.callback([options] { RunBake(*options); });
+}

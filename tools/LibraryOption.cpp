@@ -1,0 +1,55 @@
+#include "tools/LibraryOption.h"
+#include "host/Library.h"
+#include <cstdlib>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace {
+
+#ifdef _WIN32
+constexpr const char* kLibraryName = "Fernwick_shaders.dll";
+
+std::filesystem::path FolderOfCommand()
+{
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return std::filesystem::path(path).parent_path();
+}
+#else
+constexpr const char* kLibraryName = "Fernwick_shaders.so";
+
+std::filesystem::path FolderOfCommand()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+#endif
+
+} // namespace
+
+void AddLibraryOption(CLI::App& command, std::string& named)
+{
+    command
+        .add_option("--library", named, "The library to load (else FERNWICK_LIBRARY, else near the command)")
+        ->type_name("PATH");
+}
+
+std::filesystem::path FindLibrary(const std::string& named)
+{
+    if (!named.empty())
+        return named;
+    const char* const fromEnvironment = std::getenv("FERNWICK_LIBRARY");
+    if (fromEnvironment != nullptr && *fromEnvironment != 0)
+        return fromEnvironment;
+    std::string looked;
+    const std::filesystem::path folder = FolderOfCommand();
+    for (const char* const place : {".", "..", "../lib/fernwick"}) {
+        const std::filesystem::path candidate = (folder / place / kLibraryName).lexically_normal();
+        if (std::filesystem::exists(candidate))
+            return candidate;
+        looked += "\n  " + candidate.string();
+    }
+    throw fernwick::LibraryError(
+        "the library isn't found; name it with --library or FERNWICK_LIBRARY. Looked for:" + looked);
+}

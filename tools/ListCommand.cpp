@@ -1,0 +1,41 @@
+#include "host/Sources.h"
+#include "tools/Commands.h"
+#include "tools/Kinds.h"
+#include <fmt/core.h>
+
+namespace {
+
+constexpr const char* kLine = "{:<18}{:<16}{:<38}{}\n"; // name, outputs, identifier, purpose
+
+void PrintClass(const fernwick::ParameterTable& table, const std::string& identifier)
+{
+    fmt::print(kLine, table.fName, KindsText(table.fOutputKinds), identifier, table.fPurpose);
+}
+
+void RunList()
+{
+    fmt::print(kLine, "CLASS", "OUTPUTS", "IDENTIFIER", "PURPOSE");
+    for (const fernwick::ParameterTable& table : fernwick::AllClasses()) {
+        if (table.fClassIDs.empty())
+            PrintClass(table, "no route");
+        for (const GUID& classID : table.fClassIDs)
+            PrintClass(table, fernwick::GuidText(classID));
+    }
+    fmt::print("\n");
+    fmt::print(kLine, "SOURCE", "OUTPUTS", "", "PURPOSE");
+    for (const fernwick::SourceKind& source : fernwick::AllSources())
+        PrintClass(source.fTable, "");
+}
+
+} // namespace
+
+void AddListCommand(CLI::App& app)
+{
+    CLI::App& command
+        = *app.add_subcommand("list", "Lists the classes of the library and the host's own sources.");
+    command.footer(
+        "Classes come in the order of their routes. A class with several identifiers is listed under each;\n"
+        "one without a route can't be made by the library. Sources are plugged into slots by graphs.\n\n"
+        "Example:\n  fernwick list");
+    command.callback(RunList);
+}

@@ -1,0 +1,20 @@
+#pragma once
+#include <string>
+
+/// A line on the terminal that shows how far a job is, gone when the job is over. Without a terminal on stderr
+/// nothing is shown.
+class ProgressBar {
+public:
+    explicit ProgressBar(std::string label);
+    ~ProgressBar();
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
+
+    /// @param share  done so far, 0 to 1
+    void Show(double share);
+
+private:
+    std::string fLabel;
+    bool fIsShown;
+    int fPercent = -1; // as shown last
+};
