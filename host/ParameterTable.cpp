@@ -14,6 +14,7 @@
     CLASS(Super_mixer_top)                                                                                   \
     CLASS(Iridescent)                                                                                        \
     CLASS(Location)                                                                                          \
+    CLASS(Fresnel)                                                                                           \
     CLASS(Proximity)                                                                                         \
     CLASS(Translucent)                                                                                       \
     CLASS(Lit)                                                                                               \

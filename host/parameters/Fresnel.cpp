@@ -1,0 +1,60 @@
+#include "optics/Fresnel.h"
+#include "host/parameters/Notation.h"
+
+fernwick::ParameterTable FresnelTable()
+{
+    return {"Fresnel", {"BE9FA2A5-5FBE-4558-8009-7A1F1D7A6802", "C21E8AD4-1898-4C50-97F6-8194F6830F4C"},
+        kOutputColor, sizeof(FresnelParams),
+        "How much light a smooth boundary reflects or lets through towards the eye.",
+        {
+            FIELD(FresnelParams, fCameraName, "Eye",
+                "Name of the scene element that stands for the eye; \"Rendering Camera\" follows the camera "
+                "that renders."),
+            FIELD(FresnelParams, fMixStyle, "Angle",
+                "Moved: the shader adds its value minus 0.5, in radians. A number above 1 repeats the one "
+                "before.")
+                .Choices({{"SMMX", "As it is"}, {"SHMX", "Moved by the shader"}}),
+            FIELD(FresnelParams, fSubShader, "Shader", "What moves the angle: a colour or a value."),
+            FIELD(FresnelParams, fIndex1Re, "Index 1, real",
+                "Refractive index of medium 1, on the side of the normal."),
+            FIELD(FresnelParams, fIndex1Im, "Index 1, imaginary", "Absorption of medium 1."),
+            FIELD(FresnelParams, fIndex2Re, "Index 2, real", "Refractive index of medium 2 at 589.3 nm."),
+            FIELD(FresnelParams, fIndex2Im, "Index 2, imaginary", "Absorption of medium 2 at 589.3 nm."),
+            FIELD(FresnelParams, fPermeability1, "Permeability 1",
+                "Relative magnetic permeability of medium 1."),
+            FIELD(FresnelParams, fPermeability2, "Permeability 2",
+                "Relative magnetic permeability of medium 2."),
+            FIELD(FresnelParams, fPolarization, "Polarisation", "Share of the light that is s-polarised.")
+                .Unit("%"),
+            FIELD(FresnelParams, fMode, "Output",
+                "A change of the output alone keeps the old tables: change another parameter with it.")
+                .Choices({{"RSel", "Reflectance"}, {"TSel", "Transmittance"}}),
+            FIELD(FresnelParams, fIndex2ReOffset, "Adjust index 2, real", "Fine adjustment."),
+            FIELD(FresnelParams, fIndex2ImOffset, "Adjust index 2, imaginary", "Fine adjustment."),
+            FIELD(FresnelParams, fPermeability2Offset, "Adjust permeability 2", "Fine adjustment."),
+            FIELD(FresnelParams, fWavelength, "Wavelength", "Of the light.").Unit("nm"),
+            FIELD(FresnelParams, fDispersion, "Dispersion", "Strength of the dispersion of medium 2."),
+            FIELD(FresnelParams, fIndex2ReAtWavelength, "Index 2 at the wavelength, real", "Dispersed.")
+                .Derived(),
+            FIELD(FresnelParams, fIndex2ImAtWavelength, "Index 2 at the wavelength, imaginary", "Dispersed.")
+                .Derived(),
+            FIELD(FresnelParams, fPreset1, "Preset of medium 1",
+                "The row of presets that medium 1 matches; 31 for none.")
+                .Derived(),
+            FIELD(FresnelParams, fPreset2, "Preset of medium 2",
+                "The row of presets that medium 2 matches; 31 for none.")
+                .Derived(),
+            FIELD(FresnelParams, fIlluminantPreset, "Illuminant",
+                "1 to 13: 3000 K to 9000 K in steps of 500 K; 14: 9300 K; 15: the typed temperature."),
+            FIELD(FresnelParams, fColored, "Coloured", "In the hue of the wavelength instead of grey."),
+            FIELD(FresnelParams, fWavelengthColor, "Colour of the wavelength", "For display.").Derived(),
+            FIELD(FresnelParams, fWavelengthLinear, "Linear colour of the wavelength", "Before encoding.")
+                .Derived(),
+            FIELD(FresnelParams, fIlluminantColor, "Colour of the illuminant", "For display.").Derived(),
+            FIELD(FresnelParams, fTemperature, "Temperature",
+                "Of the illuminant. Typed, it makes the illuminant 15.")
+                .Unit("K"),
+            FIELD(FresnelParams, fWhiteX, "White x", "Chromaticity of the illuminant.").Derived(),
+            FIELD(FresnelParams, fWhiteY, "White y", "Chromaticity of the illuminant.").Derived(),
+        }};
+}
