@@ -230,7 +230,7 @@ TMCColorRGBA Read(const Graph& graph, Operation operation, BakeChannel channel, 
     case Operation::kColor:
         return ReadColor(graph.Output(), channel, in);
     case Operation::kVector:
-        return ReadVector(*graph.OutputExtension(), in);
+        return ReadVector(*graph.OutputExtension(), in); // sources offer no vectors
     default:
         return ReadSurface(graph.Output(), channel, in);
     }

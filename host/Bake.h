@@ -45,8 +45,8 @@ struct BakeJob {
     int height = 512;
     BakeChannel channel = BakeChannel::kColor;
     int threads = 0; ///< 0 for one a processor
-    std::function<void(double)> onProgress
-        = {}; ///< gets the done share, 0 to 1; from any thread, one at a time
+    /// Gets the share that is done, 0 to 1; from any thread, one at a time.
+    std::function<void(double)> onProgress = {};
     const std::atomic<bool>* cancel = nullptr; ///< looked at between tiles
 };
 

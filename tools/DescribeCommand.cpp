@@ -1,5 +1,6 @@
 #include "host/FieldValue.h"
 #include "host/Library.h"
+#include "host/Nearest.h"
 #include "host/ShaderWrapper.h"
 #include "host/Sources.h"
 #include "tools/Commands.h"
@@ -112,6 +113,16 @@ void DescribeClass(const fernwick::ParameterTable& table, const std::string& lib
     PrintFields(table, shader->Exchanger().GetExtensionDataBuffer());
 }
 
+std::vector<std::string> AllNames()
+{
+    std::vector<std::string> names;
+    for (const fernwick::ParameterTable& table : fernwick::AllClasses())
+        names.push_back(table.fName);
+    for (const fernwick::SourceKind& source : fernwick::AllSources())
+        names.push_back(source.fTable.fName);
+    return names;
+}
+
 void RunDescribe(const DescribeOptions& options)
 {
     if (const fernwick::SourceKind* const source = fernwick::FindSource(options.name))
@@ -119,8 +130,8 @@ void RunDescribe(const DescribeOptions& options)
     else if (const fernwick::ParameterTable* const table = fernwick::FindClass(options.name))
         DescribeClass(*table, options.library);
     else
-        throw UsageError(
-            fmt::format("there is no class or source \"{}\"; `fernwick list` names them", options.name));
+        throw UsageError(fmt::format("there is no class or source \"{}\"{}; `fernwick list` names them",
+            options.name, fernwick::NearestHint(options.name, AllNames())));
 }
 
 } // namespace

@@ -58,7 +58,7 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
     const std::pair<std::string, std::string> cases[] = {
         {"", "Usage: fernwick"},
         {"grow", "grow"},
-        {"describe Rainbow", "\"Rainbow\""},
+        {"describe key", "\"key\"; did you mean \"Key\"?"},
         {"bake '" + fKey + "'", "--picture is required"},
         {"bake '" + fKey + "' -o key.jpg", "key.jpg: a picture's name ends in .png or .exr"},
         {"bake '" + fKey + "' -o key.png --size 640", "\"640\" is no size"},
