@@ -12,7 +12,8 @@ SourceError Unreadable(const std::filesystem::path& file, const std::string& rea
     return SourceError("file: " + file.string() + " can't be read: " + reason);
 }
 
-std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file)
+/// Opens a picture and tells how it is laid out.
+std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::ImageSpec& layout)
 {
     if (file.empty())
         throw SourceError("file: expected the name of a picture file, got none");
@@ -20,10 +21,12 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file)
         throw Unreadable(file, "there is no such file");
     OIIO::ImageSpec wishes;
     wishes.attribute("oiio:UnassociatedAlpha", 1);
-    auto input = OIIO::ImageInput::open(file.string(), &wishes);
+    auto input = OIIO::ImageInput::create(file.string());
     if (!input)
         throw Unreadable(file, OIIO::geterror());
-    if (input->spec().deep || input->spec().depth > 1)
+    if (!input->open(file.string(), layout, wishes))
+        throw Unreadable(file, input->geterror());
+    if (layout.deep || layout.depth > 1)
         throw Unreadable(file, "it is no flat picture");
     return input;
 }
@@ -66,8 +69,8 @@ TMCColorRGBA Mixed(TMCColorRGBA left, TMCColorRGBA right, float share)
 
 PictureSource::PictureSource(const Settings& settings)
 {
-    const auto input = Open(settings.fFile);
-    const OIIO::ImageSpec layout = input->spec();
+    OIIO::ImageSpec layout;
+    const auto input = Open(settings.fFile, layout);
     const size_t channelCount = static_cast<size_t>(layout.nchannels);
     std::vector<float> numbers(layout.image_pixels() * channelCount);
     if (!input->read_image(0, 0, 0, layout.nchannels, OIIO::TypeDesc::FLOAT, numbers.data()))
