@@ -1,5 +1,6 @@
 #include "host/Bake.h"
 #include "host/Graph.h"
+#include "host/TangentFrame.h"
 #include <algorithm>
 #include <fmt/format.h>
 #include <memory>
@@ -25,6 +26,7 @@ constexpr NamedBakeChannel kChannels[] = {
     {"normal", BakeChannel::kNormal},
     {"coverage", BakeChannel::kCoverage},
     {"value", BakeChannel::kValue},
+    {"lit", BakeChannel::kLit},
 };
 
 std::string_view NameOf(BakeChannel channel)
@@ -77,6 +79,8 @@ Operation OperationFor(BakeChannel channel, uint32_t kinds)
         return FirstOffered(kinds, {kOutputVector, kOutputSurface});
     case BakeChannel::kValue:
         return FirstOffered(kinds, {kOutputValue});
+    case BakeChannel::kLit:
+        return FirstOffered(kinds, {kOutputVector});
     }
     return Operation::kNone;
 }
@@ -89,6 +93,7 @@ PictureContent ContentOf(BakeChannel channel)
     case BakeChannel::kSecond:
     case BakeChannel::kThird:
     case BakeChannel::kFourth:
+    case BakeChannel::kLit:
         return PictureContent::kColor;
     case BakeChannel::kNormal:
         return PictureContent::kNormal;
@@ -140,11 +145,17 @@ private:
     }
 };
 
-TMCColorRGBA ReadSurface(IShellShader& shader, BakeChannel channel, ShadingIn& in)
+ShadingOut SurfaceOf(IShellShader& shader, ShadingIn& in)
 {
     ShadingOut result;
     if (shader.ShadeSurface(result, in) == 0)
         result.Clear();
+    return result;
+}
+
+TMCColorRGBA ReadSurface(IShellShader& shader, BakeChannel channel, ShadingIn& in)
+{
+    const ShadingOut result = SurfaceOf(shader, in);
     switch (channel) {
     case BakeChannel::kSecond:
         return Opaque(result.fSecondColor);
@@ -152,8 +163,6 @@ TMCColorRGBA ReadSurface(IShellShader& shader, BakeChannel channel, ShadingIn& i
         return Opaque(result.fThirdColor);
     case BakeChannel::kFourth:
         return Opaque(result.fFourthColor);
-    case BakeChannel::kNormal:
-        return {result.fShadingNormal[0], result.fShadingNormal[1], result.fShadingNormal[2], 1};
     case BakeChannel::kAlpha:
         return Grey(result.fColor.fAlpha);
     case BakeChannel::kCoverage:
@@ -181,12 +190,39 @@ TMCColorRGBA ReadValue(IShellShader& shader, BakeChannel channel, ShadingIn& in)
     return Grey(channel == BakeChannel::kCoverage ? coverage : value);
 }
 
-/// The bent normal; the plane's own where the shader leaves it.
-TMCColorRGBA ReadVector(I3DExShader& shader, ShadingIn& in)
+/// The bent normal in tangent space; flat where the shader leaves it. A shader bends the normal in world
+/// coordinates, and a surface's normal is in those of the object.
+TVector3 NormalOf(const Graph& graph, Operation operation, const ShadingIn& sample)
 {
-    TVector3 vector = in.fNormalGlobal;
-    shader.ShadeVector(vector, in);
-    return {vector[0], vector[1], vector[2], 1};
+    ShadingIn in = sample;
+    if (operation == Operation::kSurface)
+        return TangentFrame(sample.fNormalLocal, {1, 0, 0}, {0, 1, 0})
+            .UnitOf(SurfaceOf(graph.Output(), in).fShadingNormal);
+    TVector3 vector = sample.fNormalGlobal;
+    graph.OutputExtension()->ShadeVector(vector, in);
+    return TangentFrame(sample.fNormalGlobal, sample.fDerivU, sample.fDerivV).UnitOf(vector);
+}
+
+TMCColorRGBA ReadNormal(
+    const Graph& graph, Operation operation, const ShadingIn& sample, GreenDirection green)
+{
+    const TVector3 normal = NormalOf(graph, operation, sample);
+    return {normal[0], green == GreenDirection::kUp ? normal[1] : -normal[1], normal[2], 1};
+}
+
+/// The colour, or a grey where there is none, under the lamp. Colour and normal are asked for with a sample each,
+/// since a shader may leave its own UV in it.
+TMCColorRGBA ReadLit(const Graph& graph, Operation operation, const ShadingIn& sample)
+{
+    constexpr float kNeutral = 0.5f;
+    TMCColorRGBA color = Grey(kNeutral);
+    if ((graph.OutputKinds() & kOutputColor) != 0) {
+        ShadingIn in = sample;
+        color = ReadColor(graph.Output(), BakeChannel::kColor, in);
+    }
+    const float light = LampLight(NormalOf(graph, operation, sample));
+    color.SetRGB(color.fRed * light, color.fGreen * light, color.fBlue * light);
+    return color;
 }
 
 /// Graphs are made and released one at a time: the library's counts are plain numbers.
@@ -222,17 +258,19 @@ Operation RequireOperation(const Graph& graph, BakeChannel channel)
         offers.empty() ? "nothing" : offers));
 }
 
-TMCColorRGBA Read(const Graph& graph, Operation operation, BakeChannel channel, ShadingIn& in)
+TMCColorRGBA Read(const Graph& graph, Operation operation, const BakeJob& job, ShadingIn& in)
 {
+    if (job.channel == BakeChannel::kNormal)
+        return ReadNormal(graph, operation, in, job.green);
+    if (job.channel == BakeChannel::kLit)
+        return ReadLit(graph, operation, in);
     switch (operation) {
     case Operation::kValue:
-        return ReadValue(graph.Output(), channel, in);
+        return ReadValue(graph.Output(), job.channel, in);
     case Operation::kColor:
-        return ReadColor(graph.Output(), channel, in);
-    case Operation::kVector:
-        return ReadVector(*graph.OutputExtension(), in); // sources offer no vectors
+        return ReadColor(graph.Output(), job.channel, in);
     default:
-        return ReadSurface(graph.Output(), channel, in);
+        return ReadSurface(graph.Output(), job.channel, in);
     }
 }
 
@@ -247,7 +285,7 @@ void ShadeTile(
             const float u = static_cast<float>((x + 0.5) / job.width);
             const float v = static_cast<float>((job.height - y - 0.5) / job.height);
             ShadingIn in = square.SampleAt(u, v);
-            picture.At(x, y) = Read(graph, operation, job.channel, in);
+            picture.At(x, y) = Read(graph, operation, job, in);
         }
 }
 

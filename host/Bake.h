@@ -26,9 +26,16 @@ enum class BakeChannel {
     kSecond,   ///< the second colour of a surface
     kThird,    ///< the third colour of a surface
     kFourth,   ///< the fourth colour of a surface
-    kNormal,   ///< the bent normal of a vector shader, or the shading normal of a surface
+    kNormal,   ///< a normal map of a vector shader, or of a surface's shading normal
     kCoverage, ///< what the colour or value operation returns, or the coverage of a surface
     kValue,    ///< the value
+    kLit,      ///< the colour, or a grey where there is none, with the bent normal under a lamp
+};
+
+/// The side that a positive green of a normal map points to.
+enum class GreenDirection {
+    kUp,   ///< along V, as OpenGL has it
+    kDown, ///< against V, as DirectX has it
 };
 
 /// A channel with the name that users give it.
@@ -44,7 +51,8 @@ struct BakeJob {
     int width = 512; ///< in pixels, above 0
     int height = 512;
     BakeChannel channel = BakeChannel::kColor;
-    int threads = 0; ///< 0 for one a processor
+    GreenDirection green = GreenDirection::kUp; ///< of `BakeChannel::kNormal`
+    int threads = 0;                            ///< 0 for one a processor
     /// Gets the share that is done, 0 to 1; from any thread, one at a time.
     std::function<void(double)> onProgress = {};
     const std::atomic<bool>* cancel = nullptr; ///< looked at between tiles
@@ -58,6 +66,12 @@ struct BakeJob {
 /// The picture is cut into tiles of 128 by 128 pixels, each shaded row by row from the top by a graph of its own.
 /// So an object serves one thread, and what shaders carry from sample to sample begins anew with each tile: the
 /// picture is the same to the bit for any number of threads.
+///
+/// A normal map holds unit vectors of tangent space: red along U, green along V, blue away from the surface. The
+/// frame is made of the sample's normal and two derivatives, so that turning the object doesn't show. A vector
+/// that is zero or NaN becomes the flat normal. A shader's vector is taken to be in world coordinates: the gaps of
+/// a Weave, which answer with the local normal, are flat on an object that isn't turned. Lit pictures take the same
+/// normals; see `LampLight`.
 ///
 /// A sample for which a surface shader produces nothing is transparent black with coverage 0.
 ///

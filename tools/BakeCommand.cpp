@@ -27,12 +27,17 @@ Channels:
   alpha     the alpha of the colour, as grey
   coverage  the coverage that the shader answers, as grey
   value     the value, as grey; PNG holds 0 to 1, not encoded
-  normal    the bent normal of a vector shader or surface; PNG holds -1 to 1
+  normal    the bent normal of a vector shader or surface, as a normal map: red along U, green along V (or
+            down, with --directx), blue away from the surface, in unit length; PNG holds -1 to 1 as 0 to 255
+  lit       the colour, or a grey where the shader has none, with the bent normal of a vector shader under a
+            lamp: it shines from the upper left, from (-1, 1, 1); what is flat keeps its colour
 
 Examples:
   fernwick bake examples/key.json -o key.png
   fernwick bake examples/key.json --over checker --size 1024x1024 -o key.png
-  fernwick bake examples/key.json --output alpha -o mask.exr)";
+  fernwick bake examples/key.json --output alpha -o mask.exr
+  fernwick bake examples/weave-rounded.json --lit -o cloth.png
+  fernwick bake examples/weave-rounded.json --output normal --directx -o bump.png)";
 
 struct BakeOptions {
     std::string graph;
@@ -42,6 +47,8 @@ struct BakeOptions {
     std::string library;
     std::string channel = "color";
     std::string over;
+    bool isLit = false;
+    bool isDirectX = false;
 };
 
 /// Reads "640x480" into the job; false for anything else.
@@ -90,6 +97,10 @@ fernwick::BakeJob JobOf(const BakeOptions& options)
     for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
         if (named.name == options.channel)
             job.channel = named.channel;
+    if (options.isLit)
+        job.channel = fernwick::BakeChannel::kLit;
+    if (options.isDirectX)
+        job.green = fernwick::GreenDirection::kDown;
     job.cancel = &WatchForInterrupt();
     return job;
 }
@@ -118,18 +129,32 @@ fernwick::GraphDocument ReadGround(const std::string& over)
         fmt::format(R"({{"shaders": {{"ground": {{"source": "{}"}}}}, "output": "ground"}})", over), "");
 }
 
+/// Throws `UsageError` when options don't go together.
+void RequireSense(const BakeOptions& options)
+{
+    const std::string& channel = options.channel;
+    if (options.isLit && channel != "color" && channel != "lit")
+        throw UsageError(fmt::format("--lit bakes the channel \"lit\"; it can't be \"{}\" too", channel));
+    if (options.isDirectX && (options.isLit || channel != "normal"))
+        throw UsageError("--directx is for a normal map; it goes with --output normal");
+    if (!options.over.empty() && channel != "color" && channel != "main" && channel != "lit")
+        throw UsageError(fmt::format("--over lies under a colour; the channel \"{}\" has none", channel));
+}
+
 void RunBake(const BakeOptions& options)
 {
+    RequireSense(options);
     const fernwick::BakeJob job = JobOf(options);
     const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
-    if (!options.over.empty() && options.channel != "color" && options.channel != "main")
-        throw UsageError(
-            fmt::format("--over lies under a colour; the channel \"{}\" has none", options.channel));
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
     fernwick::Picture picture = BakeShown(library, document, job, reports, options.graph);
-    if (!options.over.empty())
-        picture.LayOver(BakeShown(library, ReadGround(options.over), job, reports, options.over));
+    if (!options.over.empty()) {
+        fernwick::BakeJob groundJob = job;
+        if (job.channel == fernwick::BakeChannel::kLit)
+            groundJob.channel = fernwick::BakeChannel::kColor; // the lamp is for what lies over it
+        picture.LayOver(BakeShown(library, ReadGround(options.over), groundJob, reports, options.over));
+    }
     if (*job.cancel)
         throw Interrupted();
     picture.Save(options.picture);
@@ -158,6 +183,8 @@ void AddBakeCommand(CLI::App& app)
         ->type_name("CHANNEL")
         ->check(CLI::IsMember(ChannelNames()).description(""))
         ->capture_default_str();
+    command.add_flag("--lit", options->isLit, "Short for --output lit");
+    command.add_flag("--directx", options->isDirectX, "Green of a normal map points down (DirectX), not up");
     command
         .add_option("--over", options->over, "Lays the colour, by its alpha, over a source or another graph")
         ->type_name("SOURCE");

@@ -1,3 +1,4 @@
+#include "host/TangentFrame.h"
 #include "tests/support/BakeText.h"
 #include <cstring>
 
@@ -104,6 +105,83 @@ TEST_F(BakeTest, ASurfacesMainColourCanBeAskedForBesideAColour)
         const Picture picture = BakeText(shaders, {.width = 1, .height = 1, .channel = channel});
         EXPECT_THAT(picture.At(0, 0), IsColor(color.fRed, color.fGreen, color.fBlue, color.fAlpha));
     }
+}
+
+/// A cloth without gaps, of threads half a tile wide; warp and weft are coloured by the place across.
+std::string RoundCloth(const std::string& parameters = R"("fRoundAcross": true, "fRoundAlong": true)")
+{
+    return R"("output": {"class": "Weave", "fAcrossUV": true, "fWarpGap": 0, "fWeftGap": 0,
+        "fWarpSubShader[0]": "warp", "fWeftSubShader[0]": "weft", )"
+        + parameters
+        + R"(}, "warp": {"source": "ramp", "from": 0.1}, "weft": {"source": "ramp", "from": 0.7})";
+}
+
+TEST_F(BakeTest, NormalMapsBulgeTowardTheViewerHoweverTheObjectLies)
+{
+    BakeJob job{.width = 64, .height = 64, .channel = BakeChannel::kNormal};
+    const Picture map = BakeText(RoundCloth(), job);
+    // The weft lies on top in the lower left quarter, up to a quarter on both sides of its middle.
+    EXPECT_LT(map.At(2, 48).fRed, -0.2f);
+    EXPECT_GT(map.At(30, 48).fRed, 0.2f);
+    EXPECT_GT(map.At(16, 34).fGreen, 0.2f); // upward
+    EXPECT_LT(map.At(16, 62).fGreen, -0.2f);
+
+    const Picture turned = BakeText(
+        RoundCloth(), job, R"(, "scene": {"shaded": {"position": [9, 8, 7], "rotation": [30, 100, -50]}})");
+    job.green = GreenDirection::kDown;
+    const Picture down = BakeText(RoundCloth(), job);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x) {
+            const TMCColorRGBA normal = map.At(x, y);
+            EXPECT_NEAR(Length({normal.fRed, normal.fGreen, normal.fBlue}), 1, 1e-6);
+            EXPECT_TRUE(turned.At(x, y).Equals(normal, 1e-5f)) << x << ' ' << y;
+            EXPECT_THAT(down.At(x, y), IsColor(normal.fRed, -normal.fGreen, normal.fBlue, 1));
+        }
+}
+
+TEST_F(BakeTest, AVectorWithoutADirectionIsFlat)
+{
+    const TangentFrame skewed({0, 0, 2}, {3, 0, 3}, {1, -1, 0}); // V is mirrored
+    EXPECT_EQ(skewed.UnitOf({0, -5, 0}), TVector3(0, 1, 0));
+    EXPECT_EQ(skewed.UnitOf({3e38f, 0, 0}), TVector3(1, 0, 0));
+    EXPECT_EQ(skewed.UnitOf({0, 0, -1e-30f}), TVector3(0, 0, -1));
+    for (const TVector3& none : {TVector3(), TVector3(0, kNaN, 1), TVector3(0, 1, -kInfinity)})
+        EXPECT_EQ(skewed.UnitOf(none), TVector3(0, 0, 1));
+
+    const BakeJob job{.width = 4, .height = 4, .channel = BakeChannel::kNormal};
+    const std::string cases[] = {
+        RoundCloth(R"("fRoundAcross": true, "fProfileAcross": 0)"), // NaN
+        RoundCloth(R"("fRoundAlong": false)"),                      // left as it is
+        R"("output": {"class": "Coordinate_Shift"})",               // no surface, so a zero normal
+    };
+    for (const std::string& shaders : cases)
+        EXPECT_THAT(BakeText(shaders, job).At(1, 3), IsColor(0, 0, 1, 1)) << shaders;
+}
+
+TEST_F(BakeTest, ALitPictureIsTheColourTimesTheLightOnTheNormal)
+{
+    BakeJob job{.width = 64, .height = 64};
+    const Picture color = BakeText(RoundCloth(), job);
+    job.channel = BakeChannel::kNormal;
+    const Picture map = BakeText(RoundCloth(), job);
+    job.channel = BakeChannel::kLit;
+    const Picture lit = BakeText(RoundCloth(), job);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x) {
+            const TMCColorRGBA& normal = map.At(x, y);
+            const float light = LampLight({normal.fRed, normal.fGreen, normal.fBlue});
+            const TMCColorRGBA& plain = color.At(x, y);
+            EXPECT_THAT(
+                lit.At(x, y), IsColor(plain.fRed * light, plain.fGreen * light, plain.fBlue * light, 1));
+        }
+    EXPECT_GT(lit.At(4, 36).fRed / color.At(4, 36).fRed, 1.1f); // the upper left of a thread
+    EXPECT_LT(lit.At(28, 60).fRed / color.At(28, 60).fRed, 0.9f);
+
+    EXPECT_FLOAT_EQ(LampLight({0, 0, 1}), 1);
+    EXPECT_FLOAT_EQ(LampLight({0.6f, -0.8f, 0}), 0.2f); // turned away
+    EXPECT_THAT(BakeText(R"("output": {"class": "Drip"})", job).At(16, 16), IsColor(0.5f, 0.5f, 0.5f, 1));
+    EXPECT_EQ(ErrorOf(R"({"source": "color"})", BakeChannel::kLit),
+        "the output shader has no channel \"lit\": it offers a colour");
 }
 
 TEST_F(BakeTest, StopsBetweenTilesAndTellsHowFarItIs)

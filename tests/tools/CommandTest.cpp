@@ -67,6 +67,8 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
         {"bake '" + fKey + "' -o key.png --size 16x16385", "each side 1 to 16384"},
         {"bake '" + fKey + "' -o key.png --output smell", "smell"},
         {"bake '" + fKey + "' -o key.png --output alpha --over checker", "\"alpha\""},
+        {"bake '" + fKey + "' -o key.png --output normal --lit", "--lit"},
+        {"bake '" + fKey + "' -o key.png --directx", "--output normal"},
         {"bake '" + fKey + "' -o key.png --threads 0", "--threads"},
     };
     for (const auto& [arguments, text] : cases) {
@@ -132,6 +134,22 @@ TEST_F(CommandTest, BakesTheSameFileWithAnyNumberOfThreadsAndSaysNothing)
     const fernwick::Picture over = ReadBack(fFolder / "over.png", 200, 120);
     EXPECT_NEAR(over.At(0, 0).fRed, 1, 1e-3);
     EXPECT_NEAR(over.At(30, 0).fRed, 0, 1e-3);
+}
+
+TEST_F(CommandTest, BakesABumpAsANormalMapOrLit)
+{
+    Store(fFolder / "cloth.json",
+        R"({"shaders": {"a": {"class": "Weave", "fRoundAcross": true, "fGapSubShader": "clear"},
+            "clear": {"source": "color", "color": [0, 0, 0, 0]}}, "output": "a"})");
+    const auto bake = [this](const std::string& options) {
+        EXPECT_EQ(Run("bake cloth.json --size 8x8 -o a.png " + options).status, 0) << options;
+        return ReadBack(fFolder / "a.png", 8, 8);
+    };
+    const float up = bake("--output normal").At(2, 5).fGreen; // on the upper half of a weft thread
+    EXPECT_GT(up, 0.52f);
+    EXPECT_NEAR(bake("--output normal --directx").At(2, 5).fGreen, 1 - up, 0.005f);
+    EXPECT_EQ(bake("--lit").At(0, 0).fAlpha, 0);
+    EXPECT_EQ(bake("--lit --over color").At(0, 0).fRed, 1); // the ground needs no vector
 }
 
 TEST_F(CommandTest, AFailedOrStoppedJobLeavesTheOldPicture)
