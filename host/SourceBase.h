@@ -14,7 +14,7 @@ public:
         flags.fNeeds |= kNeedsUV;
         flags.fDependencyBits = 0;
     }
-    int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) final
+    int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
     {
         result.fShadingNormal = in.fNormalLocal;
         result.fCoverage = kCovered;

@@ -1,5 +1,6 @@
 #include "host/Sources.h"
 #include "host/PictureSource.h"
+#include "host/SurfaceSource.h"
 #include "host/parameters/Notation.h"
 #include <algorithm>
 
@@ -182,6 +183,13 @@ std::vector<SourceKind> MakeKinds()
                 Along(FIELD(GradientSettings, fAlong, "Along", "The coordinate that the gradient follows.")),
                 FIELD(GradientSettings, fColors, "Colours", "Two colours or more, from 0 to 1.")
                     .Named("colors"),
+            }),
+        Kind<SurfaceSource>("surface", "One surface: the four colours of a material.",
+            {
+                FIELD(SurfaceSettings, fColor, "Colour", "The main colour.").Named("color"),
+                FIELD(SurfaceSettings, fSecondColor, "Second colour", "The second colour.").Named("second"),
+                FIELD(SurfaceSettings, fThirdColor, "Third colour", "The third colour.").Named("third"),
+                FIELD(SurfaceSettings, fFourthColor, "Fourth colour", "The fourth colour.").Named("fourth"),
             }),
     };
 }

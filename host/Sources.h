@@ -12,7 +12,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// One kind of the host's own pluggable shaders: `color`, `value`, `picture`, `checker`, `ramp` and `gradient`.
+/// One kind of the host's own pluggable shaders: `color`, `value`, `picture`, `checker`, `ramp`, `gradient`
+/// and `surface`.
 ///
 /// A source answers from `fUV` alone. It never changes once it is made, so one object serves any number of
 /// threads. A colour source that is asked for a value gives the colour's luminance, a value source that is asked

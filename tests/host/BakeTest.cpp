@@ -86,20 +86,34 @@ TEST_F(BakeTest, ChannelsAreReadFromWhatTheOutputOffers)
         "the output shader has no channel \"alpha\": it offers a value");
 }
 
-TEST_F(BakeTest, ASurfacesMainColourCanBeAskedForBesideAColour)
+TEST_F(BakeTest, EveryChannelOfASurfaceCanBeAskedFor)
 {
     const std::string grey = R"("output": {"class": "Gray", "fSubShader": "surface"},
         "surface": {"class": "Coordinate_Shift", "fSubShader": "color"},
         "color": {"source": "color", "color": [0.1, 0.2, 0.3, 0.4]})";
     const std::string empty = R"("output": {"class": "Coordinate_Shift"})";
+    const std::string faded = R"("output": {"class": "Super_mixer_top", "fSubShader[0]": "control",
+        "fSubShader[3]": "surface", "fRange[1]": [20, 40], "fSmooth": true, "fSmoothWidth": 50, "fLinearEdge": true},
+        "control": {"source": "value", "value": 0.25}, "surface": {"source": "surface", "color": [1, 0, 0, 0.5],
+        "second": [0, 1, 0], "third": [0, 0, 1], "fourth": [1, 1, 0]})"; // weighs a half
+    const std::string whole = R"("output": {"source": "surface"})";
     const struct {
         const std::string& shaders;
         BakeChannel channel;
         TMCColorRGBA color;
     } cases[] = {
         {grey, BakeChannel::kColor, {0, 0, 0, 1}}, // Gray takes no colour from a surface
-        {grey, BakeChannel::kMain, {0.1f, 0.2f, 0.3f, 0.4f}}, {grey, BakeChannel::kThird, {0, 0, 0, 1}},
+        {grey, BakeChannel::kMain, {0.1f, 0.2f, 0.3f, 0.4f}},
+        {grey, BakeChannel::kThird, {0, 0, 0, 1}},
         {empty, BakeChannel::kColor, {0, 0, 0, 0}}, // nothing is produced
+        {faded, BakeChannel::kColor, {0.5f, 0, 0, 0.25f}},
+        {faded, BakeChannel::kAlpha, {0.25f, 0.25f, 0.25f, 1}},
+        {faded, BakeChannel::kSecond, {0, 0.5f, 0, 1}},
+        {faded, BakeChannel::kThird, {0, 0, 0.25f, 1}},
+        {faded, BakeChannel::kFourth, {0.5f, 0.5f, 0, 1}},
+        {faded, BakeChannel::kNormal, {0, 0, 0.5f, 1}},
+        {whole, BakeChannel::kCoverage, {1, 1, 1, 1}},
+        {whole, BakeChannel::kNormal, {0, 0, 1, 1}},
     };
     for (const auto& [shaders, channel, color] : cases) {
         const Picture picture = BakeText(shaders, {.width = 1, .height = 1, .channel = channel});

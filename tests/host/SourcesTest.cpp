@@ -55,6 +55,7 @@ TEST_F(SourcesTest, EachAnswersColourAndValueAndNamesItsKinds)
         {R"("checker", "odd": [1, 0, 0])", 4, kNaN, kInfinity, {0, 0, 0, 1}, 0},
         {R"("ramp")", 6, 0.25f, 0.75f, {0.25f, 0.25f, 0.25f, 1}, 0.25f},
         {R"("ramp", "along": "v", "from": 1, "to": 3)", 6, 0.25f, 1.5f, {4, 4, 4, 1}, 4},
+        {R"("surface", "color": [1, 0, 0, 0.5])", 16, 0, 0, {1, 0, 0, 0.5f}, 0.3f},
         {R"("gradient")", 4, 0.5f, 0, {0.5f, 0.5f, 0.5f, 1}, 0.5f},
         {R"("gradient", "along": 1, "colors": [[1, 0, 0], [0, 1, 0], [0, 0, 1, 0]])", 4, 0, 0.75f,
             {0, 0.5f, 0.5f, 0.5f}, 0.35f},
