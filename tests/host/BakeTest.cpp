@@ -111,7 +111,7 @@ TEST_F(BakeTest, EveryChannelOfASurfaceCanBeAskedFor)
         {faded, BakeChannel::kSecond, {0, 0.5f, 0, 1}},
         {faded, BakeChannel::kThird, {0, 0, 0.25f, 1}},
         {faded, BakeChannel::kFourth, {0.5f, 0.5f, 0, 1}},
-        {faded, BakeChannel::kNormal, {0, 0, 0.5f, 1}},
+        {faded, BakeChannel::kNormal, {0, 0, 1, 1}}, // of length 1 again
         {whole, BakeChannel::kCoverage, {1, 1, 1, 1}},
         {whole, BakeChannel::kNormal, {0, 0, 1, 1}},
     };

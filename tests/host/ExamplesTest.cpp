@@ -32,7 +32,7 @@ TEST_F(ExamplesTest, EveryGraphMakesAPicture)
         const bool isVector = document.OutputKinds() == kOutputVector;
         TakeReports();
         const auto picture = Bake(TestedLibrary(), document,
-            {.width = 16, .height = 16, .channel = isVector ? BakeChannel::kNormal : BakeChannel::kColor});
+            {.width = 19, .height = 19, .channel = isVector ? BakeChannel::kNormal : BakeChannel::kColor});
         const bool isComplete = TakeReports().empty();
         EXPECT_TRUE(isComplete || !document.Scene()) << "the scene lacks something that the graph names";
         EXPECT_TRUE(!isComplete || !SameBytes(*picture)) << "the picture is one flat colour";
