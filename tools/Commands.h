@@ -22,3 +22,4 @@ struct Interrupted { };
 void AddListCommand(CLI::App& app);
 void AddDescribeCommand(CLI::App& app);
 void AddBakeCommand(CLI::App& app);
+void AddReferenceCommand(CLI::App& app);

@@ -1,9 +1,9 @@
-#include "host/FieldValue.h"
 #include "host/Library.h"
 #include "host/Nearest.h"
 #include "host/ShaderWrapper.h"
 #include "host/Sources.h"
 #include "tools/Commands.h"
+#include "tools/FieldText.h"
 #include "tools/Kinds.h"
 #include "tools/LibraryOption.h"
 #include "tools/ReportSummary.h"
@@ -38,23 +38,6 @@ struct Widths {
             standardText, standard, unitText, unit, help);
     }
 };
-
-std::string ChoiceText(const fernwick::Field& field, const fernwick::Choice& choice)
-{
-    return fmt::format("{} = {}", fernwick::ValueText(field, choice.fValue), choice.fLabel);
-}
-
-std::string HelpText(const fernwick::Field& field)
-{
-    std::string text = field.fLabel;
-    if (!field.fHelp.empty())
-        text += (text.empty() ? "" : ": ") + field.fHelp;
-    if (field.fMinimum && field.fMaximum)
-        text += fmt::format(" ({} to {})", *field.fMinimum, *field.fMaximum);
-    else if (field.fMinimum)
-        text += fmt::format(" (at least {})", *field.fMinimum);
-    return text + (field.fDerived ? " (written by the shader)" : "");
-}
 
 /// @param record  a fresh one, whose values are the defaults; null when there is none to read
 void PrintFields(const fernwick::ParameterTable& table, const void* record)

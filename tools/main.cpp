@@ -12,6 +12,7 @@ int main(int argc, char** argv)
     AddListCommand(app);
     AddDescribeCommand(app);
     AddBakeCommand(app);
+    AddReferenceCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

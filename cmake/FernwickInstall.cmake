@@ -1,0 +1,50 @@
+# What `cmake --install` puts where. The module's folder is the one in which the command looks for it, so the
+# libraries lie in lib/ on every system.
+include(CMakePackageConfigHelpers)
+set(package lib/cmake/Fernwick_shaders)
+set(include include/fernwick)
+set(documents share/doc/fernwick)
+
+# What a host links or loads.
+install(TARGETS Fernwick_shaders LIBRARY DESTINATION lib/fernwick)
+install(TARGETS fernwick_types ARCHIVE DESTINATION lib)
+install(DIRECTORY frame optics shaders DESTINATION ${include}
+    FILES_MATCHING PATTERN *.h
+    PATTERN ClassRoutes.h EXCLUDE
+    PATTERN ExceptionTranslators.h EXCLUDE)
+
+set(module Fernwick_shaders${CMAKE_SHARED_MODULE_SUFFIX})
+set(types ${CMAKE_STATIC_LIBRARY_PREFIX}fernwick_types${CMAKE_STATIC_LIBRARY_SUFFIX})
+configure_package_config_file(cmake/Fernwick_shadersConfig.cmake.in Fernwick_shadersConfig.cmake
+    INSTALL_DESTINATION ${package} NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+write_basic_package_version_file(Fernwick_shadersConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+configure_file(cmake/fernwick_shaders.pc.in fernwick_shaders.pc @ONLY)
+install(FILES
+    ${PROJECT_BINARY_DIR}/Fernwick_shadersConfig.cmake ${PROJECT_BINARY_DIR}/Fernwick_shadersConfigVersion.cmake
+    DESTINATION ${package})
+install(FILES ${PROJECT_BINARY_DIR}/fernwick_shaders.pc DESTINATION lib/pkgconfig)
+
+# What people read.
+install(FILES README.md DESTINATION ${documents} OPTIONAL)
+install(DIRECTORY docs/ DESTINATION ${documents}/docs FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
+install(DIRECTORY examples DESTINATION ${documents} PATTERN CMakeLists.txt EXCLUDE)
+install(FILES docs/graph.schema.json DESTINATION share/fernwick OPTIONAL)
+
+if(TARGET fernwick)
+    install(TARGETS fernwick RUNTIME DESTINATION bin)
+    if(NOT CMAKE_CROSSCOMPILING)
+        # The built command writes the reference and, where it can, its own manual page.
+        install(CODE "
+            set(made \"${PROJECT_BINARY_DIR}/documents\")
+            execute_process(
+                COMMAND \"$<TARGET_FILE:fernwick>\" reference --library \"$<TARGET_FILE:Fernwick_shaders>\"
+                    --with \"${PROJECT_SOURCE_DIR}\" -o \"\${made}/reference\"
+                COMMAND_ERROR_IS_FATAL ANY)
+            file(INSTALL \"\${made}/reference\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${documents}/docs\")
+            execute_process(COMMAND \"$<TARGET_FILE:fernwick>\" man
+                OUTPUT_FILE \"\${made}/fernwick.1\" ERROR_QUIET RESULT_VARIABLE failure)
+            if(NOT failure)
+                file(INSTALL \"\${made}/fernwick.1\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/share/man/man1\")
+            endif()")
+    endif()
+endif()

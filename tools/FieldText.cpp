@@ -1,0 +1,19 @@
+#include "tools/FieldText.h"
+#include <fmt/core.h>
+
+std::string ChoiceText(const fernwick::Field& field, const fernwick::Choice& choice)
+{
+    return fmt::format("{} = {}", fernwick::ValueText(field, choice.fValue), choice.fLabel);
+}
+
+std::string HelpText(const fernwick::Field& field)
+{
+    std::string text = field.fLabel;
+    if (!field.fHelp.empty())
+        text += (text.empty() ? "" : ": ") + field.fHelp;
+    if (field.fMinimum && field.fMaximum)
+        text += fmt::format(" ({} to {})", *field.fMinimum, *field.fMaximum);
+    else if (field.fMinimum)
+        text += fmt::format(" (at least {})", *field.fMinimum);
+    return text + (field.fDerived ? " (written by the shader)" : "");
+}

@@ -1,0 +1,8 @@
+#pragma once
+#include "host/FieldValue.h"
+
+/// A settled value and what it stands for, such as `"KEYM" = Mask`.
+std::string ChoiceText(const fernwick::Field& field, const fernwick::Choice& choice);
+
+/// What a field is and does, with the values that documents may set.
+std::string HelpText(const fernwick::Field& field);

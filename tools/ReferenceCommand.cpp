@@ -1,0 +1,87 @@
+#include "host/Library.h"
+#include "host/ShaderWrapper.h"
+#include "tools/Commands.h"
+#include "tools/Kinds.h"
+#include "tools/LibraryOption.h"
+#include "tools/ReferencePage.h"
+#include "tools/ReportSummary.h"
+#include <fmt/core.h>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+struct ReferenceOptions {
+    std::string folder;
+    std::string root;
+    std::string library;
+};
+
+/// The text of a file, empty when there is none.
+std::string TextOf(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void Store(const std::filesystem::path& file, const std::string& text)
+{
+    std::ofstream stream(file, std::ios::binary);
+    stream << text;
+    if (!stream.flush())
+        throw std::runtime_error(file.string() + ": can't be written");
+}
+
+/// @param root  empty for nothing but the tables
+std::string PageOf(const fernwick::ParameterTable& table, const fernwick::Library& library,
+    const Showcase& showcase, const std::filesystem::path& root)
+{
+    ReferenceFacts facts;
+    if (!root.empty())
+        facts.fQuirks = TextOf(root / "docs" / "quirks" / (table.fName + ".md"));
+    facts.fExhibit = showcase.Find(table.fName);
+    if (facts.fExhibit != nullptr)
+        facts.fExample = TextOf(facts.fExhibit->fGraph);
+    if (table.fClassIDs.empty())
+        return ReferencePage(table, facts);
+    const auto shader = fernwick::ShaderWrapper::Make(library, table.fClassIDs.front());
+    if (!shader)
+        throw fernwick::LibraryError(library.Path().string() + ": doesn't make the class " + table.fName);
+    ShadingFlags flags;
+    shader->GetShadingFlags(flags);
+    facts.fNeeds = NeedsText(flags);
+    facts.fRecord = shader->Exchanger().GetExtensionDataBuffer();
+    return ReferencePage(table, facts);
+}
+
+void RunReference(const ReferenceOptions& options)
+{
+    const std::filesystem::path folder = options.folder;
+    fernwick::Library library(FindLibrary(options.library));
+    const ReportSummary reports(library.HostUtilities().Debug());
+    const Showcase showcase(options.root);
+    std::filesystem::create_directories(folder);
+    for (const fernwick::ParameterTable& table : fernwick::AllClasses())
+        Store(folder / (table.fName + ".md"), PageOf(table, library, showcase, options.root));
+    Store(folder / "sources.md", SourcesPage());
+    Store(folder / "index.md", ReferenceIndex());
+}
+
+} // namespace
+
+void AddReferenceCommand(CLI::App& app)
+{
+    const auto options = std::make_shared<ReferenceOptions>();
+    CLI::App& command
+        = *app.add_subcommand("reference", "Writes the reference of all classes and sources in Markdown.");
+    command.add_option("-o,--folder", options->folder, "Where the pages go")->required()->type_name("FOLDER");
+    command
+        .add_option("--with", options->root,
+            "Adds the pictures, examples and remarks of a folder with docs/ and examples/")
+        ->type_name("FOLDER")
+        ->check(CLI::Validator(CLI::ExistingDirectory).description(""));
+    AddLibraryOption(command, options->library);
+    command.footer("Defaults are read from objects that the library has just made. Pictures are links to "
+                   "../gallery.\n\nExample:\n  fernwick reference --with . -o build/docs/reference");
+    command.callback([options] { RunReference(*options); });
+}

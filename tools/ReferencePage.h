@@ -1,0 +1,25 @@
+#pragma once
+#include "host/ParameterTable.h"
+#include "tools/Showcase.h"
+
+/// What a page of the reference tells beside the table of parameters.
+struct ReferenceFacts {
+    const void* fRecord = nullptr; ///< a fresh one, whose values are the defaults; null when there is none
+    std::string fNeeds;            ///< as `NeedsText` gives it; empty when nobody can be asked
+    std::string fQuirks;           ///< Markdown; may be empty
+    const Exhibit* fExhibit = nullptr; ///< may be null
+    std::string fExample;              ///< text of its graph
+};
+
+/// The table of a record's fields in Markdown, an array a line. Empty without fields.
+/// @param record  a fresh one; null when there is none
+std::string FieldsTable(const fernwick::ParameterTable& table, const void* record);
+
+/// A class's page in Markdown. Its picture is a link into `../gallery`.
+std::string ReferencePage(const fernwick::ParameterTable& table, const ReferenceFacts& facts);
+
+/// The page that lists all classes and links to theirs.
+std::string ReferenceIndex();
+
+/// The page of the host's own sources.
+std::string SourcesPage();
