@@ -5,6 +5,7 @@
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
+#include "tools/PictureOption.h"
 #include "tools/ProgressBar.h"
 #include "tools/ReportSummary.h"
 #include <charconv>
@@ -69,16 +70,6 @@ std::string CheckSize(const std::string& size)
     if (ReadSize(size, ignored))
         return "";
     return fmt::format("\"{}\" is no size; a size is like 640x480, each side 1 to {}", size, kLongestSide);
-}
-
-std::string CheckPicture(const std::string& picture)
-{
-    try {
-        fernwick::Picture::RequireSavable(picture);
-    } catch (const fernwick::PictureError& error) {
-        return error.what();
-    }
-    return "";
 }
 
 std::vector<std::string> ChannelNames()
@@ -169,12 +160,7 @@ void AddBakeCommand(CLI::App& app)
     command.add_option("graph", options->graph, "The graph of shaders, a JSON file")
         ->required()
         ->type_name("FILE");
-    command
-        .add_option(
-            "-o,--picture", options->picture, "The picture: .png (8 bits, colours as sRGB) or .exr (floats)")
-        ->required()
-        ->type_name("FILE")
-        ->check(CheckPicture);
+    AddPictureOption(command, options->picture);
     command.add_option("--size", options->size, "Width and height in pixels")
         ->type_name("WxH")
         ->check(CheckSize)

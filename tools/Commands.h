@@ -23,3 +23,4 @@ void AddListCommand(CLI::App& app);
 void AddDescribeCommand(CLI::App& app);
 void AddBakeCommand(CLI::App& app);
 void AddReferenceCommand(CLI::App& app);
+void AddPlotCommand(CLI::App& app);

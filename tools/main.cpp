@@ -13,6 +13,7 @@ int main(int argc, char** argv)
     AddDescribeCommand(app);
     AddBakeCommand(app);
     AddReferenceCommand(app);
+    AddPlotCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

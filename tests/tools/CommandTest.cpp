@@ -50,7 +50,7 @@ protected:
 
 TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
 {
-    for (const std::string command : {"list", "describe", "bake"}) {
+    for (const std::string command : {"list", "describe", "bake", "plot"}) {
         const Answer answer = Run(command + " --help");
         EXPECT_EQ(answer.status, 0);
         EXPECT_THAT(answer.out, HasSubstr("\n  fernwick " + command));
@@ -70,6 +70,9 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
         {"bake '" + fKey + "' -o key.png --output normal --lit", "--lit"},
         {"bake '" + fKey + "' -o key.png --directx", "--output normal"},
         {"bake '" + fKey + "' -o key.png --threads 0", "--threads"},
+        {"plot rainbow -o plot.png", "rainbow"},
+        {"plot wavelengths", "--picture is required"},
+        {"plot wavelengths -o plot.svg", "plot.svg: a picture's name ends in .png or .exr"},
     };
     for (const auto& [arguments, text] : cases) {
         const Answer answer = Run(arguments);
@@ -163,6 +166,8 @@ TEST_F(CommandTest, AFailedOrStoppedJobLeavesTheOldPicture)
         {"bake value.json -o old.png --output alpha", "\"alpha\""},
         {"bake '" + fKey + "' -o old.png --over nothing", "nothing"},
         {"bake value.json -o graph.json/new.png", "graph.json/new.png: "},
+        {"plot illuminants -o graph.json/new.png", "graph.json/new.png: "},
+        {"plot illuminants -o old.png --library missing.so", "missing.so"},
     };
     for (const auto& [arguments, text] : cases) {
         const Answer answer = Run(arguments);
@@ -189,6 +194,20 @@ TEST_F(CommandTest, ReportsOfTheLibraryAreCounted)
     const Answer answer = Run("bake shift.json -o shift.png --size 8x4");
     EXPECT_EQ(answer.status, 0);
     EXPECT_THAT(answer.error, AllOf(HasSubstr("shadingIn.fInstance"), HasSubstr(", 32 times\n")));
+}
+
+TEST_F(CommandTest, Plots)
+{
+    for (const std::string plot : {"reflectance", "wavelengths", "illuminants"}) {
+        const Answer answer = Run("plot " + plot + " -o '" + plot + ".png'");
+        EXPECT_EQ(answer.status, 0) << answer.error;
+        EXPECT_EQ(answer.out + answer.error, "");
+        EXPECT_GT(std::filesystem::file_size(fFolder / (plot + ".png")), 8000u);
+    }
+    const fernwick::Picture strips = ReadBack(fFolder / "wavelengths.png", 960, 330);
+    EXPECT_NEAR(strips.At(2, 2).fGreen, 1, 1e-3) << "paper";
+    EXPECT_NEAR(strips.At(612, 120).fGreen, 0, 1e-3) << "640 nm";
+    EXPECT_GT(strips.At(612, 120).fRed, 0.8f);
 }
 
 } // namespace

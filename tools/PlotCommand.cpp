@@ -1,0 +1,49 @@
+#include "host/Library.h"
+#include "host/Plots.h"
+#include "tools/Commands.h"
+#include "tools/Interrupt.h"
+#include "tools/LibraryOption.h"
+#include "tools/PictureOption.h"
+#include "tools/ReportSummary.h"
+#include <fmt/core.h>
+
+namespace {
+
+struct PlotOptions {
+    std::string plot;
+    std::string picture;
+    std::string library;
+};
+
+void RunPlot(const PlotOptions& options)
+{
+    const std::atomic<bool>& cancel = WatchForInterrupt();
+    fernwick::Library library(FindLibrary(options.library));
+    const ReportSummary reports(library.HostUtilities().Debug());
+    const fernwick::Picture picture = fernwick::FindPlot(options.plot)->fDraw(library);
+    if (cancel)
+        throw Interrupted();
+    picture.Save(options.picture);
+}
+
+} // namespace
+
+void AddPlotCommand(CLI::App& app)
+{
+    const auto options = std::make_shared<PlotOptions>();
+    CLI::App& command = *app.add_subcommand("plot", "Draws what a Fresnel computes, with labelled axes.");
+    std::vector<std::string> names;
+    std::string footer = "Plots:\n";
+    for (const fernwick::Plot& plot : fernwick::AllPlots()) {
+        names.emplace_back(plot.fName);
+        footer += fmt::format("  {:<12} {}\n", plot.fName, plot.fPurpose);
+    }
+    command.add_option("plot", options->plot, "What is drawn, see below")
+        ->required()
+        ->type_name("PLOT")
+        ->check(CLI::IsMember(names).description(""));
+    AddPictureOption(command, options->picture);
+    AddLibraryOption(command, options->library);
+    command.footer(footer + "\nExample:\n  fernwick plot reflectance -o reflectance.png");
+    command.callback([options] { RunPlot(*options); });
+}
