@@ -1,6 +1,7 @@
 #include "optics/Fresnel.h"
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 
 using ColorSystems::sRGBSystem;
@@ -38,6 +39,13 @@ template <class Left, class Right> bool AnyFar(const Left& left, const Right& ri
     const auto isNotFar = [](float a, float b) { return !(Difference(a, b) >= kTolerance); };
     const auto numbers = OpticalNumbers(left);
     return !std::equal(numbers.begin(), numbers.end(), OpticalNumbers(right).begin(), isNotFar);
+}
+
+/// Compares the bits of the temperatures: -0 isn't 0, and a NaN is the same as itself.
+bool SameIlluminant(const Illuminant& left, const Illuminant& right)
+{
+    return std::bit_cast<uint32_t>(left.fTemperature) == std::bit_cast<uint32_t>(right.fTemperature)
+        && left.fCustomIlluminant == right.fCustomIlluminant;
 }
 
 bool IsIlluminantRow(int32_t preset) { return preset >= 1 && preset <= kLastIlluminantPreset; }
@@ -136,12 +144,13 @@ void Fresnel::RefreshWavelengthColor()
         && fParams.fTemperature == fSeen.fTemperature && fParams.fColored == fSeen.fColored)
         return;
     fSearch.fFound = false;
-    fIlluminantSystem = SystemWithIlluminant(sRGBSystem, {IlluminantTemperature(), fCustomIlluminant});
+    RefreshIlluminantSystem(IlluminantTemperature());
     const WavelengthColors colors = WavelengthColor(fIlluminantSystem, sRGBSystem, fParams.fWavelength,
         {fParams.fTemperature, fCustomIlluminant}, fParams.fWhiteX, fParams.fWhiteY, fAnchorFactor,
         kGamutDepth, fSearch);
     fShadeRGB = colors.fShadeRGB;
     fShadeLab = colors.fShadeLab;
+    fShadeHue = RGBToHSL(fShadeRGB).fHue;
     fParams.fWavelengthLinear = colors.fRGB;
     ShowEncoded(colors.fRGB, fParams.fWavelengthColor);
 }
@@ -182,9 +191,19 @@ void Fresnel::StoreSeen()
     fPercentP = 100 - fParams.fPolarization;
 }
 
+/// The integration is the dearest part of a change, so it is spared when nothing that enters it has changed.
+void Fresnel::RefreshIlluminantSystem(float temperature)
+{
+    const Illuminant illuminant = {temperature, fCustomIlluminant};
+    if (fIntegrated && SameIlluminant(*fIntegrated, illuminant))
+        return;
+    fIlluminantSystem = SystemWithIlluminant(sRGBSystem, illuminant);
+    fIntegrated = illuminant;
+}
+
 void Fresnel::SetIlluminant(float temperature)
 {
-    fIlluminantSystem = SystemWithIlluminant(sRGBSystem, {temperature, fCustomIlluminant});
+    RefreshIlluminantSystem(temperature);
     fParams.fWhiteX = fIlluminantSystem.xyYWhite[0];
     fParams.fWhiteY = fIlluminantSystem.xyYWhite[1];
 }
@@ -279,5 +298,5 @@ Float3 Fresnel::InHueOfWavelength(float value) const
 {
     // kept: the wavelength's L* serves as the saturation
     const float saturation = static_cast<float>(fShadeLab[0] / 100.0);
-    return HSLToRGB({RGBToHSL(fShadeRGB).fHue, value, saturation});
+    return HSLToRGB({fShadeHue, value, saturation});
 }

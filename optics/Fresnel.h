@@ -9,6 +9,7 @@
 #include "optics/IlluminantPresets.h"
 #include "optics/SpectralColor.h"
 #include <limits>
+#include <optional>
 
 /// Parameters of Fresnel, as the host writes and saves them. Medium 1 is on the side of the normal.
 struct FresnelParams {
@@ -129,6 +130,8 @@ private:
     Float3 fShadeLab = {};
     Float3 fIlluminantLab = {};
     Float3 fIlluminantLinear = {};
+    std::optional<Illuminant> fIntegrated; ///< what fIlluminantSystem is of, once it is of an illuminant
+    float fShadeHue = 0;                   ///< of fShadeRGB
 
     bool IsUnchanged() const;
     void TakeTypedTemperature();
@@ -139,6 +142,7 @@ private:
     void StoreSeen();
     MCErr RefreshSubShader() { return ConnectSubShader(fParams.fSubShader, fShader, fShaderKinds); }
 
+    void RefreshIlluminantSystem(float temperature);
     void SetIlluminant(float temperature);
     float IlluminantTemperature() const;
     void RefreshIlluminantSwatch();

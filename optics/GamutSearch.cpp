@@ -48,6 +48,31 @@ void FillCorner(Float3& corner, float s, float r, const GamutQuery& query)
     corner = {4 * (29 * fy - 4), 500 * (fx - fy), 200 * (fy - fz)};
 }
 
+/// Fills the corners that the eight halves of a cell share, once instead of for each of them.
+void FillSharedCorners(std::array<GamutCell, 8>& volumes, const GamutQuery& query)
+{
+    GamutCell& lowLow = volumes[0b000];
+    GamutCell& lowHigh = volumes[0b001];
+    GamutCell& highLow = volumes[0b010];
+    GamutCell& highHigh = volumes[0b011];
+    FillCorner(lowLow.fCornerMinMax, lowLow.fUMin, lowLow.fVMax, query);
+    FillCorner(lowLow.fCornerMaxMin, lowLow.fUMax, lowLow.fVMin, query);
+    FillCorner(lowLow.fCornerMaxMax, lowLow.fUMax, lowLow.fVMax, query);
+    FillCorner(highHigh.fCornerMinMax, highHigh.fUMin, highHigh.fVMax, query);
+    FillCorner(highHigh.fCornerMaxMin, highHigh.fUMax, highHigh.fVMin, query);
+    highHigh.fCornerMinMin = lowHigh.fCornerMaxMin = highLow.fCornerMinMax = lowLow.fCornerMaxMax;
+    lowHigh.fCornerMinMin = lowLow.fCornerMinMax;
+    lowHigh.fCornerMaxMax = highHigh.fCornerMinMax;
+    highLow.fCornerMinMin = lowLow.fCornerMaxMin;
+    highLow.fCornerMaxMax = highHigh.fCornerMaxMin;
+    for (size_t i = 0; i < 4; ++i) { // the other half of the line has the same faces
+        volumes[4 + i].fCornerMinMin = volumes[i].fCornerMinMin;
+        volumes[4 + i].fCornerMinMax = volumes[i].fCornerMinMax;
+        volumes[4 + i].fCornerMaxMin = volumes[i].fCornerMaxMin;
+        volumes[4 + i].fCornerMaxMax = volumes[i].fCornerMaxMax;
+    }
+}
+
 float Midpoint(float min, float max) { return static_cast<float>((min + max) / 2.0); }
 
 bool IsShare(float number) { return number >= 0 && number <= 1; }
@@ -182,7 +207,8 @@ Residue SearchCell(const GamutCell& cell, const GamutQuery& query, GamutSearch& 
 
     // The half of the line nearer the anchor first: the order decides which of two crossings is found.
     constexpr size_t kVisitingOrder[] = {0b100, 0b110, 0b101, 0b111, 0b000, 0b001, 0b010, 0b011};
-    const auto volumes = SplitCell(cell, search);
+    auto volumes = SplitCell(cell, search);
+    FillSharedCorners(volumes, query);
     Residue residue;
     for (const size_t i : kVisitingOrder) {
         if (search.fFound)

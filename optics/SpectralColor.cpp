@@ -3,11 +3,44 @@
 #include "optics/ColorSystems.h"
 #include "optics/SpectralTables.h"
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
 
 double PowerOfE(double exponent) { return std::pow(2.718281828459, exponent); }
+
+double Exponent6500(float lambda) { return 2213.52 / lambda; }
+
+/// What Planck's curves of all temperatures share at a wavelength.
+double PowerOf6500(float lambda) { return PowerOfE(Exponent6500(lambda)); }
+
+// The steps of an integration over the spectrum, in nm. The rounding of each is part of the stepping.
+constexpr float kFirstLambda = 380;
+constexpr float kLastLambda = 825;
+constexpr float NextLambda(float lambda) { return static_cast<float>(lambda + 0.1); }
+constexpr size_t CountSteps()
+{
+    size_t count = 0;
+    for (float lambda = kFirstLambda; lambda <= kLastLambda; lambda = NextLambda(lambda))
+        ++count;
+    return count;
+}
+
+/// `PowerOf6500` of each step, computed once in the life of the library.
+const std::array<double, CountSteps()>& PowersOfSteps()
+{
+    static const auto powers = [] {
+        std::array<double, CountSteps()> table;
+        float lambda = kFirstLambda;
+        for (double& power : table) {
+            power = PowerOf6500(lambda);
+            lambda = NextLambda(lambda);
+        }
+        return table;
+    }();
+    return powers;
+}
 
 /// The place of a wavelength in the spectral tables.
 class TablePlace {
@@ -16,7 +49,7 @@ public:
     {
         // Past its ends a table goes on with its end entry; NaN gives NaN from entry 0.
         const double place = std::clamp((lambda - 380.0) * 511.0 / 445.0, 0.0, kSpectralEntries - 1.0);
-        const int32_t below = std::max(CutToInt32(std::floor(place)), 0);
+        const int32_t below = std::max(CutToInt32(place), 0);
         fIndex = static_cast<size_t>(below);
         fNext = std::min<size_t>(fIndex + 1, kSpectralEntries - 1);
         fFraction = static_cast<float>(place) - static_cast<float>(below);
@@ -39,27 +72,27 @@ public:
         : fIlluminant(illuminant), fExponent(25924.1 / illuminant.fTemperature), fPower(PowerOfE(fExponent))
     { }
 
-    float Weight(float lambda, const TablePlace& place) const
+    /// @param power6500  PowerOf6500(lambda)
+    float Weight(float lambda, const TablePlace& place, double power6500) const
     {
-        const float ratio = PlanckRatio(lambda);
+        const float ratio = PlanckRatio(lambda, power6500);
         return fIlluminant.fCustomIlluminant ? ratio : ratio * place.In(D65Array);
     }
 
-    Float3 XYZ(float lambda) const
+    Float3 XYZ(float lambda, double power6500) const
     {
         const TablePlace place(lambda);
-        const float weight = Weight(lambda, place);
+        const float weight = Weight(lambda, place, power6500);
         return {place.In(XBar) * weight, place.In(YBar) * weight, place.In(ZBar) * weight};
     }
 
 private:
     /// Planck's curve over that of 6500 K, 1 at 555 nm. 1.43879e7 is the second radiation constant in nm K;
     /// 25924.1 and 2213.52 are that over 555 nm and over 6500 K; 0.0188807 is 1 / (e^(25924.1 / 6500) - 1).
-    float PlanckRatio(float lambda) const
+    float PlanckRatio(float lambda, double power6500) const
     {
-        const double exponent6500 = 2213.52 / lambda;
-        const double upper = 0.0188807 + 0.0188807 * PowerOfE(fExponent + exponent6500)
-            - 0.0188807 * PowerOfE(exponent6500) - 0.0188807 * fPower;
+        const double upper = 0.0188807 + 0.0188807 * PowerOfE(fExponent + Exponent6500(lambda))
+            - 0.0188807 * power6500 - 0.0188807 * fPower;
         const float temperatureLambda = fIlluminant.fTemperature * lambda;
         return static_cast<float>(upper / (PowerOfE(1.43879e7 / temperatureLambda) - 1));
     }
@@ -98,12 +131,12 @@ float Mix(double weight, float full, float none)
 
 float SpectralWeight(float lambda, const Illuminant& illuminant)
 {
-    return Spectrum(illuminant).Weight(lambda, TablePlace(lambda));
+    return Spectrum(illuminant).Weight(lambda, TablePlace(lambda), PowerOf6500(lambda));
 }
 
 Stimulus MonochromaticStimulus(float lambda, const Illuminant& illuminant)
 {
-    const Float3 xyz = Spectrum(illuminant).XYZ(lambda);
+    const Float3 xyz = Spectrum(illuminant).XYZ(lambda, PowerOf6500(lambda));
     return {Chromaticity(xyz), xyz};
 }
 
@@ -111,9 +144,11 @@ ColorSystem SystemWithIlluminant(const ColorSystem& base, const Illuminant& illu
 {
     const Spectrum spectrum(illuminant);
     Float3 sum = {0, 0, 0};
-    // The rounding of each step is part of the stepping.
-    for (float lambda = 380; lambda <= 825; lambda = static_cast<float>(lambda + 0.1))
-        sum = sum + spectrum.XYZ(lambda);
+    float lambda = kFirstLambda;
+    for (const double power6500 : PowersOfSteps()) {
+        sum = sum + spectrum.XYZ(lambda, power6500);
+        lambda = NextLambda(lambda);
+    }
 
     const auto [x, y, z] = Chromaticity(sum);
     ColorSystem system = base;

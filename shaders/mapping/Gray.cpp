@@ -56,7 +56,8 @@ float Gray::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
     fullArea = false;
     color.SetRGB(0);
-    fFallbackColor = color;
+    fFallbackColor
+        = {0, 0, 0, color.fAlpha}; // not from `color`: a whole read would wait for its separate writes
 
     if (fParams.fMode == kGrayScale) {
         if (!fShader)

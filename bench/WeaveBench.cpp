@@ -1,0 +1,184 @@
+#include "bench/Bench.h"
+#include "shaders/patterns/Weave.h"
+
+namespace {
+
+constexpr GUID kWeaveID = {0x608112FA, 0x2448, 0x4404, {0x8E, 0x96, 0x17, 0xA8, 0xC6, 0xB5, 0xE9, 0xF9}};
+
+float Squared(float number) { return number * number; }
+
+/// A cloth of two by two threads, rounded both ways, without displacement.
+struct PlainCloth {
+    struct Hit {
+        int32_t thread = 0;
+        float offset = 0, half = 1, along = 0, alongHalf = 1;
+    };
+
+    WeaveParams p;
+    Source threads[2], gap;
+    ThreadTable table[2];
+    ThreadSpans spans[2][kThreadsPerGroup];
+    float inverseRepeat[2];
+
+    PlainCloth(const WeaveParams& params, const Source& warp, const Source& weft, const Source& gapSource)
+        : p(params), threads{warp, weft},
+          gap(gapSource), inverseRepeat{static_cast<float>(1.0 / params.fRepeatU),
+                              static_cast<float>(1.0 / params.fRepeatV)}
+    {
+        float sum = 0;
+        table[0].Build(2, p.fWarpWidth, p.fWarpGap, sum);
+        table[1].Build(2, p.fWeftWidth, p.fWeftGap, sum);
+        for (int thread = 0; thread < 2; ++thread) {
+            const bool warpDives[5] = {!p.fPattern[0][thread], !p.fPattern[1][thread]};
+            const bool weftDives[5] = {p.fPattern[thread][0], p.fPattern[thread][1]};
+            spans[0][thread].Build(table[1], warpDives);
+            spans[1][thread].Build(table[0], weftDives);
+        }
+    }
+
+    static float Offset(float center, float x)
+    {
+        return x > center ? -(x - center) : center > x ? center - x : 0;
+    }
+
+    Hit Find(int group, float across, float along) const
+    {
+        Hit hit;
+        float previousEnd = 0;
+        for (int32_t k = 0; k < table[group].fCount; ++k) {
+            const float start = table[group].fEdge[2 * k], end = table[group].fEdge[2 * k + 1];
+            if (across >= previousEnd && start > across)
+                return hit;
+            if (across >= start && end > across) {
+                hit.thread = k + 1;
+                hit.offset = Offset(table[group].fCenter[k], across);
+                hit.half = table[group].fHalfWidth[k];
+                break;
+            }
+            previousEnd = end;
+        }
+        if (hit.thread == 0)
+            return hit;
+        const ThreadSpans& own = spans[group][hit.thread - 1];
+        const auto& first = own.fSpan[0];
+        const auto& last = own.fSpan[own.fCrossings];
+        for (int32_t found = 0; own.fCrossings > 0 && found <= own.fCrossings; ++found) {
+            const auto& span = own.fSpan[found];
+            if (!(along >= span.fStart && span.fEnd > along))
+                continue;
+            const bool atSeam = found == 0 || found == own.fCrossings;
+            const float center = found == 0 ? first.fCenter - last.fHalfLength
+                : atSeam                    ? last.fCenter + first.fHalfLength
+                                            : span.fCenter;
+            hit.alongHalf = atSeam ? first.fHalfLength + last.fHalfLength : span.fHalfLength;
+            hit.along = Offset(center, along);
+            break;
+        }
+        return hit;
+    }
+
+    int Sample(const TVector2& uv, Hit (&hits)[2]) const
+    {
+        float tile[2] = {uv[0], uv[1]};
+        if (tile[0] != 0)
+            tile[0] = std::fmod(tile[0], inverseRepeat[0]) * static_cast<float>(p.fRepeatU);
+        if (tile[1] != 0)
+            tile[1] = std::fmod(tile[1], inverseRepeat[1]) * static_cast<float>(p.fRepeatV);
+        hits[0] = Find(0, tile[0], tile[1]);
+        hits[1] = Find(1, tile[1], tile[0]);
+        if (hits[0].thread == 0 && hits[1].thread == 0)
+            return -1;
+        const bool warpOnTop = hits[1].thread == 0
+            || (hits[0].thread != 0 && p.fPattern[hits[1].thread - 1][hits[0].thread - 1]);
+        return warpOnTop ? 0 : 1;
+    }
+
+    TMCColorRGBA Color(ShadingIn& in) const
+    {
+        Hit hits[2];
+        const int top = Sample(in.fUV, hits);
+        if (top < 0)
+            return gap.Color(in);
+        if (top == 1)
+            in.fUV = {in.fUV[1], in.fUV[0]};
+        TMCColorRGBA color = threads[top].Color(in);
+        const Hit& hit = hits[top];
+        const float along = Squared(hit.along) / Squared(hit.alongHalf * p.fProfileAlong);
+        const float across = Squared(hit.offset) / Squared(hit.half * p.fProfileAcross);
+        const float darkening = static_cast<float>(1.0 - (along + across));
+        color.SetRGB(color.fRed * darkening, color.fGreen * darkening, color.fBlue * darkening);
+        return color;
+    }
+
+    static TVector3 Bent(const TVector3& v, TVector3 a, float scale, float sine)
+    {
+        a *= 1.0f / scale;
+        a *= 2.0f;
+        const float cosine = std::cos(std::asin(sine));
+        const float rest = static_cast<float>(1.0 - cosine);
+        return {(cosine + rest * a[0] * a[0]) * v[0] + (rest * a[0] * a[1] - a[2] * sine) * v[1]
+                + (rest * a[0] * a[2] + a[1] * sine) * v[2],
+            (rest * a[0] * a[1] + a[2] * sine) * v[0] + (cosine + rest * a[1] * a[1]) * v[1]
+                + (rest * a[1] * a[2] - a[0] * sine) * v[2],
+            (rest * a[0] * a[2] - a[1] * sine) * v[0] + (rest * a[1] * a[2] + a[0] * sine) * v[1]
+                + (cosine + rest * a[2] * a[2]) * v[2]};
+    }
+
+    TVector3 Vector(const ShadingIn& in) const
+    {
+        Hit hits[2];
+        const int top = Sample(in.fUV, hits);
+        if (top < 0)
+            return in.fNormalLocal;
+        const TVector3& acrossAxis = top == 0 ? in.fDerivV : in.fDerivU;
+        const TVector3& alongAxis = top == 0 ? in.fDerivU : in.fDerivV;
+        const float sign = top == 0 ? 1.0f : -1.0f;
+        TVector3 bent = Bent(in.fNormalGlobal, alongAxis, p.fProfileAlong, sign * hits[top].along);
+        Normalize(bent);
+        return Bent(bent, acrossAxis, p.fProfileAcross, -sign * hits[top].offset);
+    }
+};
+
+} // namespace
+
+void AddWeave()
+{
+    const MeasuredShader<WeaveParams> weave(kWeaveID);
+    WeaveParams& params = weave.Record();
+    const Source warp(kOutputColor), weft(kOutputColor), gap(kOutputColor);
+    params.fWarpSubShader[0] = warp.Face();
+    params.fWeftSubShader[0] = weft.Face();
+    params.fGapSubShader = gap.Face();
+    params.fRoundAcross = params.fRoundAlong = true;
+    params.fWarpWidth[0] = 3;
+    params.fWeftWidth[0] = 2;
+    params.fRepeatU = params.fRepeatV = 4;
+    weave.Changed();
+
+    const PlainCloth plain(params, warp, weft, gap);
+    const Samples samples = MakeSamples();
+    const auto coordinates = std::make_shared<std::vector<TVector2>>();
+    for (const ShadingIn& in : *samples)
+        coordinates->push_back(in.fUV);
+    const auto sampleAt = [=](size_t i) -> ShadingIn& { // anew: a sample keeps the coordinates of its thread
+        ShadingIn& in = (*samples)[i];
+        in.fUV = (*coordinates)[i];
+        return in;
+    };
+    AddComparison(
+        Section::kShading, "Weave ShadeColor, rounded", [=](size_t i) { return weave.Color(sampleAt(i)); },
+        [=](size_t i) { return plain.Color(sampleAt(i)); });
+    const auto vector = [=](size_t i) {
+        TVector3 answer;
+        weave->ShadeVector(answer, sampleAt(i));
+        return answer;
+    };
+    AddComparison(Section::kShading, "Weave ShadeVector, rounded", vector,
+        [=](size_t i) { return plain.Vector(sampleAt(i)); });
+
+    AddWork(Section::kChange + "/Weave, another gap" + kMeasured, [weave] {
+        WeaveParams& record = weave.Record();
+        record.fWarpGap = 3 - record.fWarpGap;
+        weave.Changed();
+    });
+}
