@@ -1,13 +1,8 @@
 #include "host/Bake.h"
-#include "host/Graph.h"
 #include "host/TangentFrame.h"
+#include "host/Tiles.h"
 #include <algorithm>
 #include <fmt/format.h>
-#include <memory>
-#include <mutex>
-#include <tbb/global_control.h>
-#include <tbb/parallel_for.h>
-#include <tbb/task_arena.h>
 
 namespace fernwick {
 
@@ -225,24 +220,6 @@ TMCColorRGBA ReadLit(const Graph& graph, Operation operation, const ShadingIn& s
     return color;
 }
 
-/// Graphs are made and released one at a time: the library's counts are plain numbers.
-std::mutex gGraphMutex;
-
-struct GraphRelease {
-    void operator()(Graph* graph) const
-    {
-        const std::lock_guard lock(gGraphMutex);
-        delete graph;
-    }
-};
-using OwnGraph = std::unique_ptr<Graph, GraphRelease>;
-
-OwnGraph MakeGraph(const Library& library, const GraphDocument& document)
-{
-    const std::lock_guard lock(gGraphMutex);
-    return OwnGraph(new Graph(library, document));
-}
-
 /// Throws when the output shader doesn't offer what the channel is read from.
 Operation RequireOperation(const Graph& graph, BakeChannel channel)
 {
@@ -275,13 +252,11 @@ TMCColorRGBA Read(const Graph& graph, Operation operation, const BakeJob& job, S
 }
 
 void ShadeTile(
-    const Graph& graph, Operation operation, const BakeJob& job, int left, int top, Picture& picture)
+    const Graph& graph, Operation operation, const BakeJob& job, const Tile& tile, Picture& picture)
 {
     const Square square(graph);
-    const int right = std::min(left + kTileSide, job.width);
-    const int bottom = std::min(top + kTileSide, job.height);
-    for (int y = top; y < bottom; ++y)
-        for (int x = left; x < right; ++x) {
+    for (int y = tile.fTop; y < tile.fBottom; ++y)
+        for (int x = tile.fLeft; x < tile.fRight; ++x) {
             const float u = static_cast<float>((x + 0.5) / job.width);
             const float v = static_cast<float>((job.height - y - 0.5) / job.height);
             ShadingIn in = square.SampleAt(u, v);
@@ -297,27 +272,10 @@ std::optional<Picture> Bake(const Library& library, const GraphDocument& documen
 {
     const Operation operation = RequireOperation(*MakeGraph(library, document), job.channel);
     Picture picture(job.width, job.height, ContentOf(job.channel));
-    const int columns = (job.width - 1) / kTileSide + 1;
-    const int rows = (job.height - 1) / kTileSide + 1;
-    const auto isCancelled = [&job] { return job.cancel != nullptr && *job.cancel; };
-    std::mutex progressMutex;
-    int done = 0;
-    const auto shadeTile = [&](int tile) {
-        if (isCancelled())
-            return;
-        ShadeTile(*MakeGraph(library, document), operation, job, tile % columns * kTileSide,
-            tile / columns * kTileSide, picture);
-        const std::lock_guard lock(progressMutex);
-        ++done;
-        if (job.onProgress)
-            job.onProgress(static_cast<double>(done) / (columns * rows));
-    };
-    const int threads = job.threads > 0 ? job.threads : tbb::this_task_arena::max_concurrency();
-    const tbb::global_control limit(
-        tbb::global_control::max_allowed_parallelism, static_cast<size_t>(threads));
-    tbb::task_arena(threads).execute(
-        [&] { tbb::parallel_for(0, columns * rows, shadeTile, tbb::simple_partitioner()); });
-    if (isCancelled() && done < columns * rows)
+    const TileJob tiles = {job.width, job.height, kTileSide, job.threads, job.onProgress, job.cancel};
+    if (!ForEachTile(tiles, [&](const Tile& tile) {
+            ShadeTile(*MakeGraph(library, document), operation, job, tile, picture);
+        }))
         return std::nullopt;
     return picture;
 }

@@ -1,21 +1,29 @@
 #include "host/Graph.h"
 #include "frame/SubShader.h"
+#include "frame/UnroutedClassIDs.h"
 #include "host/Library.h"
 #include <fmt/format.h>
 
 namespace fernwick {
 
-Graph::Graph(const Library& library, const GraphDocument& document)
+Graph::Graph(const Library& library, const GraphDocument& document) : fOutputIndex(document.OutputIndex())
 {
     if (document.Scene())
         fScene = MakeCounted<Scene>(*document.Scene());
-    for (size_t i = 0; i <= document.OutputIndex(); ++i)
+    for (size_t i = 0; i <= fOutputIndex; ++i)
         fShaders.push_back(Make(library, document.Shaders()[i]));
 }
 
-I3DExShader* Graph::OutputExtension() const
+Graph::Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene)
+    : fScene(scene), fOutputIndex(document.OutputIndex())
 {
-    const MCCountedPtr<ShaderWrapper>& wrapper = fShaders.back().fWrapper;
+    for (const DocumentShader& shader : document.Shaders())
+        fShaders.push_back(Make(library, shader));
+}
+
+I3DExShader* Graph::Extension(size_t index) const
+{
+    const MCCountedPtr<ShaderWrapper>& wrapper = fShaders[index].fWrapper;
     return wrapper ? &wrapper->Shader() : nullptr;
 }
 
@@ -26,11 +34,14 @@ Graph::LiveShader Graph::Make(const Library& library, const DocumentShader& shad
     const ParameterTable& table = *shader.fTable;
     if (shader.fSource)
         return {shader.fSource, {}};
-    const auto wrapper = ShaderWrapper::Make(library, table.fClassIDs.front());
+    const GUID* const unrouted = UnroutedClassID(table.fName);
+    const auto wrapper = unrouted != nullptr ? ShaderWrapper::Make(library.Unrouted(), *unrouted)
+                                             : ShaderWrapper::Make(library, table.fClassIDs.front());
     if (!wrapper)
         throw GraphError(fmt::format("{}: the library doesn't make a {}", shader.fName, table.fName));
     IExDataExchanger& exchanger = wrapper->Exchanger();
-    if (exchanger.GetParamsBufferSize() != table.fRecordSize)
+    // A class without a route may not tell the size of its record.
+    if (unrouted == nullptr && exchanger.GetParamsBufferSize() != table.fRecordSize)
         throw GraphError(fmt::format("{}: the library's {} has a record of {} bytes, expected {}",
             shader.fName, table.fName, exchanger.GetParamsBufferSize(), table.fRecordSize));
 

@@ -6,20 +6,27 @@ namespace fernwick {
 
 class Library;
 
-/// The live objects of a document's output and of everything below it. A shader serves one thread at a time, so
+/// The live objects of a document's output and of everything below it, or of all its shaders. A shader serves one thread at a time, so
 /// every thread makes its own graph; making and releasing is for one thread at a time.
 class Graph {
 public:
     /// Makes the objects by the change protocol, children before parents. Throws `GraphError`, and then leaves
     /// nothing behind.
     Graph(const Library& library, const GraphDocument& document);
+    /// Makes the objects of all shaders of the document, over a scene that graphs share. Throws `GraphError`.
+    Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene);
     Graph(const Graph&) = delete;
     Graph& operator=(const Graph&) = delete;
 
-    IShellShader& Output() const { return *fShaders.back().fFace; }
+    IShellShader& Output() const { return *fShaders[fOutputIndex].fFace; }
     uint32_t OutputKinds() const { return Output().GetOutputKinds(); }
     /// The output as the library made it; null when it is one of the host's sources.
-    I3DExShader* OutputExtension() const;
+    I3DExShader* OutputExtension() const { return Extension(fOutputIndex); }
+
+    /// A shader by its place in the document.
+    IShellShader& Shader(size_t index) const { return *fShaders[index].fFace; }
+    /// The same as the library made it; null when it is one of the host's sources.
+    I3DExShader* Extension(size_t index) const;
 
     /// The shaded object, for `ShadingIn::fInstance`; null when the document has no scene.
     IMCUnknown* Instance() const;
@@ -32,7 +39,8 @@ private:
     };
 
     MCCountedPtr<Scene> fScene;
-    std::vector<LiveShader> fShaders; // in the document's order, the output last
+    size_t fOutputIndex;
+    std::vector<LiveShader> fShaders; // in the document's order
 
     LiveShader Make(const Library& library, const DocumentShader& shader) const;
 };

@@ -37,25 +37,8 @@ const ParameterTable& ReadTable(const JsonNode& shader)
     if (sourceName)
         return FindTable(*sourceName, "source", AllSources(),
             [](const SourceKind& kind) -> const ParameterTable& { return kind.fTable; });
-    const ParameterTable& table = FindTable(*className, "class", AllClasses(),
+    return FindTable(*className, "class", AllClasses(),
         [](const ParameterTable& entry) -> const ParameterTable& { return entry; });
-    if (table.fClassIDs.empty())
-        className->Fail(fmt::format("the class {} has no route: the library doesn't make it", table.fName));
-    return table;
-}
-
-/// What a shader plugs in, in the order of the record. An emptied slot plugs in nothing.
-std::vector<size_t> PluggedIn(const DocumentShader& shader)
-{
-    std::map<const Field*, std::optional<size_t>> slots;
-    for (const FieldSetting& setting : shader.fSettings)
-        if (const auto* const plugged = std::get_if<PluggedShader>(&setting.fValue))
-            slots[setting.fField] = plugged->fIndex;
-    std::vector<size_t> places;
-    for (const auto& [field, place] : slots)
-        if (place)
-            places.push_back(*place);
-    return places;
 }
 
 /// Puts shaders behind those that they plug in.
@@ -135,6 +118,19 @@ void MakeSource(DocumentShader& shader)
 
 } // namespace
 
+std::vector<size_t> PluggedIn(const DocumentShader& shader)
+{
+    std::map<const Field*, std::optional<size_t>> slots;
+    for (const FieldSetting& setting : shader.fSettings)
+        if (const auto* const plugged = std::get_if<PluggedShader>(&setting.fValue))
+            slots[setting.fField] = plugged->fIndex;
+    std::vector<size_t> places;
+    for (const auto& [field, place] : slots)
+        if (place)
+            places.push_back(*place);
+    return places;
+}
+
 GraphDocument GraphDocument::Read(const std::filesystem::path& file)
 {
     std::ifstream stream(file, std::ios::binary);
@@ -180,7 +176,7 @@ GraphDocument GraphDocument::Parse(const std::string& text, const std::filesyste
         sorter.Add(place);
     document.fShaders = Reordered(read, sorter.Order());
     if (const auto scene = root.Find("scene"))
-        document.fScene = ReadScene(*scene);
+        document.fScene = ReadScene(*scene, names, folder);
     for (DocumentShader& shader : document.fShaders)
         MakeSource(shader);
     return document;

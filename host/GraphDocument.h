@@ -15,6 +15,9 @@ struct DocumentShader {
     MCCountedPtr<IShellShader> fSource;  ///< ready to be asked by any thread; null for a class of the library
 };
 
+/// What a shader plugs in by place, in the order of the record. An emptied slot plugs in nothing.
+std::vector<size_t> PluggedIn(const DocumentShader& shader);
+
 /// A graph of shaders as a file describes it, read and checked against the tables. Plain data: it needs no
 /// library, and any number of threads may make their graphs of it.
 ///
@@ -24,6 +27,8 @@ struct DocumentShader {
 ///                  "backdrop": {"source": "picture", "file": "backdrop.png"}},
 ///      "output": "key",
 ///      "scene": {"elements": [{"name": "Lamp", "position": [0, 3, 0]}], "camera": "Lamp"}}
+///
+/// What a scene holds is told at `ReadScene`.
 ///
 /// Fields that aren't set keep the defaults of the object. An array is given whole or by element
 /// (`"fRange[3]": [30, 50]`), a nested record as an object, in part if wanted, or by field (`"fX.fEdgeA": 2`). A

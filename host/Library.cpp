@@ -73,6 +73,18 @@ template <class Function> void Library::Bind(Function& function, const char* nam
     function = reinterpret_cast<Function>(address);
 }
 
+const Library& Library::Unrouted() const
+{
+    if (!fUnrouted) {
+        // It misses the same services as the library did, which is no news to whoever listens by now.
+        auto listener = std::exchange(fUtilities->Debug().fListener, nullptr);
+        fUnrouted = std::make_unique<Library>(
+            (fPath.parent_path() / "Fernwick_unrouted").replace_extension(fPath.extension()), fUtilities);
+        fUtilities->Debug().fListener = std::move(listener);
+    }
+    return *fUnrouted;
+}
+
 MCCountedPtr<IExClassFactory> Library::Factory(const GUID& classID) const
 {
     MCCountedPtr<IExClassFactory> factory;

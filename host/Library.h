@@ -29,6 +29,10 @@ public:
     Utilities& HostUtilities() { return *fUtilities; }
     bool HasLiveComponents() const { return fCanUnloadNow() != 0; }
 
+    /// The module `Fernwick_unrouted` beside this one, which makes the classes that the library has no route to, for
+    /// trying them out. Opened with the first call; for one thread at a time. Throws `LibraryError`.
+    const Library& Unrouted() const;
+
     /// The factory of a class; null when the library refuses.
     MCCountedPtr<IExClassFactory> Factory(const GUID& classID) const;
 
@@ -51,6 +55,7 @@ private:
     std::filesystem::path fPath;
     MCCountedPtr<Utilities> fUtilities;
     std::unique_ptr<void, Closer> fHandle;
+    mutable std::unique_ptr<Library> fUnrouted;
 
     template <class Function> void Bind(Function& function, const char* name);
 };

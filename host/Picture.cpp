@@ -63,6 +63,11 @@ Picture::Picture(int width, int height, PictureContent content)
       fPixels(static_cast<size_t>(width) * static_cast<size_t>(height), TMCColorRGBA{0, 0, 0, 0})
 { }
 
+void Picture::AddChannel(std::string name, std::vector<float> values)
+{
+    fChannels.emplace_back(std::move(name), std::move(values));
+}
+
 void Picture::LayOver(const Picture& ground)
 {
     for (size_t i = 0; i < fPixels.size(); ++i) {
@@ -89,6 +94,8 @@ void Picture::RequireSavable(const std::filesystem::path& path)
     if (std::filesystem::is_directory(path))
         throw PictureError(path.string() + ": is a folder");
 }
+
+bool Picture::HoldsLayers(const std::filesystem::path& path) { return FormatOf(path) == "exr"; }
 
 void Picture::Save(const std::filesystem::path& path) const
 {
@@ -121,6 +128,20 @@ std::vector<uint8_t> Picture::Bytes() const
     return bytes;
 }
 
+/// All channels, pixel by pixel.
+std::vector<float> Picture::Floats() const
+{
+    std::vector<float> floats;
+    floats.reserve(fPixels.size() * (4 + fChannels.size()));
+    for (size_t i = 0; i < fPixels.size(); ++i) {
+        const TMCColorRGBA& color = fPixels[i];
+        floats.insert(floats.end(), {color.fRed, color.fGreen, color.fBlue, color.fAlpha});
+        for (const auto& [name, values] : fChannels)
+            floats.push_back(values[i]);
+    }
+    return floats;
+}
+
 void Picture::Write(const std::filesystem::path& path, const std::string& format) const
 {
     const auto output = OIIO::ImageOutput::create(format);
@@ -128,11 +149,16 @@ void Picture::Write(const std::filesystem::path& path, const std::string& format
         throw PictureError(OIIO::geterror());
     const bool isFloat = format == "exr";
     OIIO::ImageSpec layout(fWidth, fHeight, 4, isFloat ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT8);
+    if (isFloat)
+        for (const auto& [name, values] : fChannels) {
+            ++layout.nchannels;
+            layout.channelnames.push_back(name);
+        }
     layout.attribute("oiio:UnassociatedAlpha", 1);
     if (!isFloat && fContent == PictureContent::kColor)
         layout.attribute("oiio:ColorSpace", "sRGB");
     const bool written = output->open(path.string(), layout)
-        && (isFloat ? output->write_image(OIIO::TypeDesc::FLOAT, fPixels.data())
+        && (isFloat ? output->write_image(OIIO::TypeDesc::FLOAT, Floats().data())
                     : output->write_image(OIIO::TypeDesc::UINT8, Bytes().data()))
         && output->close();
     if (!written)

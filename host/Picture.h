@@ -2,6 +2,7 @@
 #include "frame/Colors.h"
 #include <filesystem>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace fernwick {
@@ -33,6 +34,9 @@ public:
     TMCColorRGBA& At(int x, int y) { return fPixels[Index(x, y)]; }
     const TMCColorRGBA& At(int x, int y) const { return fPixels[Index(x, y)]; }
 
+    /// Adds a channel of floats, row by row from the top, under a name such as "second.R". Only EXR files hold it.
+    void AddChannel(std::string name, std::vector<float> values);
+
     /// Lays this picture over `ground`, which has the same size: an alpha of 1 (or more) hides it, 0 (or less,
     /// or NaN) shows it.
     void LayOver(const Picture& ground);
@@ -47,17 +51,22 @@ public:
     /// Throws `PictureError` when `Save` couldn't write `path` for its name. To be asked before long work.
     static void RequireSavable(const std::filesystem::path& path);
 
+    /// Whether a file of this name holds the added channels.
+    static bool HoldsLayers(const std::filesystem::path& path);
+
 private:
     int fWidth;
     int fHeight;
     PictureContent fContent;
     std::vector<TMCColorRGBA> fPixels;
+    std::vector<std::pair<std::string, std::vector<float>>> fChannels; // beside the four
 
     size_t Index(int x, int y) const
     {
         return static_cast<size_t>(y) * static_cast<size_t>(fWidth) + static_cast<size_t>(x);
     }
     std::vector<uint8_t> Bytes() const;
+    std::vector<float> Floats() const;
     void Write(const std::filesystem::path& path, const std::string& format) const;
 };
 

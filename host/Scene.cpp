@@ -1,61 +1,8 @@
 #include "host/Scene.h"
-#include "frame/Numbers.h"
+#include "host/Placement.h"
 #include <algorithm>
-#include <cmath>
 
 namespace fernwick {
-
-namespace {
-
-struct Matrix {
-    double rows[3][3];
-};
-
-Matrix operator*(const Matrix& left, const Matrix& right)
-{
-    Matrix product{};
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j)
-            for (int k = 0; k < 3; ++k)
-                product.rows[i][j] += left.rows[i][k] * right.rows[k][j];
-    return product;
-}
-
-/// Turns column vectors about X, then Y, then Z, by degrees.
-Matrix Rotation(const TVector3& degrees)
-{
-    double cosine[3];
-    double sine[3];
-    for (uint32_t axis = 0; axis < 3; ++axis) {
-        cosine[axis] = std::cos(degrees[axis] * kRadiansPerDegree);
-        sine[axis] = std::sin(degrees[axis] * kRadiansPerDegree);
-    }
-    const Matrix aboutX = {{{1, 0, 0}, {0, cosine[0], -sine[0]}, {0, sine[0], cosine[0]}}};
-    const Matrix aboutY = {{{cosine[1], 0, sine[1]}, {0, 1, 0}, {-sine[1], 0, cosine[1]}}};
-    const Matrix aboutZ = {{{cosine[2], -sine[2], 0}, {sine[2], cosine[2], 0}, {0, 0, 1}}};
-    return aboutZ * aboutY * aboutX;
-}
-
-/// The transform of an element at a place below `parent`.
-TTransform3D Below(const TTransform3D& parent, const ElementDescription& element)
-{
-    Matrix outer;
-    for (int i = 0; i < 3; ++i)
-        std::copy_n(parent.fMatrix[i], 3, outer.rows[i]);
-    const Matrix product = outer * Rotation(element.fRotation);
-    TTransform3D transform;
-    for (uint32_t i = 0; i < 3; ++i) {
-        double moved = parent.fTranslation[i];
-        for (uint32_t j = 0; j < 3; ++j) {
-            transform.fMatrix[i][j] = static_cast<float>(product.rows[i][j]);
-            moved += outer.rows[i][j] * element.fPosition[j];
-        }
-        transform.fTranslation[i] = static_cast<float>(moved);
-    }
-    return transform;
-}
-
-} // namespace
 
 /// The root as the scene hands it out; queried for `ITreeElement` it gives the root element.
 class Scene::RootGroup final : public IGroup {
@@ -76,7 +23,7 @@ private:
 
 class Scene::RenderingModule final : public IRenderingModule {
 public:
-    RenderingModule(Scene& scene, std::string camera) : fScene(scene), fCamera(std::move(camera)) { }
+    explicit RenderingModule(Scene& scene) : fScene(scene) { }
     virtual ~RenderingModule() = default;
 
     MCErr QueryInterface(const GUID& id, void** out) override
@@ -90,20 +37,28 @@ public:
     }
     uint32_t AddRef() override { return fScene.AddRef(); }
     uint32_t Release() override { return fScene.Release(); }
-    void GetRenderingCameraName(TMCString& name) override { name = fCamera; }
+    void GetRenderingCameraName(TMCString& name) override { name = fScene.fCameraName; }
 
 private:
     Scene& fScene;
-    std::string fCamera;
 };
 
 SceneElement::SceneElement(Scene& scene, const ElementDescription& description, SceneElement* parent)
     : fScene(scene), fName(description.fName),
-      fTransform(Below(parent != nullptr ? parent->fTransform : TTransform3D(), description)),
-      fHotPoint(description.fHotPoint), fParent(parent)
+      fTransform(Composed(parent != nullptr ? parent->fTransform : TTransform3D(), description.fPlace)),
+      fScale(description.fScale), fHotPoint(description.fHotPoint), fCamera(description.fCamera),
+      fLook(description.fLook), fParent(parent)
 {
+    if (description.fLight)
+        fLight.emplace(*this, *description.fLight);
+    if (description.fGeometry)
+        fInstance.emplace(*this, description.fGeometry);
     if (parent == nullptr)
         return;
+    if (!fLook.fShader)
+        fLook.fShader = parent->fLook.fShader;
+    if (!fLook.fLit)
+        fLook.fLit = parent->fLook.fLit;
     (parent->fLastChild != nullptr ? parent->fLastChild->fNextSibling : parent->fFirstChild) = this;
     parent->fLastChild = this;
 }
@@ -111,9 +66,14 @@ SceneElement::SceneElement(Scene& scene, const ElementDescription& description, 
 MCErr SceneElement::QueryInterface(const GUID& id, void** out)
 {
     *out = nullptr;
-    if (!SameGuid(id, IID_IMCUnknown) && !SameGuid(id, IID_ITreeElement))
+    if (SameGuid(id, IID_IMCUnknown) || SameGuid(id, IID_ITreeElement))
+        *out = static_cast<ITreeElement*>(this);
+    else if (fLight && SameGuid(id, IID_ILight))
+        *out = static_cast<ILight*>(&*fLight);
+    else if (fInstance && SameGuid(id, IID_IInstance))
+        *out = static_cast<IInstance*>(&*fInstance);
+    else
         return kMCNoInterface;
-    *out = static_cast<ITreeElement*>(this);
     AddRef();
     return MC_S_OK;
 }
@@ -130,7 +90,36 @@ void SceneElement::GetScene(IScene** out)
 
 void SceneElement::GetBoundingBox(TBBox3D& box, int32_t, bool)
 {
-    box.fMin = box.fMax = fTransform.fTranslation;
+    box = {};
+    AddShapesTo(box);
+    if (box.fMin[0] > box.fMax[0])
+        box.fMin = box.fMax = fTransform.fTranslation;
+}
+
+void SceneElement::AddShapesTo(TBBox3D& box) const
+{
+    if (fInstance) {
+        const TBBox3D own = fInstance->Shape().Bounds();
+        for (int corner = 0; corner < 8; ++corner) {
+            TVector3 point;
+            for (uint32_t axis = 0; axis < 3; ++axis)
+                point[axis] = (corner >> axis & 1) != 0 ? own.fMax[axis] : own.fMin[axis];
+            point = Placed(fTransform, point);
+            for (uint32_t axis = 0; axis < 3; ++axis) {
+                box.fMin[axis] = std::min(box.fMin[axis], point[axis]);
+                box.fMax[axis] = std::max(box.fMax[axis], point[axis]);
+            }
+        }
+    }
+    for (const SceneElement* child = fFirstChild; child != nullptr; child = child->fNextSibling)
+        child->AddShapesTo(box);
+}
+
+void SceneElement::MoveBy(const TVector3& offset)
+{
+    fTransform.fTranslation += offset;
+    for (SceneElement* child = fFirstChild; child != nullptr; child = child->fNextSibling)
+        child->MoveBy(offset);
 }
 
 void SceneElement::GetTreeTransform(TTreeTransform& transform)
@@ -139,6 +128,7 @@ void SceneElement::GetTreeTransform(TTreeTransform& transform)
     for (int i = 0; i < 3; ++i)
         std::copy_n(fTransform.fMatrix[i], 3, transform.fRotation.fMatrix[i]);
     transform.fSecondVector = fTransform.fTranslation;
+    transform.fScale = fScale;
 }
 
 void SceneElement::Give(ITreeElement** out, SceneElement* element)
@@ -148,15 +138,16 @@ void SceneElement::Give(ITreeElement** out, SceneElement* element)
     *out = element;
 }
 
-Scene::Scene(const SceneDescription& description)
+Scene::Scene(const SceneDescription& description, Shaded shaded) : fCameraName(description.fCamera)
 {
-    Add({"Scene", {}, {}, {}, {}}, nullptr);
+    Add({.fName = "Scene"}, nullptr);
     for (const ElementDescription& element : description.fElements)
         Add(element, &Root());
-    Add(description.fShaded, &Root());
+    if (shaded == Shaded::kLast)
+        Add(description.fShaded, &Root());
     fRootGroup = std::make_unique<RootGroup>(*this);
-    if (!description.fCamera.empty())
-        fRenderingModule = std::make_unique<RenderingModule>(*this, description.fCamera);
+    if (!fCameraName.empty())
+        fRenderingModule = std::make_unique<RenderingModule>(*this);
 }
 
 Scene::~Scene() = default;

@@ -5,16 +5,12 @@
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
-#include "tools/PictureOption.h"
+#include "tools/PictureOptions.h"
 #include "tools/ProgressBar.h"
 #include "tools/ReportSummary.h"
-#include <charconv>
 #include <fmt/core.h>
 
 namespace {
-
-constexpr int kLongestSide = 16384; // pixels
-constexpr int kMostThreads = 1024;
 
 constexpr const char* kFooter =
     R"(U runs to the right and V up. The square lies from (0, 0, 0) to (1, 1, 0) on the shaded object of the graph's
@@ -42,35 +38,13 @@ Examples:
 
 struct BakeOptions {
     std::string graph;
-    std::string picture;
-    std::string size = "512x512";
-    int threads = 0;
+    PictureOptions picture;
     std::string library;
     std::string channel = "color";
     std::string over;
     bool isLit = false;
     bool isDirectX = false;
 };
-
-/// Reads "640x480" into the job; false for anything else.
-bool ReadSize(const std::string& size, fernwick::BakeJob& job)
-{
-    const char* const end = size.data() + size.size();
-    const auto [cross, widthFailure] = std::from_chars(size.data(), end, job.width);
-    if (widthFailure != std::errc() || cross == end || *cross != 'x')
-        return false;
-    const auto [rest, heightFailure] = std::from_chars(cross + 1, end, job.height);
-    const auto isSide = [](int side) { return side >= 1 && side <= kLongestSide; };
-    return heightFailure == std::errc() && rest == end && isSide(job.width) && isSide(job.height);
-}
-
-std::string CheckSize(const std::string& size)
-{
-    fernwick::BakeJob ignored;
-    if (ReadSize(size, ignored))
-        return "";
-    return fmt::format("\"{}\" is no size; a size is like 640x480, each side 1 to {}", size, kLongestSide);
-}
 
 std::vector<std::string> ChannelNames()
 {
@@ -83,8 +57,8 @@ std::vector<std::string> ChannelNames()
 fernwick::BakeJob JobOf(const BakeOptions& options)
 {
     fernwick::BakeJob job;
-    ReadSize(options.size, job);
-    job.threads = options.threads;
+    ReadSize(options.picture.size, job.width, job.height);
+    job.threads = options.picture.threads;
     for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
         if (named.name == options.channel)
             job.channel = named.channel;
@@ -148,7 +122,7 @@ void RunBake(const BakeOptions& options)
     }
     if (*job.cancel)
         throw Interrupted();
-    picture.Save(options.picture);
+    picture.Save(options.picture.file);
 }
 
 } // namespace
@@ -160,11 +134,7 @@ void AddBakeCommand(CLI::App& app)
     command.add_option("graph", options->graph, "The graph of shaders, a JSON file")
         ->required()
         ->type_name("FILE");
-    AddPictureOption(command, options->picture);
-    command.add_option("--size", options->size, "Width and height in pixels")
-        ->type_name("WxH")
-        ->check(CheckSize)
-        ->capture_default_str();
+    AddPictureOptions(command, options->picture);
     command.add_option("--output", options->channel, "What of the output shader is baked, see below")
         ->type_name("CHANNEL")
         ->check(CLI::IsMember(ChannelNames()).description(""))
@@ -174,10 +144,6 @@ void AddBakeCommand(CLI::App& app)
     command
         .add_option("--over", options->over, "Lays the colour, by its alpha, over a source or another graph")
         ->type_name("SOURCE");
-    command
-        .add_option("--threads", options->threads, "Threads to shade with; the picture doesn't depend on it")
-        ->type_name("N")
-        ->check(CLI::Range(1, kMostThreads).description(""));
     AddLibraryOption(command, options->library);
     command.footer(kFooter);
     command.callback([options] { RunBake(*options); });

@@ -24,3 +24,4 @@ void AddDescribeCommand(CLI::App& app);
 void AddBakeCommand(CLI::App& app);
 void AddReferenceCommand(CLI::App& app);
 void AddPlotCommand(CLI::App& app);
+void AddRenderCommand(CLI::App& app);

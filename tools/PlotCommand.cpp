@@ -3,7 +3,7 @@
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
-#include "tools/PictureOption.h"
+#include "tools/PictureOptions.h"
 #include "tools/ReportSummary.h"
 #include <fmt/core.h>
 

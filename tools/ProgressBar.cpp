@@ -1,4 +1,5 @@
 #include "tools/ProgressBar.h"
+#include <algorithm>
 #include <fmt/core.h>
 
 #ifdef _WIN32
@@ -40,5 +41,17 @@ void ProgressBar::Show(double share)
     fPercent = percent;
     constexpr int kWidth = 40; // of the bar, in characters
     const int filled = percent * kWidth / 100;
-    fmt::print(stderr, "\r[{:=<{}}{: <{}}] {:3} %  {}", "", filled, "", kWidth - filled, percent, fLabel);
+    fmt::print(stderr, "\r[{:=<{}}{: <{}}] {:3} %  {}{}\033[K", "", filled, "", kWidth - filled, percent,
+        fLabel, TimeLeft(share));
+}
+
+/// As if the rest took as long as what is done; nothing in the first second, which tells too little.
+std::string ProgressBar::TimeLeft(double share) const
+{
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - fStart;
+    if (passed.count() < 1 || !(share > 0))
+        return "";
+    const int left = static_cast<int>(std::min(passed.count() * (1 - share) / share + 0.5, 1e8));
+    return left < 60 ? fmt::format(", {} s left", left)
+                     : fmt::format(", {} min {} s left", left / 60, left % 60);
 }

@@ -1,7 +1,8 @@
 #pragma once
+#include <chrono>
 #include <string>
 
-/// A line on the terminal that shows how far a job is, gone when the job is over. Without a terminal on stderr
+/// A line on the terminal that shows how far a job is and how long it still takes, gone when the job is over. Without a terminal on stderr
 /// nothing is shown.
 class ProgressBar {
 public:
@@ -17,4 +18,7 @@ private:
     std::string fLabel;
     bool fIsShown;
     int fPercent = -1; // as shown last
+    std::chrono::steady_clock::time_point fStart = std::chrono::steady_clock::now();
+
+    std::string TimeLeft(double share) const;
 };

@@ -3,7 +3,7 @@
 
 int main(int argc, char** argv)
 {
-    CLI::App app("Looks at the Fernwick shaders and bakes pictures with them.", "fernwick");
+    CLI::App app("Looks at the Fernwick shaders, and bakes and renders pictures with them.", "fernwick");
     app.footer("Exit status: 0 done, 1 the job failed, 2 the command line is wrong, 130 stopped by Ctrl-C.\n"
                "`fernwick COMMAND --help` tells more, with an example.");
     app.set_version_flag("--version", "fernwick " FERNWICK_VERSION);
@@ -14,6 +14,7 @@ int main(int argc, char** argv)
     AddBakeCommand(app);
     AddReferenceCommand(app);
     AddPlotCommand(app);
+    AddRenderCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -99,14 +99,6 @@ float Corners::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
     return kFullCoverage;
 }
 
-bool Corners::SetNormal(int32_t u, int32_t v, const TVector3& normal)
-{
-    if (u < 0 || u >= fGridSize || v < 0 || v >= fGridSize)
-        return false;
-    fNormalGrid[u * fGridSize + v] = normal;
-    return true;
-}
-
 /// A line that leaves the grid goes on in the neighbouring columns, as the places lie; one that leaves the
 /// array finds zero vectors.
 TVector3 Corners::Cell(int64_t u, int64_t v) const

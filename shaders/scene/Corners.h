@@ -31,11 +31,19 @@ public:
     float ShadeValue(float& value, bool& fullArea, ShadingIn& in) override;
 
     /// Fills one cell of the grid, for a host that lays a mesh's normals out by their UV. Cells never filled
-    /// hold zero vectors, which no angle comes of. With another edge all cells must be filled anew.
+    /// hold zero vectors, which no angle comes of. With another edge all cells must be filled anew. It is inline,
+    /// so that a host that doesn't link the class can call it on an object of the library.
     /// @param u, v    cells from 0, below the edge that `fGridOption` gave at the last `ExtensionDataChanged`
     /// @param normal  of any length
     /// @return false, with nothing stored, for a cell outside the grid
-    bool SetNormal(int32_t u, int32_t v, const TVector3& normal);
+    bool SetNormal(int32_t u, int32_t v, const TVector3& normal)
+    {
+        if (u < 0 || u >= fGridSize || v < 0 || v >= fGridSize)
+            return false;
+        fNormalGrid[u * fGridSize + v] = normal;
+        return true;
+    }
+    int32_t GridSize() const { return fGridSize; } ///< that edge
 
 private:
     static constexpr int32_t kLargestGrid = 2048;

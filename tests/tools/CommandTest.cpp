@@ -50,7 +50,7 @@ protected:
 
 TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
 {
-    for (const std::string command : {"list", "describe", "bake", "plot"}) {
+    for (const std::string command : {"list", "describe", "bake", "plot", "render"}) {
         const Answer answer = Run(command + " --help");
         EXPECT_EQ(answer.status, 0);
         EXPECT_THAT(answer.out, HasSubstr("\n  fernwick " + command));

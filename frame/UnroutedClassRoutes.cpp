@@ -1,0 +1,19 @@
+// The routes of the module `Fernwick_unrouted`, in place of the pack's.
+#include "frame/ClassRoutes.h"
+#include "frame/UnroutedClassIDs.h"
+#include "shaders/layers/Shadow_pass.h"
+#include "shaders/scene/Corners.h"
+#include "shaders/scene/Curvature.h"
+
+namespace {
+
+template <class Class> TBasicUnknown* Make() { return new Class; }
+
+} // namespace
+
+const ClassRoute kClassRoutes[] = {
+    {*UnroutedClassID("Curvature"), &Make<Curvature>},
+    {*UnroutedClassID("Corners"), &Make<Corners>},
+    {*UnroutedClassID("Shadow_pass"), &Make<Shadow_pass>},
+    {{}, nullptr},
+};

@@ -1,0 +1,63 @@
+#include "tools/PictureOptions.h"
+#include "host/Picture.h"
+#include <charconv>
+#include <fmt/core.h>
+
+namespace {
+
+constexpr int kLongestSide = 16384; // pixels
+constexpr int kMostThreads = 1024;
+
+std::string CheckSize(const std::string& size)
+{
+    int width = 0;
+    int height = 0;
+    if (ReadSize(size, width, height))
+        return "";
+    return fmt::format("\"{}\" is no size; a size is like 640x480, each side 1 to {}", size, kLongestSide);
+}
+
+std::string CheckPicture(const std::string& picture)
+{
+    try {
+        fernwick::Picture::RequireSavable(picture);
+    } catch (const fernwick::PictureError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+} // namespace
+
+bool ReadSize(const std::string& size, int& width, int& height)
+{
+    const char* const end = size.data() + size.size();
+    const auto [cross, widthFailure] = std::from_chars(size.data(), end, width);
+    if (widthFailure != std::errc() || cross == end || *cross != 'x')
+        return false;
+    const auto [rest, heightFailure] = std::from_chars(cross + 1, end, height);
+    const auto isSide = [](int side) { return side >= 1 && side <= kLongestSide; };
+    return heightFailure == std::errc() && rest == end && isSide(width) && isSide(height);
+}
+
+void AddPictureOption(CLI::App& command, std::string& picture)
+{
+    command
+        .add_option("-o,--picture", picture, "The picture: .png (8 bits, colours as sRGB) or .exr (floats)")
+        ->required()
+        ->type_name("FILE")
+        ->check(CheckPicture);
+}
+
+void AddPictureOptions(CLI::App& command, PictureOptions& options)
+{
+    AddPictureOption(command, options.file);
+    command.add_option("--size", options.size, "Width and height in pixels")
+        ->type_name("WxH")
+        ->check(CheckSize)
+        ->capture_default_str();
+    command
+        .add_option("--threads", options.threads, "Threads to shade with; the picture doesn't depend on it")
+        ->type_name("N")
+        ->check(CLI::Range(1, kMostThreads).description(""));
+}

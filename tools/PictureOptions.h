@@ -1,0 +1,18 @@
+#pragma once
+#include "tools/Commands.h"
+
+/// What the commands that make a picture share.
+struct PictureOptions {
+    std::string file;
+    std::string size = "512x512";
+    int threads = 0; ///< 0 for one a processor
+};
+
+/// Adds `-o`, the picture that a command writes; an ending that no picture has is bad usage.
+void AddPictureOption(CLI::App& command, std::string& picture);
+
+/// Adds `-o`, `--size` and `--threads`, checked as they are read.
+void AddPictureOptions(CLI::App& command, PictureOptions& options);
+
+/// Reads a size such as "640x480"; false for anything else.
+bool ReadSize(const std::string& size, int& width, int& height);

@@ -1,0 +1,85 @@
+#include "host/GraphDocument.h"
+#include "host/Library.h"
+#include "host/Render.h"
+#include "tools/Commands.h"
+#include "tools/Interrupt.h"
+#include "tools/LibraryOption.h"
+#include "tools/PictureOptions.h"
+#include "tools/ProgressBar.h"
+#include "tools/ReportSummary.h"
+#include <fmt/core.h>
+
+namespace {
+
+constexpr int kMostSamples = 4096;
+
+constexpr const char* kFooter =
+    R"(The scene of the graph says what there is: a file, shapes, lights and cameras, and which element gets which
+shader; elements without one get the output. Colours are shown as they are, or, on elements whose shading is "lit",
+under a lamp beside the camera. What lies behind a surface shows by its alpha.
+
+An .exr holds the picture and every channel of the surfaces as layers, such as second.R or normal.X.
+
+Examples:
+  fernwick render examples/spot-room.json -o room.png
+  fernwick render examples/spot-room.json --camera Side --size 640x480 --samples 16 -o room.exr)";
+
+struct RenderOptions {
+    std::string graph;
+    PictureOptions picture;
+    std::string camera;
+    int samples = 9;
+    std::string library;
+};
+
+void RunRender(const RenderOptions& options)
+{
+    fernwick::RenderJob job;
+    ReadSize(options.picture.size, job.width, job.height);
+    job.camera = options.camera;
+    job.samples = options.samples;
+    job.threads = options.picture.threads;
+    job.layers = fernwick::Picture::HoldsLayers(options.picture.file);
+    job.cancel = &WatchForInterrupt();
+    const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
+    if (document.Scene())
+        for (const std::string& notice : document.Scene()->fNotices)
+            fmt::print(stderr, "fernwick: {}\n", notice);
+    fernwick::Library library(FindLibrary(options.library));
+    ReportSummary reports(library.HostUtilities().Debug());
+    std::optional<fernwick::Picture> picture;
+    {
+        ProgressBar bar(options.graph);
+        job.onProgress = [&](double share) {
+            reports.Forget();
+            bar.Show(share);
+        };
+        picture = fernwick::Render(library, document, job);
+    }
+    if (!picture || *job.cancel)
+        throw Interrupted();
+    picture->Save(options.picture.file);
+}
+
+} // namespace
+
+void AddRenderCommand(CLI::App& app)
+{
+    const auto options = std::make_shared<RenderOptions>();
+    CLI::App& command = *app.add_subcommand("render", "Renders the scene of a graph into a picture.");
+    command.add_option("graph", options->graph, "The graph of shaders with a scene, a JSON file")
+        ->required()
+        ->type_name("FILE");
+    AddPictureOptions(command, options->picture);
+    command
+        .add_option("--camera", options->camera,
+            "The camera to render from (else the graph's, else the first of the scene)")
+        ->type_name("NAME");
+    command.add_option("--samples", options->samples, "Samples a pixel")
+        ->type_name("N")
+        ->check(CLI::Range(1, kMostSamples).description(""))
+        ->capture_default_str();
+    AddLibraryOption(command, options->library);
+    command.footer(kFooter);
+    command.callback([options] { RunRender(*options); });
+}
