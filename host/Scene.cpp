@@ -169,7 +169,7 @@ void Scene::GetRootGroup(IGroup** out)
 
 void Scene::GetTreeByName(ITreeElement** out, const TMCString& name)
 {
-    const auto found = fByName.find(std::string_view(name.GetText()));
+    const auto found = fByName.find(std::string_view(name.GetText(), name.GetLength()));
     SceneElement::Give(out, found != fByName.end() ? found->second : nullptr);
 }
 

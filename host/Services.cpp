@@ -1,15 +1,26 @@
 #include "host/Services.h"
 #include <cstdlib>
+#include <cstring>
 
 namespace fernwick {
 
 namespace {
 
-/// In front of each block: its size, in a room that keeps the block aligned for any fundamental type.
-union BlockHead {
-    uint32_t size;
-    std::max_align_t alignment;
+constexpr uint64_t kWall = 0x5AFE57A11D0C0DE5;
+
+/// In front of each block: its size and a wall, in a room that keeps the block aligned for any fundamental type.
+/// Another wall stands behind the block.
+struct alignas(std::max_align_t) BlockHead {
+    uint64_t size;
+    uint64_t wall = kWall;
 };
+
+bool IsWhole(const BlockHead& head)
+{
+    uint64_t behind;
+    std::memcpy(&behind, reinterpret_cast<const char*>(&head + 1) + head.size, sizeof behind);
+    return head.wall == kWall && behind == kWall;
+}
 
 /// The reports' wide texts are plain names.
 std::string Narrow(const char16_t* text)
@@ -29,13 +40,16 @@ void* MemoryService::Allocate(uint32_t size)
         return nullptr;
     if (fUntilRefusal > 0)
         --fUntilRefusal;
-    auto* const head = static_cast<BlockHead*>(std::malloc(sizeof(BlockHead) + size));
-    if (head == nullptr)
+    void* const memory = std::malloc(sizeof(BlockHead) + size + sizeof kWall);
+    if (memory == nullptr)
         return nullptr;
-    head->size = size;
+    auto* const head = new (memory) BlockHead{size};
+    char* const block = reinterpret_cast<char*>(head + 1);
+    std::memset(block, fFill, size);
+    std::memcpy(block + size, &kWall, sizeof kWall);
     ++fLiveBlocks;
     fLiveBytes += size;
-    return head + 1;
+    return block;
 }
 
 void MemoryService::Free(void* memory)
@@ -43,8 +57,10 @@ void MemoryService::Free(void* memory)
     if (memory == nullptr)
         return;
     BlockHead* const head = static_cast<BlockHead*>(memory) - 1;
+    if (!IsWhole(*head))
+        ++fDamagedBlocks;
     --fLiveBlocks;
-    fLiveBytes -= head->size;
+    fLiveBytes -= static_cast<int64_t>(head->size);
     std::free(head);
 }
 

@@ -16,7 +16,8 @@ struct Report {
     std::string message;
 };
 
-/// The memory service. It counts what is alive, so that a leak is a number, and can refuse.
+/// The memory service. It counts what is alive, so that a leak is a number, knows when somebody wrote beyond a
+/// block, and can refuse.
 class MemoryService final : public Component<IMemoryUtilities, IID_IMemoryUtilities> {
 public:
     void* AllocateObject(uint32_t size) override { return Allocate(size); }
@@ -28,6 +29,11 @@ public:
     int64_t LiveBytes() const { return fLiveBytes; }
     int64_t Allocations() const { return fAllocations; } ///< ever asked for, refused ones included
 
+    int64_t DamagedBlocks() const { return fDamagedBlocks; } ///< that were written beyond, seen when freed
+
+    /// The byte that new memory is full of. What an object leaves unset shows as a difference between two.
+    void FillWith(uint8_t byte) { fFill = byte; }
+
     /// Refuses every allocation after the next `count`; a negative number ends the refusing.
     void RefuseAfter(int64_t count) { fUntilRefusal = count; }
 
@@ -35,7 +41,9 @@ private:
     std::atomic<int64_t> fLiveBlocks{0};
     std::atomic<int64_t> fLiveBytes{0};
     std::atomic<int64_t> fAllocations{0};
+    std::atomic<int64_t> fDamagedBlocks{0};
     std::atomic<int64_t> fUntilRefusal{-1};
+    std::atomic<uint8_t> fFill{0xCD};
 
     void* Allocate(uint32_t size);
     void Free(void* memory);

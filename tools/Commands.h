@@ -25,3 +25,4 @@ void AddBakeCommand(CLI::App& app);
 void AddReferenceCommand(CLI::App& app);
 void AddPlotCommand(CLI::App& app);
 void AddRenderCommand(CLI::App& app);
+void AddValidateCommand(CLI::App& app);

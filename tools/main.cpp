@@ -15,6 +15,7 @@ int main(int argc, char** argv)
     AddReferenceCommand(app);
     AddPlotCommand(app);
     AddRenderCommand(app);
+    AddValidateCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

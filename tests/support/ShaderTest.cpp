@@ -26,5 +26,6 @@ ShaderTest::ShaderTest()
 ShaderTest::~ShaderTest()
 {
     EXPECT_EQ(TestedLibrary().HostUtilities().Memory().LiveBlocks(), fBlocksBefore);
+    EXPECT_EQ(TestedLibrary().HostUtilities().Memory().DamagedBlocks(), 0);
     EXPECT_FALSE(TestedLibrary().HasLiveComponents());
 }

@@ -1,0 +1,124 @@
+#include "host/validation/FuzzCase.h"
+#include "frame/TMCString.h"
+#include "host/validation/Sheet.h"
+#include <cstring>
+
+namespace fernwick::validation {
+
+namespace {
+
+template <class Value> void Append(std::vector<char>& bytes, const Value& value)
+{
+    const auto* const start = reinterpret_cast<const char*>(&value);
+    bytes.insert(bytes.end(), start, start + sizeof value);
+}
+
+std::vector<char> RandomBytes(Random& random, size_t count)
+{
+    std::vector<char> bytes;
+    for (size_t i = 0; i < count; ++i)
+        bytes.push_back(static_cast<char>(random.Bits()));
+    return bytes;
+}
+
+std::vector<char> RandomFloats(Random& random, size_t size)
+{
+    std::vector<char> bytes;
+    while (bytes.size() < size)
+        Append(bytes, random.Float());
+    return bytes;
+}
+
+/// Everything of a string but its table of operations: counts that may be wrong, and a text that may have no end.
+std::vector<char> RandomString(Random& random)
+{
+    constexpr size_t kHead = sizeof(void*);
+    if (random.OneIn(3))
+        return RandomBytes(random, sizeof(TMCString255) - kHead);
+    constexpr const char* kTexts[] = {"Light", "Rendering Camera", "L", "", " ", "\xFF\xC0\x80"};
+    const TMCString255 text(kTexts[random.Below(std::size(kTexts))]);
+    const auto* const start = reinterpret_cast<const char*>(&text);
+    return {start + kHead, start + sizeof text};
+}
+
+std::vector<char> RandomInteger(Random& random, const Field& field)
+{
+    std::vector<char> bytes;
+    const auto choices = static_cast<uint32_t>(field.fChoices.size());
+    if (choices != 0 && !random.OneIn(3))
+        Append(bytes, field.fChoices[random.Below(choices)].fValue);
+    else
+        Append(bytes, random.Integer());
+    return bytes;
+}
+
+std::vector<char> RandomValue(Random& random, const Field& field)
+{
+    switch (field.fType) {
+    case FieldType::kInt32:
+    case FieldType::kCode:
+        return RandomInteger(random, field);
+    case FieldType::kBool:
+        return random.OneIn(4) ? RandomBytes(random, 1) : std::vector<char>{random.OneIn(2) ? '\1' : '\0'};
+    case FieldType::kString:
+        return RandomString(random);
+    default:
+        return RandomFloats(random, LayoutOf(field.fType).fSize);
+    }
+}
+
+MCCountedPtr<ProbeShader> RandomShader(Random& random)
+{
+    if (random.OneIn(4))
+        return {};
+    const auto kinds = static_cast<uint32_t>(random.OneIn(8) ? random.Bits() : 2u << random.Below(4));
+    return MakeCounted<ProbeShader>(kinds, static_cast<uint32_t>(random.Bits()));
+}
+
+Hospitality RandomHospitality(Random& random)
+{
+    return random.OneIn(8) ? Hospitality::kGivesNull
+        : random.OneIn(8)  ? Hospitality::kLeavesUntouched
+                           : Hospitality::kGives;
+}
+
+} // namespace
+
+FuzzCase::FuzzCase(const ParameterTable& table, uint64_t seed)
+    : fRandom(seed), fScene(RandomHospitality(fRandom), fRandom), fHasScene(!fRandom.OneIn(8))
+{
+    const bool everything
+        = fRandom.OneIn(2); // else most fields keep their defaults, so that deep branches are met
+    for (const Field& field : table.fFields) {
+        if (field.fType == FieldType::kShader) {
+            fPlugs.push_back({&field, RandomShader(fRandom)});
+            continue;
+        }
+        if (!everything && !fRandom.OneIn(4))
+            continue;
+        std::vector<char> bytes = RandomValue(fRandom, field);
+        const size_t head = LayoutOf(field.fType).fSize - bytes.size();
+        fFills.push_back({&field, field.fOffset + head, std::move(bytes)});
+    }
+}
+
+void FuzzCase::Apply(const Specimen& object, const std::vector<bool>& kept) const
+{
+    for (size_t i = 0; i < fFills.size(); ++i)
+        if (kept[i])
+            std::memcpy(object.Record() + fFills[i].offset, fFills[i].bytes.data(), fFills[i].bytes.size());
+    for (const Plug& plug : fPlugs)
+        object.Slot(*plug.slot) = plug.shader.Get();
+}
+
+ShadingIn FuzzCase::NextSample() { return RandomSample(fRandom, fHasScene ? fScene.Instance() : nullptr); }
+
+bool FuzzCase::IsLetGo()
+{
+    bool letGo = fScene.IsLetGo();
+    for (const Plug& plug : fPlugs)
+        letGo = letGo && (!plug.shader || ReferencesOf(*plug.shader) == 1);
+    return letGo;
+}
+
+} // namespace fernwick::validation

@@ -1,0 +1,44 @@
+#pragma once
+#include "host/validation/Probes.h"
+#include "host/validation/Specimen.h"
+
+namespace fernwick::validation {
+
+/// A random record of a class with what is plugged into it and the scene that its samples lie in. All follows from
+/// the seed.
+class FuzzCase {
+public:
+    FuzzCase(const ParameterTable& table, uint64_t seed);
+
+    /// The record's fields without slots, in its order.
+    size_t FieldCount() const { return fFills.size(); }
+    const Field& FieldAt(size_t index) const { return *fFills[index].field; }
+
+    /// Writes the fields for which `kept` is true and plugs the slots. The others keep what they hold.
+    void Apply(const Specimen& object, const std::vector<bool>& kept) const;
+    void Apply(const Specimen& object) const { Apply(object, std::vector<bool>(FieldCount(), true)); }
+
+    /// The next sample in the case's scene.
+    ShadingIn NextSample();
+    /// True when nobody but the case holds its shaders and its scene.
+    bool IsLetGo();
+
+private:
+    struct Fill {
+        const Field* field;
+        size_t offset; ///< in the record; a string's table of operations isn't data
+        std::vector<char> bytes;
+    };
+    struct Plug {
+        const Field* slot;
+        MCCountedPtr<ProbeShader> shader; ///< null for an empty slot
+    };
+
+    Random fRandom;
+    std::vector<Fill> fFills;
+    std::vector<Plug> fPlugs;
+    ProbeScene fScene;
+    bool fHasScene;
+};
+
+} // namespace fernwick::validation

@@ -1,0 +1,75 @@
+#pragma once
+#include "frame/I3DExShader.h"
+#include "host/validation/Random.h"
+#include <array>
+#include <cstring>
+#include <string>
+
+namespace fernwick::validation {
+
+/// A record between two walls that nobody may write to.
+template <class Record> struct Walled {
+    Walled()
+    {
+        fBefore.fill(kBrick);
+        fAfter.fill(kBrick);
+    }
+
+    bool IsWhole() const
+    {
+        const auto isWhole = [](const Wall& wall) {
+            for (const uint8_t brick : wall)
+                if (brick != kBrick)
+                    return false;
+            return true;
+        };
+        return isWhole(fBefore) && isWhole(fAfter);
+    }
+
+private:
+    using Wall = std::array<uint8_t, 64>;
+    static constexpr uint8_t kBrick = 0xB7;
+
+    Wall fBefore;
+
+public:
+    Record fRecord{};
+
+private:
+    Wall fAfter;
+};
+
+/// All four shading operations of an object on one sample, each on a copy, with everything that they may write.
+class Sheet {
+public:
+    enum Operation { kValue, kColor, kVector, kSurface, kOperationCount };
+    static const char* NameOf(Operation operation);
+
+    explicit Sheet(const ShadingIn& sample, bool fullArea = false);
+
+    void Ask(I3DExShader& shader);
+
+    /// What was written that isn't the shader's to write; empty for nothing.
+    std::string WildWrite() const;
+    /// The first operation whose answers differ to the bit; null for none.
+    const char* DifferenceFrom(const Sheet& other) const;
+
+    ShadingIn fSample;
+    Walled<ShadingIn> fIn[kOperationCount];
+    Walled<float> fValue;
+    Walled<bool> fValueFullArea;
+    Walled<TMCColorRGBA> fColor;
+    Walled<bool> fColorFullArea;
+    Walled<TVector3> fVector;
+    Walled<ShadingOut> fResult;
+    float fCoverage[3] = {};
+    int32_t fProduced = 0;
+};
+
+/// True when two results are equal to the bit; padding doesn't count.
+bool SameResult(const ShadingOut& left, const ShadingOut& right);
+
+/// @param instance  not counted
+ShadingIn RandomSample(Random& random, IMCUnknown* instance);
+
+} // namespace fernwick::validation

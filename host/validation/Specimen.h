@@ -1,0 +1,52 @@
+#pragma once
+#include "frame/I3DExShader.h"
+#include "frame/IExDataExchanger.h"
+#include "frame/SubShader.h"
+#include "host/Library.h"
+#include "host/ParameterTable.h"
+
+namespace fernwick::validation {
+
+/// An object of the library, held as by a host without wrappers.
+class Specimen {
+public:
+    /// Throws `LibraryError` when the object isn't made.
+    Specimen(const Library& library, const ParameterTable& table) : Specimen(library, table.fClassIDs.front())
+    { }
+    Specimen(const Library& library, const GUID& classID);
+
+    I3DExShader& Shader() const { return *fShader; }
+    IExDataExchanger& Exchanger() const { return *fExchanger; }
+    char* Record() const { return static_cast<char*>(fExchanger->GetExtensionDataBuffer()); }
+    SubShaderSlot& Slot(const Field& field) const
+    {
+        return *reinterpret_cast<SubShaderSlot*>(Record() + field.fOffset);
+    }
+    MCErr Changed() const { return fExchanger->ExtensionDataChanged(); }
+
+private:
+    MCCountedPtr<I3DExShader> fShader;
+    MCCountedPtr<IExDataExchanger> fExchanger;
+};
+
+/// The slots of a class.
+std::vector<const Field*> SlotsOf(const ParameterTable& table);
+
+/// The first field in which two records of the class differ, with both values; empty for none. Slots don't count.
+std::string DifferenceOf(const ParameterTable& table, const void* left, const void* right);
+
+/// What the check loads: the library with the host's own services.
+struct Subject {
+    explicit Subject(const std::filesystem::path& path) : library(path, utilities) { }
+
+    MCCountedPtr<Utilities> utilities = MakeCounted<Utilities>();
+    Library library;
+
+    MemoryService& Memory() const { return utilities->Memory(); }
+    /// Makes an object in memory that is full of `byte`.
+    Specimen MakeIn(uint8_t byte, const GUID& classID) const;
+    /// What is left in the library's hands; empty for nothing.
+    std::string Remains() const;
+};
+
+} // namespace fernwick::validation

@@ -1,0 +1,45 @@
+#pragma once
+#include "host/ParameterTable.h"
+#include <chrono>
+#include <filesystem>
+#include <span>
+
+namespace fernwick::validation {
+
+/// What is validated, and how hard.
+struct Job {
+    std::filesystem::path library;
+    uint64_t seed = 1;                          ///< start of all random numbers
+    int records = 2000;                         ///< random parameter records a class
+    std::chrono::milliseconds timeLimit{60000}; ///< of one check on one class
+    const ParameterTable* onlyClass = nullptr;  ///< null for all with a route
+};
+
+/// One fault.
+struct Finding {
+    std::string className; ///< empty for a fault of the module
+    std::string field;     ///< of the class's record, several with commas; empty when no parameter matters
+    std::string value;     ///< of the fields, in the notation of documents
+    std::string what;
+    uint64_t seed;      ///< with which it shows
+    std::string replay; ///< the command that shows it again
+};
+
+class Inspection;
+
+/// One thing that is looked at. It has one of the two functions.
+struct Check {
+    std::string_view name;
+    std::string_view protects; ///< what would go wrong for a host or its users
+    void (*onModule)(Inspection&);
+    void (*onClass)(Inspection&, const ParameterTable&);
+};
+
+/// All checks, in the order in which they run.
+std::span<const Check> AllChecks();
+
+/// Runs one check: in a process of its own for the module, or one for each class. A crash and an overrun of the
+/// time limit are findings.
+std::vector<Finding> Run(const Check& check, const Job& job);
+
+} // namespace fernwick::validation

@@ -1,0 +1,149 @@
+#include "host/validation/Validation.h"
+#include "tools/Commands.h"
+#include "tools/LibraryOption.h"
+#include <fmt/core.h>
+#include <nlohmann/json.hpp>
+#include <regex>
+
+namespace {
+
+using fernwick::validation::Check;
+using fernwick::validation::Finding;
+
+constexpr const char* kFooter =
+    R"(Each check runs in a process of its own, those of the classes once a class, so that a crash or a hang is a
+finding and not the end. A finding tells the seed, and the command that shows it again. Exit status 1: there are
+findings.
+
+Examples:
+  fernwick validate build/release/Fernwick_shaders.so
+  fernwick validate Fernwick_shaders.so --only 'fuzz|leaks' --class Fresnel --seed 7 --records 20000
+  fernwick validate --list)";
+
+struct ValidateOptions {
+    std::string library;
+    bool list = false;
+    std::string only;
+    std::string className;
+    bool json = false;
+    uint64_t seed = 1;
+    int records = 2000;
+    double timeLimit = 60;
+};
+
+struct Result {
+    const Check* check;
+    std::vector<Finding> findings;
+};
+
+std::vector<const Check*> ChosenChecks(const std::string& only)
+{
+    std::vector<const Check*> chosen;
+    try {
+        const std::regex pattern(only);
+        for (const Check& check : fernwick::validation::AllChecks())
+            if (std::regex_search(check.name.begin(), check.name.end(), pattern))
+                chosen.push_back(&check);
+    } catch (const std::regex_error&) {
+        throw UsageError(fmt::format("--only \"{}\" is no regular expression", only));
+    }
+    if (chosen.empty())
+        throw UsageError(fmt::format("no check is called \"{}\"; --list names them", only));
+    return chosen;
+}
+
+fernwick::validation::Job JobOf(const ValidateOptions& options)
+{
+    fernwick::validation::Job job;
+    job.library = std::filesystem::absolute(FindLibrary(options.library));
+    job.seed = options.seed;
+    job.records = options.records;
+    job.timeLimit = std::chrono::milliseconds(static_cast<int64_t>(options.timeLimit * 1000));
+    if (!options.className.empty()) {
+        job.onlyClass = fernwick::FindClass(options.className);
+        if (job.onlyClass == nullptr || job.onlyClass->fClassIDs.empty())
+            throw UsageError(fmt::format(
+                "no class with a route is called \"{}\"; `fernwick list` names them", options.className));
+    }
+    return job;
+}
+
+void Print(const Result& result)
+{
+    fmt::print("{:<8}{}\n", result.findings.empty() ? "ok" : "FAILED", result.check->name);
+    if (!result.findings.empty())
+        fmt::print("  protects  {}\n", result.check->protects);
+    for (const Finding& finding : result.findings) {
+        fmt::print("  {}{}{}\n", finding.className, finding.className.empty() ? "" : ": ", finding.what);
+        if (!finding.field.empty())
+            fmt::print("    field   {}\n    value   {}\n", finding.field, finding.value);
+        fmt::print("    seed    {}\n    replay  {}\n", finding.seed, finding.replay);
+    }
+    std::fflush(stdout);
+}
+
+nlohmann::ordered_json JsonOf(const Result& result)
+{
+    auto findings = nlohmann::ordered_json::array();
+    for (const Finding& finding : result.findings)
+        findings.push_back({{"class", finding.className}, {"what", finding.what}, {"field", finding.field},
+            {"value", finding.value}, {"seed", finding.seed}, {"replay", finding.replay}});
+    return {{"check", result.check->name}, {"protects", result.check->protects},
+        {"passed", result.findings.empty()}, {"findings", findings}};
+}
+
+void RunValidate(const ValidateOptions& options)
+{
+    const std::vector<const Check*> checks = ChosenChecks(options.only);
+    if (options.list) {
+        for (const Check* const check : checks)
+            fmt::print("{:<18}  {}\n", check->name, check->protects);
+        return;
+    }
+    const fernwick::validation::Job job = JobOf(options);
+    auto results = nlohmann::ordered_json::array();
+    size_t faults = 0;
+    for (const Check* const check : checks) {
+        const Result result{check, Run(*check, job)};
+        faults += result.findings.size();
+        if (options.json)
+            results.push_back(JsonOf(result));
+        else
+            Print(result);
+    }
+    if (options.json)
+        fmt::print("{}\n",
+            nlohmann::ordered_json{{"library", job.library.string()}, {"seed", job.seed},
+                {"passed", faults == 0}, {"checks", results}}
+                .dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+    if (faults != 0)
+        throw std::runtime_error(fmt::format("{}: findings: {}", job.library.string(), faults));
+}
+
+} // namespace
+
+void AddValidateCommand(CLI::App& app)
+{
+    const auto options = std::make_shared<ValidateOptions>();
+    CLI::App& command = *app.add_subcommand("validate", "Looks for faults in a build of the library.");
+    command
+        .add_option("library", options->library, "The library (else FERNWICK_LIBRARY, else near the command)")
+        ->type_name("LIBRARY");
+    command.add_flag("--list", options->list, "Names the checks and what each protects, and runs none");
+    command.add_option("--only", options->only, "Runs the checks whose names match")->type_name("REGEX");
+    command.add_option("--class", options->className, "Checks one class")->type_name("CLASS");
+    command.add_flag("--json", options->json, "Prints JSON");
+    command.add_option("--seed", options->seed, "Start of the random numbers")
+        ->type_name("N")
+        ->capture_default_str();
+    command.add_option("--records", options->records, "Random records a class")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1'000'000'000).description(""))
+        ->capture_default_str();
+    command.add_option("--time-limit", options->timeLimit, "Of one check on one class, in seconds")
+        ->type_name("S")
+        ->check(CLI::Range(0.1, 86400.0).description(""))
+        ->capture_default_str();
+    command.footer(kFooter);
+    command.callback([options] { RunValidate(*options); });
+}
