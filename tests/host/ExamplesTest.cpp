@@ -33,6 +33,7 @@ class ExamplesTest : public ShaderTest { };
 
 TEST_F(ExamplesTest, EveryGraphMakesAPicture)
 {
+    TestedLibrary().Unrouted(); // opened now, since its start reports the services that the host withholds
     int graphs = 0;
     for (const auto& entry : std::filesystem::directory_iterator(kExamples)) {
         if (entry.path().extension() != ".json")
@@ -47,8 +48,10 @@ TEST_F(ExamplesTest, EveryGraphMakesAPicture)
                 {.width = 19,
                     .height = 19,
                     .channel = isVector ? BakeChannel::kNormal : BakeChannel::kColor});
-        const bool isComplete = TakeReports().empty();
-        EXPECT_TRUE(isComplete || !document.Scene()) << "the scene lacks something that the graph names";
+        const std::vector<std::string> reports = TakeReports();
+        const bool isComplete = reports.empty();
+        EXPECT_TRUE(isComplete || !document.Scene())
+            << "reports: " << testing::PrintToString(reports).substr(0, 200);
         EXPECT_TRUE(!isComplete || !SameBytes(*picture)) << "the picture is one flat colour";
         ++graphs;
     }
