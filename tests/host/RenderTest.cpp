@@ -22,8 +22,9 @@ std::string Elements(const std::string& elements) { return "\"elements\": [" + e
 /// The channels of a picture file by name.
 std::map<std::string, std::vector<float>> ReadChannels(const std::filesystem::path& file)
 {
-    const auto input = OIIO::ImageInput::open(file.string());
-    const OIIO::ImageSpec& layout = input->spec();
+    OIIO::ImageSpec layout;
+    const auto input = OIIO::ImageInput::create(file.string());
+    EXPECT_TRUE(input->open(file.string(), layout));
     std::map<std::string, std::vector<float>> channels;
     for (int i = 0; i < layout.nchannels; ++i) {
         std::vector<float>& values = channels[layout.channelnames[static_cast<size_t>(i)]];
