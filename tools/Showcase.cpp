@@ -38,10 +38,11 @@ const Exhibit* Showcase::Find(const std::string& className) const
     const Exhibit* best = nullptr;
     int bestRank = 0;
     for (const Exhibit& exhibit : fExhibits) {
-        if (std::find(exhibit.fClasses.begin(), exhibit.fClasses.end(), className) == exhibit.fClasses.end())
+        if (!exhibit.fClasses.contains(className))
             continue;
         const int rank = 1 + (exhibit.fPicture.empty() ? 0 : 2) + (exhibit.fOutput == className ? 1 : 0);
-        if (rank > bestRank) {
+        const bool isSimpler = rank == bestRank && exhibit.fClasses.size() < best->fClasses.size();
+        if (rank > bestRank || isSimpler) {
             best = &exhibit;
             bestRank = rank;
         }
@@ -81,7 +82,7 @@ try {
     const auto document = fernwick::GraphDocument::Read(graph);
     Exhibit exhibit{picture, arguments, graph, document.Output().fTable->fName, {}};
     for (const fernwick::DocumentShader& shader : document.Shaders())
-        exhibit.fClasses.push_back(shader.fTable->fName);
+        exhibit.fClasses.insert(shader.fTable->fName);
     fExhibits.push_back(exhibit);
 } catch (const fernwick::GraphError&) {
     // A file that is no graph of shaders shows nothing.

@@ -1,5 +1,6 @@
 #pragma once
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -8,8 +9,8 @@ struct Exhibit {
     std::string fPicture;   ///< file in the gallery; empty for a graph without a picture there
     std::string fArguments; ///< of the command
     std::filesystem::path fGraph;
-    std::string fOutput;               ///< class of the output
-    std::vector<std::string> fClasses; ///< all of them
+    std::string fOutput;            ///< class of the output
+    std::set<std::string> fClasses; ///< all of them, the host's sources too
 };
 
 /// What `docs/gallery/*.list` and `examples/*.json` show, below a folder. A line of a list is the name of a picture
@@ -18,8 +19,8 @@ class Showcase {
 public:
     explicit Showcase(const std::filesystem::path& root);
 
-    /// The graph that shows a class best: with a picture rather than without, as the output rather than plugged in.
-    /// Null when none uses the class.
+    /// The graph that shows a class best: with a picture rather than without, as the output rather than plugged in,
+    /// with few classes rather than many. Null when none uses the class.
     const Exhibit* Find(const std::string& className) const;
 
 private:
