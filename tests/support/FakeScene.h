@@ -1,9 +1,10 @@
 #pragma once
+#include "frame/Numbers.h"
 #include "frame/SceneServices.h"
 #include "host/Component.h"
 #include <functional>
-#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 class FakeScene;
@@ -34,16 +35,16 @@ public:
     bool fIsInstance = false;
     std::function<bool(RayHitParams&)> fOnRay;
 
-    int fNameCalls = 0;
-
     MCErr QueryInterface(const GUID& id, void** out) override
     {
         *out = nullptr;
         if (SameGuid(id, IID_ILight) && fIsLight)
-            *out = static_cast<ILight*>(this);
+            *out = Noted("ILight", static_cast<ILight*>(this));
         else if (SameGuid(id, IID_IInstance) && fIsInstance)
-            *out = static_cast<IInstance*>(this);
-        else if (SameGuid(id, IID_IMCUnknown) || (SameGuid(id, IID_ITreeElement) && fIsElement))
+            *out = Noted("IInstance", static_cast<IInstance*>(this));
+        else if (SameGuid(id, IID_ITreeElement) && fIsElement)
+            *out = Noted("ITreeElement", static_cast<ITreeElement*>(this));
+        else if (SameGuid(id, IID_IMCUnknown))
             *out = static_cast<ITreeElement*>(this);
         else
             return kMCNoInterface;
@@ -54,12 +55,11 @@ public:
     uint32_t Release() override { return Component::Release(); }
 
     void GetScene(IScene** out) override;
-    void GetName(TMCString& name) override
+    void GetName(TMCString& name) override { name = *Noted("GetName", &fName); }
+    void GetFirstChild(ITreeElement** out) override
     {
-        ++fNameCalls;
-        name = fName;
+        Give(out, Noted("GetFirstChild", fChildren.empty() ? nullptr : fChildren[0]));
     }
-    void GetFirstChild(ITreeElement** out) override { Give(out, fChildren.empty() ? nullptr : fChildren[0]); }
     void GetNextSibling(ITreeElement** out) override
     {
         FakeElement* next = nullptr;
@@ -67,25 +67,40 @@ public:
             for (size_t i = 0; i + 1 < fParent->fChildren.size(); ++i)
                 if (fParent->fChildren[i] == this)
                     next = fParent->fChildren[i + 1];
-        Give(out, next);
+        Give(out, Noted("GetNextSibling", next));
     }
-    void GetParent(ITreeElement** out) override { Give(out, fParent); }
-    void GetHotPoint(TVector3& hotPoint) override { hotPoint = fHotPoint; }
-    void GetBoundingBox(TBBox3D& box, int32_t, bool) override { box = fBox; }
-    void GetNameScratch(TMCString& text) override { text = "scratch"; }
-    void GetGlobalTransform(TTransform3D& transform) override { transform = fTransform; }
-    void GetTreeTransform(TTreeTransform& transform) override { transform = fTreeTransform; }
+    void GetParent(ITreeElement** out) override { Give(out, Noted("GetParent", fParent)); }
+    void GetHotPoint(TVector3& hotPoint) override { hotPoint = *Noted("GetHotPoint", &fHotPoint); }
+    void GetBoundingBox(TBBox3D& box, int32_t mode, bool flag) override
+    {
+        box = *Noted(mode == 2 && flag ? "GetBoundingBox(2, true)" : "GetBoundingBox", &fBox);
+    }
+    void GetNameScratch(TMCString& text) override { text = Noted("GetNameScratch", "scratch"); }
+    void GetGlobalTransform(TTransform3D& transform) override
+    {
+        transform = *Noted("GetGlobalTransform", &fTransform);
+    }
+    void GetTreeTransform(TTreeTransform& transform) override
+    {
+        transform = *Noted("GetTreeTransform", &fTreeTransform);
+    }
 
-    void GetLightTransform(TTransform3D& transform) override { transform = fLightTransform; }
-    void GetLightParameter(int32_t, float& value) override { value = fBrightness; }
+    void GetLightTransform(TTransform3D& transform) override
+    {
+        transform = *Noted("GetLightTransform", &fLightTransform);
+    }
+    void GetLightParameter(int32_t parameter, float& value) override
+    {
+        value = *Noted(parameter == Code("brit") ? "brit" : "GetLightParameter", &fBrightness);
+    }
     void GetDirection(const TVector3& point, TVector3& direction, float& distance) override
     {
-        direction = fLightTransform.fTranslation - point;
+        direction = Noted("GetDirection", &fLightTransform)->fTranslation - point;
         distance = static_cast<float>(Length(direction));
     }
-    void GetLightState(LightState& state) override { state = fLightState; }
+    void GetLightState(LightState& state) override { state = *Noted("GetLightState", &fLightState); }
 
-    bool CastRay(RayHitParams& params) override { return fOnRay && fOnRay(params); }
+    bool CastRay(RayHitParams& params) override { return *Noted("CastRay", &fOnRay) && fOnRay(params); }
 
     static void Give(ITreeElement** out, FakeElement* element)
     {
@@ -93,6 +108,10 @@ public:
             element->AddRef();
         *out = element;
     }
+
+private:
+    /// Notes a call in the scene and gives its answer.
+    template <class Answer> Answer Noted(const char* call, Answer answer) const;
 };
 
 /// A test's scene: a root named "Root" and what the test adds below it.
@@ -117,12 +136,14 @@ public:
     std::string fCameraName = "Camera";
     bool fHasRenderingModule = true;
     bool fHasRoot = true;
-    int fLookups = 0;
+    std::string fCalls; ///< of the scene and its elements, in order
+
+    std::string TakeCalls() { return std::exchange(fCalls, ""); }
 
     void GetRootGroup(IGroup** out) override;
     void GetTreeByName(ITreeElement** out, const TMCString& name) override
     {
-        ++fLookups;
+        fCalls += std::string("GetTreeByName(") + name.GetText() + ") ";
         *out = nullptr;
         for (const auto& element : fElements)
             if (*out == nullptr && name == std::string_view(element->fName))
@@ -155,14 +176,25 @@ private:
     std::string fCamera;
 };
 
+template <class Answer> Answer FakeElement::Noted(const char* call, Answer answer) const
+{
+    if (fScene != nullptr)
+        fScene->fCalls += fName + '.' + call + ' ';
+    return answer;
+}
+
 inline void FakeElement::GetScene(IScene** out)
 {
     if (fScene != nullptr)
         fScene->AddRef();
-    *out = fScene;
+    *out = Noted("GetScene", fScene);
 }
 
-inline void FakeScene::GetRootGroup(IGroup** out) { *out = fHasRoot ? new FakeGroup(*fRoot) : nullptr; }
+inline void FakeScene::GetRootGroup(IGroup** out)
+{
+    fCalls += "GetRootGroup ";
+    *out = fHasRoot ? new FakeGroup(*fRoot) : nullptr;
+}
 
 inline void FakeScene::GetRenderingModule(IRenderingModule** out)
 {

@@ -55,6 +55,16 @@ TEST_F(LitTest, WithoutALightTheAmountIsZeroAndEachMissIsReported)
     }
 }
 
+TEST_F(LitTest, AsksTheHostInOrder)
+{
+    Value();
+    EXPECT_EQ(fScene.TakeCalls(),
+        "Shaded.ITreeElement Shaded.GetScene GetTreeByName(Lamp) Shaded.GetGlobalTransform "
+        "Shaded.GetHotPoint "
+        "Shaded.GetTreeTransform Lamp.ILight Lamp.GetLightTransform Lamp.GetDirection Lamp.GetLightState "
+        "Lamp.brit ");
+}
+
 TEST_F(LitTest, TheRampIsNotClampedAndTheLowerBoundIsTestedOnlyOnDemand)
 {
     fRecord.fAngleRange = {20, 160};

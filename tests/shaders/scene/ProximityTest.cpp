@@ -80,6 +80,22 @@ TEST_F(ProximityTest, AMissingTargetTouchesAndAnEmptyGroupIsFarAway)
     EXPECT_EQ(TakeReports(), Reports{"scene"});
 }
 
+TEST_F(ProximityTest, AsksTheHostInOrder)
+{
+    const std::string shaded = "Shaded.ITreeElement Shaded.GetScene Shaded.GetGlobalTransform "
+                               "Shaded.GetNameScratch Shaded.GetHotPoint Shaded.GetTreeTransform "
+                               "Shaded.GetParent ";
+    Value();
+    EXPECT_EQ(fScene.TakeCalls(), shaded + "GetTreeByName(Target) Target.GetGlobalTransform ");
+    fRecord.fSingleObject = false;
+    Value();
+    EXPECT_EQ(fScene.TakeCalls(),
+        shaded
+            + "GetRootGroup Root.ITreeElement Root.GetName Root.GetFirstChild Shaded.GetName "
+              "Shaded.GetFirstChild Shaded.GetNextSibling Target.GetName Target.GetGlobalTransform "
+              "Target.GetFirstChild Target.GetNextSibling Target.GetParent ");
+}
+
 TEST_F(ProximityTest, AGroupIsEveryNameThatBeginsWithTheText)
 {
     AddAt(fScene, "target", {0, 0, 1});

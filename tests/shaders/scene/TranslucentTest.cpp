@@ -78,6 +78,15 @@ TEST_F(TranslucentTest, MissingPartsCountAsAngleZeroAndAreReported)
     }
 }
 
+TEST_F(TranslucentTest, AsksTheHostInOrder)
+{
+    Level();
+    EXPECT_EQ(fScene.TakeCalls(),
+        "Shaded.ITreeElement Shaded.GetScene GetTreeByName(Light) Shaded.GetGlobalTransform "
+        "Shaded.GetHotPoint Shaded.GetTreeTransform Light.GetGlobalTransform GetTreeByName(Eye) "
+        "Eye.GetGlobalTransform ");
+}
+
 TEST_F(TranslucentTest, SeesBothFromTheReferencePoint)
 {
     fRecord.fAngleRange = {0, 4};

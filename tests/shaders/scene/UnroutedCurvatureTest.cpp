@@ -84,6 +84,15 @@ TEST_F(CurvatureTest, ShowsTheGaussianCurvatureInsteadOfTheBands)
     EXPECT_EQ(TakeReports(), Reports{});
 }
 
+TEST_F(CurvatureTest, AsksTheHostInOrder)
+{
+    Color();
+    EXPECT_EQ(fScene.TakeCalls(),
+        "Shaded.ITreeElement Shaded.GetScene GetTreeByName(Shaded) Shaded.GetGlobalTransform "
+        "GetTreeByName(Surface) Surface.IInstance Surface.GetTreeTransform Surface.GetBoundingBox(2, true) "
+        "Surface.GetGlobalTransform Surface.CastRay ");
+}
+
 TEST_F(CurvatureTest, FinishesAHitBeforeItIsMeasured)
 {
     fFound.fHitDistance = 1;
