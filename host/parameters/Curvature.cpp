@@ -4,8 +4,8 @@
 fernwick::ParameterTable CurvatureTable()
 {
     return {"Curvature", {}, kOutputColor, sizeof(CurvatureParams),
-        "The Gaussian curvature of a named surface: red outside, blue in saddles, green where nothing is "
-        "hit.",
+        "The Gaussian curvature of a named surface: red on domes and in bowls, blue in saddles, green where "
+        "nothing is hit.",
         {
             FIELD(
                 CurvatureParams, fObjectName, "Object", "An element that is looked up; nothing comes of it."),
