@@ -288,6 +288,14 @@ TEST_F(UnitTypesTest, ABadIndexRaisesAReportAndGivesTheLastElement)
     EXPECT_THAT(TakeReports(), ElementsAre("elemNum<2", "elemNum<3", "elemNum<4"));
 }
 
+TEST_F(UnitTypesTest, TheAngleOfParallelVectorsIsANumber)
+{
+    const TVector3 skew(1, 1, 1); // its quotients are rounded past 1 and -1
+    EXPECT_EQ(AngleBetween(skew, skew), 0);
+    EXPECT_FLOAT_EQ(AngleBetween(skew, -skew), 3.14159265f);
+    EXPECT_TRUE(std::isnan(AngleBetween(skew, TVector3::kZero)));
+}
+
 TEST_F(UnitTypesTest, NumbersAreCutTowardZeroAndStrayOnesGiveTheLowest)
 {
     EXPECT_EQ(CutToInt32(2.99), 2);
