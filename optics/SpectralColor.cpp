@@ -27,20 +27,21 @@ constexpr size_t CountSteps()
     return count;
 }
 
-/// `PowerOf6500` of each step, computed once in the life of the library.
-const std::array<double, CountSteps()>& PowersOfSteps()
+using StepPowers = std::array<double, CountSteps()>;
+
+StepPowers ComputePowersOfSteps()
 {
-    static const auto powers = [] {
-        std::array<double, CountSteps()> table;
-        float lambda = kFirstLambda;
-        for (double& power : table) {
-            power = PowerOf6500(lambda);
-            lambda = NextLambda(lambda);
-        }
-        return table;
-    }();
+    StepPowers powers;
+    float lambda = kFirstLambda;
+    for (double& power : powers) {
+        power = PowerOf6500(lambda);
+        lambda = NextLambda(lambda);
+    }
     return powers;
 }
+
+/// `PowerOf6500` of each step, computed when the library is loaded: made at its first use it would take a lock.
+const StepPowers kPowersOfSteps = ComputePowersOfSteps();
 
 /// The place of a wavelength in the spectral tables.
 class TablePlace {
@@ -145,7 +146,7 @@ ColorSystem SystemWithIlluminant(const ColorSystem& base, const Illuminant& illu
     const Spectrum spectrum(illuminant);
     Float3 sum = {0, 0, 0};
     float lambda = kFirstLambda;
-    for (const double power6500 : PowersOfSteps()) {
+    for (const double power6500 : kPowersOfSteps) {
         sum = sum + spectrum.XYZ(lambda, power6500);
         lambda = NextLambda(lambda);
     }
