@@ -10,7 +10,8 @@ void FindShadedTree(const ShadingIn& in, MCCountedPtr<ITreeElement>& tree, MCCou
         MC_REPORT("shadingIn.fInstance");
         return;
     }
-    if (Query(*in.fInstance, IID_ITreeElement, tree) == MC_S_OK)
+    Query(*in.fInstance, IID_ITreeElement, tree);
+    if (tree)
         tree->GetScene(scene.Address());
 }
 

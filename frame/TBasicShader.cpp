@@ -22,10 +22,9 @@ int32_t TBasicShader::SameParameters(I3DExShader* other)
         return false;
     MCCountedPtr<IShellDataComponent> component;
     MCCountedPtr<IShellDataComponent> otherComponent;
-    if (Query(*static_cast<I3DExShader*>(this), IID_IShellDataComponent, component) != MC_S_OK
-        || Query(*other, IID_IShellDataComponent, otherComponent) != MC_S_OK)
-        return false;
-    return component->IsEqualToComponent(otherComponent.Get());
+    Query(*static_cast<I3DExShader*>(this), IID_IShellDataComponent, component);
+    Query(*other, IID_IShellDataComponent, otherComponent);
+    return component && otherComponent && component->IsEqualToComponent(otherComponent.Get());
 }
 
 MCErr TBasicShader::ReportNeeds(ShadingFlags&) { return kMCNotImplemented; }

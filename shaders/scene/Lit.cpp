@@ -127,8 +127,9 @@ bool Lit::FindLight(const ShadingIn& in, MCCountedPtr<ILight>& light)
     if (!HasScene(scene))
         return false;
     MCCountedPtr<ITreeElement> named;
-    return FindTreeFromReference(in, *shaded, scene, fParams.fLightName, fParams.fReference, named, fLocation)
-        && Query(*named, IID_ILight, light) == MC_S_OK;
+    if (FindTreeFromReference(in, *shaded, scene, fParams.fLightName, fParams.fReference, named, fLocation))
+        Query(*named, IID_ILight, light);
+    return bool(light);
 }
 
 /// Without `fUseMinAngle` the lower bound is where the ramp starts and nothing more. NaN never counts.
