@@ -19,14 +19,14 @@ struct IridescentParams {
         {{1, 0.5f, 0, 0}, 75},
         {{1, 0, 0, 0}, 90},
     };
-    TMCBool fHoldLastBand = false;         ///< past the last centre the last band keeps weight 1
-    TMCBool fSameWidth = true;             ///< all bands use the width of the first
-    TMCBool fGrey = false;                 ///< the angle as a grey level instead of the bands
-    TMCBool fInvertGrey = false;           ///< that grey level inverted
-    float fAzimuth = 0;                    ///< second rotation of the fixed direction, degrees
-    float fElevation = 0;                  ///< first rotation of the fixed direction, degrees
-    int32_t fMixStyle = Code("SMMX");      ///< "SHMX": the sub-shader offsets the angle; "SMMX": nothing does
-    int32_t fReferenceMode = Code("RFVT"); ///< "OBJT": towards `fObjectName`; "RFVT": the fixed direction
+    TMCBool fHoldLastBand = false;          ///< past the last centre the last band keeps weight 1
+    TMCBool fSameWidth = true;              ///< all bands use the width of the first
+    TMCBool fGrey = false;                  ///< the angle as a grey level instead of the bands
+    TMCBool fInvertGrey = false;            ///< that grey level inverted
+    float fAzimuth = 0;                     ///< second rotation of the fixed direction, degrees
+    float fElevation = 0;                   ///< first rotation of the fixed direction, degrees
+    uint32_t fMixStyle = Code("SMMX");      ///< "SHMX": the sub-shader offsets the angle; else nothing
+    uint32_t fReferenceMode = Code("RFVT"); ///< "OBJT": towards `fObjectName`; else the fixed direction
     SubShaderSlot fSubShader;
 };
 static_assert(offsetof(IridescentParams, fObjectName) == 0 && offsetof(IridescentParams, fBands) == 280);
