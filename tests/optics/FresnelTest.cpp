@@ -105,23 +105,23 @@ TEST_F(FresnelTest, AnIlluminantIsTypedOrChosen)
         const bool derives = Rewrites(&Params::fIlluminantColor);
         EXPECT_EQ(fRecord.fIlluminantPreset, presetAfter);
         EXPECT_NEAR(fRecord.fWhiteX, whiteX, 1e-4);
-        EXPECT_NEAR(fRecord.fTemperature, temperature, 30);
+        EXPECT_NEAR(fRecord.fTemperature, temperature, 1);
         return derives;
     };
-    EXPECT_TRUE(change(8, 0.3160f, 6293, 8));
+    EXPECT_TRUE(change(8, 0.3160f, 6288.4f, 8));
     fRecord.fTemperature = 6500;
     EXPECT_TRUE(change(8, 0.3349f, 6500, 15)) << "no daylight in it";
     fRecord.fTemperature = 5000;
-    EXPECT_TRUE(change(14, 0.2876f, 8620, 14)) << "a preset chosen in the same change wins";
+    EXPECT_TRUE(change(14, 0.2876f, 8622.4f, 14)) << "a preset chosen in the same change wins";
     for (const int32_t preset : {15, -1, 16, INT32_MIN, INT32_MAX, 0}) {
         fRecord.fWavelength += 1;
-        EXPECT_FALSE(change(preset, 0.2876f, 8620, preset)) << "no row";
+        EXPECT_FALSE(change(preset, 0.2876f, 8622.4f, preset)) << "no row";
         MadeShader<Params> fresh(kFresnelID); // whatever the first record
         fresh.Record().fIlluminantPreset = preset;
         EXPECT_TRUE(fresh.Changed() == MC_S_OK && fresh.Record().fWavelengthColor.fRed > 0.1f);
     }
-    EXPECT_FALSE(change(1, 0.2876f, 8620, 1)) << "kept: even a row is lost behind a preset that is none";
-    EXPECT_TRUE(change(14, 0.2876f, 8620, 14));
+    EXPECT_FALSE(change(1, 0.2876f, 8622.4f, 1)) << "kept: even a row is lost behind a preset that is none";
+    EXPECT_TRUE(change(14, 0.2876f, 8622.4f, 14));
 }
 
 TEST_F(FresnelTest, TheWavelengthsColourFollowsStepsOfAThousandthNanometre)
