@@ -90,7 +90,7 @@ void AddGamut()
 void AddFresnel()
 {
     fernwick::SceneDescription description;
-    description.fElements.push_back({"Camera", {3, 4, 20}, {}, {}, {}});
+    description.fElements.push_back({.fName = "Camera", .fPlace = {.fTranslation = {3, 4, 20}}});
     description.fCamera = "Camera";
     const auto scene = fernwick::MakeCounted<fernwick::Scene>(description);
     const Samples samples = MakeSamples(static_cast<ITreeElement*>(&scene->ShadedObject()));

@@ -20,7 +20,7 @@ Scene MakeScene(int count)
         const std::string name = (i % 2 == 0 ? "Lamp " : "Plate ") + std::to_string(i);
         const TVector3 place(static_cast<float>(i % 7), static_cast<float>(i % 5), static_cast<float>(i % 3));
         auto& siblings = i % 10 == 2 ? description.fElements : description.fElements.back().fChildren;
-        siblings.push_back({name, place, {}, {}, {}});
+        siblings.push_back({.fName = name, .fPlace = {.fTranslation = place}});
     }
     return fernwick::MakeCounted<fernwick::Scene>(description);
 }
