@@ -17,15 +17,30 @@ MCErr ConnectSubShader(const SubShaderSlot& slot, ConnectedShader& shader, uint3
 MCErr ConnectSubShaderOrKeep(const SubShaderSlot& slot, ConnectedShader& shader, uint32_t& kinds);
 
 /// Asks `shader` for its colour into `scratch` and returns that colour's luminance.
-float AskLuminance(IShellShader& shader, TMCColorRGBA& scratch, bool& fullArea, ShadingIn& in);
+inline float AskLuminance(IShellShader& shader, TMCColorRGBA& scratch, bool& fullArea, ShadingIn& in)
+{
+    shader.ShadeColor(scratch, fullArea, in);
+    return Luminance(scratch);
+}
 
 /// Reads a number from a plugged shader: the luminance of its colour when `kinds` has any bit of `colorKinds`,
 /// else its value when `kinds` has `kOutputValue`.
 /// @param number   receives the answer; a value shader is handed it as it stands
 /// @param scratch  receives the colour, when a colour is asked for
 /// @return false, with nothing touched, when there is no shader or it has neither
-bool ReadNumber(const ConnectedShader& shader, uint32_t kinds, uint32_t colorKinds, float& number,
-    TMCColorRGBA& scratch, bool& fullArea, ShadingIn& in);
+inline bool ReadNumber(const ConnectedShader& shader, uint32_t kinds, uint32_t colorKinds, float& number,
+    TMCColorRGBA& scratch, bool& fullArea, ShadingIn& in)
+{
+    if (!shader)
+        return false;
+    if ((kinds & colorKinds) != 0)
+        number = AskLuminance(*shader, scratch, fullArea, in);
+    else if ((kinds & kOutputValue) != 0)
+        shader->ShadeValue(number, fullArea, in);
+    else
+        return false;
+    return true;
+}
 
 /// A number above 1 counts as invalid: the one before is repeated. Either way the result is the new `last`.
 inline float RepeatLastAboveOne(float number, float& last)
