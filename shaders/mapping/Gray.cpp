@@ -64,16 +64,15 @@ float Gray::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
             return 0.0f; // kept: the other mode covers without a sub-shader
         if (!ReadNumber(fShader, fShaderKinds, kOutputColor, fLuminance, fScratchColor, fullArea, in))
             fLuminance = 0;
-        if ((fShaderKinds & kOutputColor) != 0)
-            color.fAlpha = fScratchColor.fAlpha;
-        color.SetRGB(fLuminance);
+        const float alpha = (fShaderKinds & kOutputColor) != 0 ? fScratchColor.fAlpha : color.fAlpha;
+        color = {fLuminance, fLuminance, fLuminance, alpha};
         return kFullCoverage;
     }
 
     if (!fShader || (fShaderKinds & kOutputColor) == 0)
         return kFullCoverage;
     fShader->ShadeColor(fScratchColor, fullArea, in);
-    color = ShiftSaturation(fScratchColor);
+    ShiftSaturation(fScratchColor, color);
     return kFullCoverage;
 }
 
@@ -104,7 +103,7 @@ template <class Color> void Gray::FilterChannel(Color& channel)
         filtered.SetRGB(Luminance(fScratchColor));
     } else {
         CopyColor(filtered, channel);
-        filtered = ShiftSaturation(filtered);
+        ShiftSaturation(filtered, filtered);
     }
     channel.fRed = filtered.fRed;
     channel.fGreen = filtered.fGreen;
@@ -112,13 +111,16 @@ template <class Color> void Gray::FilterChannel(Color& channel)
 }
 
 /// To hue, lightness and saturation, and back with the shifted saturation.
-TMCColorRGBA Gray::ShiftSaturation(TMCColorRGBA color) const
+void Gray::ShiftSaturation(const TMCColorRGBA& color, TMCColorRGBA& shifted) const
 {
     const float red = color.fRed;
     const float green = color.fGreen;
     const float blue = color.fBlue;
-    if (std::isnan(green))
-        return color;
+    const float alpha = color.fAlpha;
+    if (std::isnan(green)) {
+        shifted = {red, green, blue, alpha};
+        return;
+    }
 
     const float largest = std::max({green, red, blue}); // green first: a NaN red or blue takes no part
     const float smallest = std::min({green, red, blue});
@@ -142,16 +144,15 @@ TMCColorRGBA Gray::ShiftSaturation(TMCColorRGBA color) const
     if (saturation < 0)
         saturation = 0;
     if (saturation == 0) {
-        color.SetRGB(lightness);
-        return color;
+        shifted = {lightness, lightness, lightness, alpha};
+        return;
     }
 
     const float high = 0.5 >= lightness ? lightness * (1.0f + saturation)
                                         : lightness + saturation - lightness * saturation;
     const float low = 2.0f * lightness - high;
-    color.SetRGB(
-        HueChannel(low, high, hue + 120.0f), HueChannel(low, high, hue), HueChannel(low, high, hue - 120.0f));
-    return color;
+    shifted = {HueChannel(low, high, hue + 120.0f), HueChannel(low, high, hue),
+        HueChannel(low, high, hue - 120.0f), alpha};
 }
 
 /// Each primary's shift holds within 60 degrees of its hue and fades over the next 60; `kNoHue` gets none.

@@ -43,6 +43,6 @@ private:
     TMCColorRGBA fFallbackColor = {0, 0, 0, 0};
 
     template <class Color> void FilterChannel(Color& channel);
-    TMCColorRGBA ShiftSaturation(TMCColorRGBA color) const;
+    void ShiftSaturation(const TMCColorRGBA& color, TMCColorRGBA& shifted) const;
     float WithHueShift(float saturation, float hue) const;
 };
