@@ -3,30 +3,21 @@
 
 namespace {
 
-/// The height of a ramp at `x`; a later test overrides an earlier one, so equal ends give 1 there.
+/// The height of a ramp at `x`. Equal ends give 1 there, and NaN gives 1 too.
 /// @param disturbance  moves `x`, in percent of the ramp's width
 float RampValue(float first, float second, float x, bool falling, float disturbance)
 {
     const float moved = std::fabs(first - second) * disturbance;
-    x = static_cast<float>(x + moved / 100.0);
-
-    float value = 1;
+    if (moved != 0) // no division where nothing disturbs
+        x = static_cast<float>(x + moved / 100.0);
     if (falling) {
-        if (x >= second)
-            value = 0;
-        if (first >= x)
-            value = 1;
         if (second > x && x > first)
-            value = 1.0f - (x - first) / (second - first);
-    } else {
-        if (second >= x)
-            value = 0;
-        if (x >= first)
-            value = 1;
-        if (x > second && first > x)
-            value = (x - second) / (first - second);
+            return 1.0f - (x - first) / (second - first);
+        return x >= second && !(first >= x) ? 0.0f : 1.0f;
     }
-    return value;
+    if (x > second && first > x)
+        return (x - second) / (first - second);
+    return second >= x && !(x >= first) ? 0.0f : 1.0f;
 }
 
 } // namespace
@@ -57,34 +48,31 @@ MCErr Location::ExtensionDataChanged()
 
 float Location::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
 {
-    value = 1;
     fullArea = false;
     fDisturbance = 0;
     if (fParams.fUseSubShader)
         Disturb(fullArea, in);
 
     const TVector3& point = fParams.fSpace == Code("GLBL") ? in.fPointGlobal : in.fPointLocal;
-    float results[3] = {};
+    const bool takeSmallest = fParams.fCombine == Code("ORMD");
+    const float disturbance = fDisturbance;
+    float mask = 1;
     for (uint32_t i = 0; i < 3; ++i) {
         const LocationRamp& ramp = fRamps[i];
-        if (ramp.fEnabled)
-            results[i] = RampValue(ramp.fFirst, ramp.fSecond, point[i], ramp.fFalling != 0, fDisturbance);
-    }
-
-    const bool takeSmallest = fParams.fCombine == Code("ORMD");
-    for (int i = 0; i < 3; ++i) {
-        if (!fRamps[i].fEnabled)
+        if (!ramp.fEnabled)
             continue;
+        const float result = RampValue(ramp.fFirst, ramp.fSecond, point[i], ramp.fFalling != 0, disturbance);
         if (takeSmallest) {
-            if (value > results[i])
-                value = results[i];
-        } else if (1.0 > results[i]) {
-            value = results[i];
+            if (mask > result)
+                mask = result;
+        } else if (1.0 > result) {
+            mask = result;
         } else {
-            value = 1;
+            mask = 1;
             break;
         }
     }
+    value = mask;
     return kFullCoverage;
 }
 
