@@ -2,6 +2,7 @@
 #include "frame/ShaderOf.h"
 #include "shaders/layers/LayerSlots.h"
 #include <algorithm>
+#include <cmath>
 #include <span>
 
 /// Slots of a range mixer. Layer slot i goes with `fRange[i - kFirstLayerSlot]`.
@@ -17,20 +18,47 @@ int32_t ColorLevel(const TMCColorRGBA& color);
 using EdgeCurve = float (*)(float edge, double phase);
 
 /// The sine's argument rounded to float, and the float sine.
-float HalfSineInFloat(float edge, double phase);
+inline float HalfSineInFloat(float edge, double phase)
+{
+    const float argument = static_cast<float>(edge * kPi + phase);
+    const float sine = std::sin(argument);
+    return static_cast<float>(0.5 * sine + 0.5);
+}
+
 /// All in double, the result alone rounded to float.
-float HalfSineInDouble(float edge, double phase);
+inline float HalfSineInDouble(float edge, double phase)
+{
+    const double sine = std::sin(edge * kPi + phase);
+    return static_cast<float>(0.5 * sine + 0.5);
+}
 
 /// How the edges of a layer's range fade.
-struct EdgeFade {
+template <EdgeCurve kCurve> struct EdgeFade {
     int32_t fSmoothWidth; ///< percent of the range's width
-    bool fLinearEdge;     ///< a straight ramp, else `fCurve`
-    EdgeCurve fCurve;
+    bool fLinearEdge;     ///< a straight ramp, else `kCurve`
 
     /// The weight of a layer at `value` percent. Edges at exactly 0 and 100 never fade. A width of 0 cuts hard
     /// inside the range and gives NaN on its very edge.
     /// @param edge  receives the position inside the fade; untouched where nothing fades
-    float Weight(const TVector2& range, float value, float& edge) const;
+    float Weight(const TVector2& range, float value, float& edge) const
+    {
+        const float low = range[0];
+        const float high = range[1];
+        const float middle = (low + high) / 2.0f;
+        const float width = (high - low) * static_cast<float>(fSmoothWidth) / 100.0f;
+        if (value > middle && high != 100.0f) {
+            edge = (high - value) / width;
+            edge = edge > 1.0f ? 0.0f : 1.0f - edge;
+            return fLinearEdge ? 1.0f - edge : kCurve(edge, kHalfPi);
+        }
+        if (middle > value && low != 0.0f) {
+            edge = (value - low) / width;
+            if (edge > 1.0f)
+                edge = 1.0f;
+            return fLinearEdge ? edge : kCurve(edge, -kHalfPi);
+        }
+        return 1.0f;
+    }
 };
 
 /// Cuts 0 to 100 percent into equal ranges for the connected layers, in slot order and whole percents. Ranges
@@ -107,17 +135,18 @@ protected:
 
     /// Whether the layer takes part in the sample; if so it is counted, and `fWeight` is set. Both ends belong
     /// to a range, and the last layer may stand in for all.
-    bool TakeLayer(int slot, EdgeCurve curve)
+    template <EdgeCurve kCurve> bool TakeLayer(int slot)
     {
         const Params& params = this->fParams;
         const TVector2& range = params.fRange[slot - kFirstLayerSlot];
         const bool inside = fValue >= range[0] && range[1] >= fValue;
-        const bool standsIn = fActiveCount == 0 && params.fLastIsDefault && slot == kMixerSlotCount - 1;
-        if (!fShader[slot] || !(inside || standsIn))
+        if (!inside && !(slot == kMixerSlotCount - 1 && params.fLastIsDefault && fActiveCount == 0))
+            return false;
+        if (!fShader[slot])
             return false;
         fWeight = 1.0f;
         if (params.fSmooth)
-            fWeight = EdgeFade{params.fSmoothWidth, params.fLinearEdge, curve}.Weight(range, fValue, fEdge);
+            fWeight = EdgeFade<kCurve>{params.fSmoothWidth, params.fLinearEdge}.Weight(range, fValue, fEdge);
         ++fActiveCount;
         return true;
     }

@@ -31,38 +31,42 @@ float Super_mixer::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in
 
 void Super_mixer::MixLayers(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
+    TMCColorRGBA sum = {0, 0, 0, color.fAlpha};
     for (int slot = kFirstLayerSlot; slot < kMixerSlotCount; ++slot) {
-        if (!TakeLayer(slot, HalfSineInFloat))
+        if (!TakeLayer<HalfSineInFloat>(slot))
             continue;
         if ((fShaderKinds[slot] & kOutputColor) != 0) {
             fShader[slot]->ShadeColor(fLayerColor, fullArea, in);
             TMCColorRGBA weighted = fLayerColor;
             weighted *= fWeight;
-            color += weighted;
+            sum += weighted;
         } else if ((fShaderKinds[slot] & kOutputValue) != 0) {
             fShader[slot]->ShadeValue(fValue, fullArea, in);
             fValue *= fWeight; // kept: the ranges of all later layers are held against this product
-            AddGrey(color, fValue);
+            AddGrey(sum, fValue);
         }
     }
     if (fActiveCount > 1 && !fParams.fSmooth) {
         const auto count = static_cast<float>(fActiveCount);
-        color.SetRGB(color.fRed / count, color.fGreen / count, color.fBlue / count); // the alpha stays a sum
+        sum.SetRGB(sum.fRed / count, sum.fGreen / count, sum.fBlue / count); // the alpha stays a sum
     }
+    color = sum;
 }
 
 void Super_mixer::AddLayers(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
+    TMCColorRGBA sum = {0, 0, 0, color.fAlpha};
     for (int slot = kFirstLayerSlot; slot < kMixerSlotCount; ++slot)
         if ((fShaderKinds[slot] & kOutputColor) != 0) {
             fShader[slot]->ShadeColor(fLayerColor, fullArea, in);
             TMCColorRGBA added = fLayerColor;
             added.fAlpha *= fWeight; // kept: the weight that the last range mix left
-            color += added;
+            sum += added;
         } else if ((fShaderKinds[slot] & kOutputValue) != 0) {
             fShader[slot]->ShadeValue(fValue, fullArea, in);
-            AddGrey(color, fValue);
+            AddGrey(sum, fValue);
         }
+    color = sum;
 }
 
 void Super_mixer::AddGrey(TMCColorRGBA& color, float grey)

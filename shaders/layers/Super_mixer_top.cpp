@@ -30,7 +30,7 @@ int32_t Super_mixer_top::ShadeSurface(ShadingOut& result, ShadingIn& in)
 
     accum_shadingout.Clear();
     for (int slot = kFirstLayerSlot; slot < kMixerSlotCount; ++slot)
-        if (TakeLayer(slot, HalfSineInDouble))
+        if (TakeLayer<HalfSineInDouble>(slot))
             AddLayer(slot, accum_shadingout, fetch, fullArea, in);
     if (fActiveCount >= 2 && !fParams.fSmooth)
         accum_shadingout *= static_cast<float>(1.0 / fActiveCount); // the alpha too
