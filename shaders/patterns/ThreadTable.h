@@ -36,20 +36,3 @@ struct ThreadSpans {
     /// @param dives     for each of them, whether this thread lies below it
     void Build(const ThreadTable& crossing, const bool (&dives)[kThreadsPerGroup]);
 };
-
-/// Where a coordinate lies on a thread: what both walks below answer.
-struct ThreadProbe {
-    int32_t fThread = 0; ///< from 1; 0 for a gap
-    float fOffset = 0;   ///< signed distance from the centre, positive on the lower side
-    float fHalf = 1;     ///< the half width or half length that goes with it
-    float fT = 0;        ///< 0 to 1 from start to end
-};
-
-/// The walk across: finds the thread at `x`. A gap has thread 0, offset 0, half 1 and t 0; so has a NaN.
-/// @param rounded  false leaves the offset 0
-void WalkAcross(const ThreadTable& table, float x, bool rounded, ThreadProbe& probe);
-
-/// The walk along: finds the span at `x` of the thread with this number, from 1. Leaves `probe.fThread`.
-/// A gap, a thread that never dives and an `x` on no span have offset 0, half 1 and t 0.
-/// @param spans  of the group's threads
-void WalkAlong(int32_t thread, const ThreadSpans (&spans)[kThreadsPerGroup], float x, ThreadProbe& probe);

@@ -164,21 +164,23 @@ void Weave::Displace(
 void Weave::FindThreads()
 {
     for (const Group group : kGroups) {
-        WalkAcross(fTable[group], fTileUV[group], fParams.fRoundAcross, fProbe);
-        fHit[group] = fProbe.fThread;
-        fAcross[group] = fProbe.fOffset;
-        fAcrossHalf[group] = fProbe.fHalf;
-        fAcrossT[group] = fProbe.fT;
+        const ThreadProbe probe = WalkAcross(fTable[group], fTileUV[group], fParams.fRoundAcross);
+        fHit[group] = probe.fThread;
+        fAcross[group] = probe.fOffset;
+        fAcrossHalf[group] = probe.fHalf;
+        fAcrossT[group] = probe.fT;
+        fProbe = probe;
     }
 }
 
 void Weave::FindSpans()
 {
     for (const Group group : kGroups) {
-        WalkAlong(fHit[group], fSpans[group], fTileUV[OtherGroup(group)], fProbe);
-        fAlong[group] = fProbe.fOffset;
-        fAlongHalf[group] = fProbe.fHalf;
-        fAlongT[group] = fProbe.fT;
+        const ThreadProbe probe = WalkAlong(fHit[group], fSpans[group], fTileUV[OtherGroup(group)]);
+        fAlong[group] = probe.fOffset;
+        fAlongHalf[group] = probe.fHalf;
+        fAlongT[group] = probe.fT;
+        fProbe = probe;
     }
 }
 
@@ -218,14 +220,16 @@ void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 
     const int32_t thread = fTopThread - 1;
     const ConnectedShader& shader = fShader[top][IsBasic() ? 0 : thread];
+    TMCColorRGBA paint = {0, 0, 0, color.fAlpha};
     if (shader && fShaderKinds[top][thread] != 0) { // whatever they are
         shader->ShadeColor(fLayerColor, fullArea, in);
-        color = fLayerColor;
+        paint = fLayerColor;
     }
     if (fParams.fRoundAcross || fParams.fRoundAlong) {
         const float darkening = Darkening();
-        color.SetRGB(color.fRed * darkening, color.fGreen * darkening, color.fBlue * darkening);
+        paint.SetRGB(paint.fRed * darkening, paint.fGreen * darkening, paint.fBlue * darkening);
     }
+    color = paint;
 }
 
 /// The elliptic cross-section of the top thread: 1 in the middle of a span. The term along counts whenever the
@@ -237,6 +241,19 @@ float Weave::Darkening() const
     const float across = Squared(fAcross[top]) / Squared(fAcrossHalf[top] * fAcrossScale);
     const float sum = along + across;
     return static_cast<float>(1.0 - sum);
+}
+
+/// Tilts `normal` along a coordinate, about the derivative of the other one. The offset, a length in tiles,
+/// serves directly as the sine.
+/// @param alongCoordinate  the coordinate that `offset` is measured along
+inline TVector3 Weave::Bent(
+    const TVector3& normal, int alongCoordinate, float offset, float scale, const ShadingIn& in) const
+{
+    const bool alongU = alongCoordinate == 0;
+    TVector3 axis = alongU ? in.fDerivV : in.fDerivU; // not normalised: its length scales the effect
+    axis *= 1.0f / scale;
+    axis *= 2.0f;
+    return Rotate(axis, normal, alongU ? -offset : offset);
 }
 
 float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
@@ -263,17 +280,4 @@ float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
         bent = Bent(bent, top, fAcross[top], fAcrossScale, in);
     vector = bent;
     return kFullCoverage;
-}
-
-/// Tilts `normal` along a coordinate, about the derivative of the other one. The offset, a length in tiles,
-/// serves directly as the sine.
-/// @param alongCoordinate  the coordinate that `offset` is measured along
-TVector3 Weave::Bent(
-    const TVector3& normal, int alongCoordinate, float offset, float scale, const ShadingIn& in) const
-{
-    const bool alongU = alongCoordinate == 0;
-    TVector3 axis = alongU ? in.fDerivV : in.fDerivU; // not normalised: its length scales the effect
-    axis *= 1.0f / scale;
-    axis *= 2.0f;
-    return Rotate(axis, normal, alongU ? -offset : offset);
 }

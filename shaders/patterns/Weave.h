@@ -3,7 +3,7 @@
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCBool.h"
-#include "shaders/patterns/ThreadTable.h"
+#include "shaders/patterns/ThreadWalks.h"
 
 /// Parameters of Weave, as the host writes and saves them. Widths and gaps are relative to each other.
 struct WeaveParams {

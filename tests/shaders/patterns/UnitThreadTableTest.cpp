@@ -1,4 +1,4 @@
-#include "shaders/patterns/ThreadTable.h"
+#include "shaders/patterns/ThreadWalks.h"
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,13 +13,6 @@ ThreadTable Built(int32_t count, const int32_t (&widths)[5], int32_t gap)
     table.Build(count, widths, gap, scratch);
     EXPECT_EQ(scratch, 0);
     return table;
-}
-
-ThreadProbe Across(const ThreadTable& table, float x, bool rounded = true)
-{
-    ThreadProbe probe{7, 7, 7, 7};
-    WalkAcross(table, x, rounded, probe);
-    return probe;
 }
 
 MATCHER_P4(IsProbe, thread, offset, half, t, "")
@@ -46,12 +39,13 @@ TEST(ThreadTableTest, LaysThreadsBetweenHalfGaps)
 TEST(ThreadTableTest, WalksAcrossThreadsThatBeginInclusiveAndEndExclusive)
 {
     const ThreadTable table = Built(2, {1, 1, 1, 1, 1}, 1);
-    EXPECT_THAT(Across(table, 0.125f), IsProbe(1, 0.125f, 0.125f, 0));
-    EXPECT_THAT(Across(table, 0.8125f), IsProbe(2, -0.0625f, 0.125f, 0.75f));
-    EXPECT_THAT(Across(table, 0.8125f, false), IsProbe(2, 0, 0.125f, 0.75f));
+    EXPECT_THAT(WalkAcross(table, 0.125f, true), IsProbe(1, 0.125f, 0.125f, 0));
+    EXPECT_THAT(WalkAcross(table, 0.8125f, true), IsProbe(2, -0.0625f, 0.125f, 0.75f));
+    EXPECT_THAT(WalkAcross(table, 0.8125f, false), IsProbe(2, 0, 0.125f, 0.75f));
     for (const float gap : {0.0f, 0.375f, 0.875f, 1.0f, 1.2f, -0.25f, NAN, INFINITY, -INFINITY})
-        EXPECT_THAT(Across(table, gap), IsProbe(0, 0, 1, 0)) << gap;
-    EXPECT_THAT(Across(Built(2, {0, 0, 0, 0, 0}, 0), 0.5f), IsProbe(0, 0, 1, 0)); // a tile of no width
+        EXPECT_THAT(WalkAcross(table, gap, true), IsProbe(0, 0, 1, 0)) << gap;
+    EXPECT_THAT(
+        WalkAcross(Built(2, {0, 0, 0, 0, 0}, 0), 0.5f, true), IsProbe(0, 0, 1, 0)); // a tile of no width
 }
 
 TEST(ThreadSpansTest, TheFirstAndTheLastAreOneAcrossTheSeam)
@@ -60,20 +54,16 @@ TEST(ThreadSpansTest, TheFirstAndTheLastAreOneAcrossTheSeam)
     const ThreadTable crossing = Built(4, {1, 1, 1, 1, 1}, 1);  // edges at the odd sixteenths
     spans[2].Build(crossing, {true, true, false, false, true}); // there is no fifth
     ASSERT_EQ(spans[2].fCrossings, 2);                          // cut at 1/16, 3/16, 5/16 and 7/16
-    const auto along = [&spans](int32_t thread, float x) {
-        ThreadProbe probe{42, 7, 7, 7};
-        WalkAlong(thread, spans, x, probe);
-        return probe;
-    };
-    EXPECT_THAT(along(3, 0.01f), IsProbe(42, -0.26, 0.3125, 0.916));
-    EXPECT_THAT(along(3, 0.9f), IsProbe(42, -0.15, 0.3125, 0.74));
-    EXPECT_THAT(along(3, 0.2f), IsProbe(42, 0.05, 0.0625, 0.1));
-    EXPECT_THAT(along(3, 0.1875f), IsProbe(42, 0.0625, 0.0625, 0));
+    const auto along = [&spans](int32_t thread, float x) { return WalkAlong(thread, spans, x); };
+    EXPECT_THAT(along(3, 0.01f), IsProbe(3, -0.26, 0.3125, 0.916));
+    EXPECT_THAT(along(3, 0.9f), IsProbe(3, -0.15, 0.3125, 0.74));
+    EXPECT_THAT(along(3, 0.2f), IsProbe(3, 0.05, 0.0625, 0.1));
+    EXPECT_THAT(along(3, 0.1875f), IsProbe(3, 0.0625, 0.0625, 0));
     for (const float elsewhere : {0.0625f, 0.1f, 0.3125f, 1.0f, -0.1f, NAN})
-        EXPECT_THAT(along(3, elsewhere), IsProbe(42, 0, 1, 0)) << elsewhere;
+        EXPECT_THAT(along(3, elsewhere), IsProbe(3, 0, 1, 0)) << elsewhere;
     spans[0].Build(crossing, {});
-    EXPECT_THAT(along(1, 0.25f), IsProbe(42, 0, 1, 0)); // never dives
-    EXPECT_THAT(along(0, 0.25f), IsProbe(42, 0, 1, 0)); // a gap
+    EXPECT_THAT(along(1, 0.25f), IsProbe(1, 0, 1, 0)); // never dives
+    EXPECT_THAT(along(0, 0.25f), IsProbe(0, 0, 1, 0)); // a gap
 }
 
 } // namespace
