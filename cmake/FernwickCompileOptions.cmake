@@ -3,12 +3,12 @@ add_library(fernwick_options INTERFACE)
 target_include_directories(fernwick_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(fernwick_options INTERFACE
     -Wall -Wextra -Wpedantic
-    -Wno-invalid-offsetof # the records hold counted pointers; their offsets are pinned on purpose
+    $<$<COMPILE_LANGUAGE:CXX>:-Wno-invalid-offsetof> # the records hold counted pointers; their offsets are pinned on purpose
     -ffp-contract=off
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A unique symbol would keep the module from being unloaded.
-    target_compile_options(fernwick_options INTERFACE -fno-gnu-unique)
+    target_compile_options(fernwick_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
 endif()
 if(FERNWICK_SANITIZERS)
     target_compile_options(fernwick_options INTERFACE
