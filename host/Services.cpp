@@ -45,7 +45,8 @@ void* MemoryService::Allocate(uint32_t size)
         return nullptr;
     auto* const head = new (memory) BlockHead{size};
     char* const block = reinterpret_cast<char*>(head + 1);
-    std::memset(block, fFill, size);
+    if (fFill != kUnset)
+        std::memset(block, fFill, size);
     std::memcpy(block + size, &kWall, sizeof kWall);
     ++fLiveBlocks;
     fLiveBytes += size;

@@ -33,17 +33,20 @@ public:
 
     /// The byte that new memory is full of. What an object leaves unset shows as a difference between two.
     void FillWith(uint8_t byte) { fFill = byte; }
+    void LeaveUnset() { fFill = kUnset; } ///< new memory stays as the system gives it
 
     /// Refuses every allocation after the next `count`; a negative number ends the refusing.
     void RefuseAfter(int64_t count) { fUntilRefusal = count; }
 
 private:
+    static constexpr int kUnset = -1;
+
     std::atomic<int64_t> fLiveBlocks{0};
     std::atomic<int64_t> fLiveBytes{0};
     std::atomic<int64_t> fAllocations{0};
     std::atomic<int64_t> fDamagedBlocks{0};
     std::atomic<int64_t> fUntilRefusal{-1};
-    std::atomic<uint8_t> fFill{0xCD};
+    std::atomic<int> fFill{0xCD};
 
     void* Allocate(uint32_t size);
     void Free(void* memory);
