@@ -132,10 +132,9 @@ TEST(ExportsTest, AnyOneServiceCanBeWithheldAndTheModuleLeavesTheProcess)
 
 TEST(ExportsTest, AHostThatGivesNothingGetsNothing)
 {
-    for (const bool isNull : {false, true}) {
-        auto utilities = isNull ? MCCountedPtr<Utilities>() : MakeCounted<Utilities>();
-        if (!isNull)
-            utilities->WithholdAll();
+    const auto mute = MakeCounted<Utilities>();
+    mute->WithholdAll();
+    for (const auto& utilities : {mute, MCCountedPtr<Utilities>()}) {
         Library library(FERNWICK_MODULE, utilities);
         EXPECT_EQ(library.fCanUnloadNow(), 0u);
         void* out = &library;
