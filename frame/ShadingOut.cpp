@@ -3,8 +3,6 @@
 
 namespace {
 
-constexpr int32_t kAverageMode = Code("avrg");
-
 /// Adds two counts; a sum past the int32 range wraps.
 int32_t SumOfCounts(int32_t left, int32_t right)
 {
@@ -14,20 +12,6 @@ int32_t SumOfCounts(int32_t left, int32_t right)
 int32_t ScaledCount(int32_t count, float weight) { return CutToInt32(static_cast<float>(count) * weight); }
 
 } // namespace
-
-void ShadingTripleBlock::SetDefaults()
-{
-    Clear();
-    fSampleCount = 4;
-    fFirstLevel = 0.85f;
-    fThirdLevel = 1;
-}
-
-void ShadingTripleBlock::Clear()
-{
-    *this = ShadingTripleBlock{};
-    fMode = kAverageMode;
-}
 
 ShadingTripleBlock& ShadingTripleBlock::operator+=(const ShadingTripleBlock& other)
 {
@@ -53,16 +37,6 @@ ShadingTripleBlock& ShadingTripleBlock::operator*=(float weight)
     return *this;
 }
 
-void ShadingSingleBlock::SetDefaults()
-{
-    Clear();
-    fSampleCount = 2;
-    fLevel = 0.85f;
-    fSecondLevel = 1;
-}
-
-void ShadingSingleBlock::Clear() { *this = ShadingSingleBlock{}; }
-
 ShadingSingleBlock& ShadingSingleBlock::operator+=(const ShadingSingleBlock& other)
 {
     fColor += other.fColor;
@@ -87,14 +61,6 @@ ShadingSingleBlock& ShadingSingleBlock::operator*=(float weight)
     return *this;
 }
 
-void ShadingVectorBlock::SetDefaults()
-{
-    Clear();
-    fThirdLevel = 1;
-}
-
-void ShadingVectorBlock::Clear() { *this = ShadingVectorBlock{}; }
-
 ShadingVectorBlock& ShadingVectorBlock::operator+=(const ShadingVectorBlock& param)
 {
     if (fLocal != param.fLocal)
@@ -115,38 +81,6 @@ ShadingVectorBlock& ShadingVectorBlock::operator*=(float weight)
     fLevels[1] *= weight;
     fThirdLevel *= weight;
     return *this;
-}
-
-void ShadingOut::SetDefaults()
-{
-    Clear();
-    fColor.fAlpha = 1;
-    fScalarA = 0.5f;
-    fScalarB = 1;
-    fScalarC = 1;
-    fSampledBlock.SetDefaults();
-    fSingleBlock.SetDefaults();
-    fVectorBlock.SetDefaults();
-}
-
-void ShadingOut::Clear()
-{
-    fColor = {0, 0, 0, 0};
-    fSecondColor = TMCColorRGB::kBlack;
-    fScalarA = 0;
-    fScalarB = 0;
-    fScalarC = 0;
-    fScalarD = 0;
-    fThirdColor = TMCColorRGB::kBlack;
-    fVectorChannel = TVector3::kZero;
-    fCoverage = 0;
-    fSampledBlock.Clear();
-    fSingleBlock.Clear();
-    fVectorBlock.Clear();
-    fFourthColor = TMCColorRGB::kBlack;
-    fFullArea = false;
-    fPadding[0] = fPadding[1] = fPadding[2] = 0;
-    fShadingNormal = TVector3::kZero;
 }
 
 ShadingOut& ShadingOut::operator+=(const ShadingOut& other)

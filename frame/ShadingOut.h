@@ -107,3 +107,69 @@ static_assert(offsetof(ShadingOut, fCoverage) == 68 && offsetof(ShadingOut, fSam
 static_assert(offsetof(ShadingOut, fSingleBlock) == 136 && offsetof(ShadingOut, fVectorBlock) == 172);
 static_assert(offsetof(ShadingOut, fFourthColor) == 212 && offsetof(ShadingOut, fFullArea) == 224);
 static_assert(offsetof(ShadingOut, fShadingNormal) == 228 && sizeof(ShadingOut) == 240);
+
+// In the header, so that what a shader overwrites at once is not set first.
+
+inline void ShadingTripleBlock::Clear()
+{
+    *this = ShadingTripleBlock{};
+    fMode = Code("avrg");
+}
+
+inline void ShadingTripleBlock::SetDefaults()
+{
+    Clear();
+    fSampleCount = 4;
+    fFirstLevel = 0.85f;
+    fThirdLevel = 1;
+}
+
+inline void ShadingSingleBlock::Clear() { *this = ShadingSingleBlock{}; }
+
+inline void ShadingSingleBlock::SetDefaults()
+{
+    Clear();
+    fSampleCount = 2;
+    fLevel = 0.85f;
+    fSecondLevel = 1;
+}
+
+inline void ShadingVectorBlock::Clear() { *this = ShadingVectorBlock{}; }
+
+inline void ShadingVectorBlock::SetDefaults()
+{
+    Clear();
+    fThirdLevel = 1;
+}
+
+inline void ShadingOut::Clear()
+{
+    fColor = {0, 0, 0, 0};
+    fSecondColor = TMCColorRGB::kBlack;
+    fScalarA = 0;
+    fScalarB = 0;
+    fScalarC = 0;
+    fScalarD = 0;
+    fThirdColor = TMCColorRGB::kBlack;
+    fVectorChannel = TVector3::kZero;
+    fCoverage = 0;
+    fSampledBlock.Clear();
+    fSingleBlock.Clear();
+    fVectorBlock.Clear();
+    fFourthColor = TMCColorRGB::kBlack;
+    fFullArea = false;
+    fPadding[0] = fPadding[1] = fPadding[2] = 0;
+    fShadingNormal = TVector3::kZero;
+}
+
+inline void ShadingOut::SetDefaults()
+{
+    Clear();
+    fColor.fAlpha = 1;
+    fScalarA = 0.5f;
+    fScalarB = 1;
+    fScalarC = 1;
+    fSampledBlock.SetDefaults();
+    fSingleBlock.SetDefaults();
+    fVectorBlock.SetDefaults();
+}
