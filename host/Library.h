@@ -1,6 +1,6 @@
 #pragma once
-#include "frame/ClassFactory.h"
 #include "frame/Exports.h"
+#include "frame/IExClassFactory.h"
 #include "host/Services.h"
 #include <filesystem>
 #include <memory>
