@@ -1,41 +1,7 @@
 #include "host/Library.h"
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
+#include "host/Module.h"
 
 namespace fernwick {
-
-namespace {
-
-#ifdef _WIN32
-void* OpenModule(const std::filesystem::path& path) { return LoadLibraryW(path.c_str()); }
-
-void CloseModule(void* handle) { FreeLibrary(static_cast<HMODULE>(handle)); }
-
-void* FindFunction(void* handle, const char* name)
-{
-    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle), name));
-}
-
-std::string LastFailure() { return "system error " + std::to_string(GetLastError()); }
-#else
-void* OpenModule(const std::filesystem::path& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
-
-void CloseModule(void* handle) { dlclose(handle); }
-
-void* FindFunction(void* handle, const char* name) { return dlsym(handle, name); }
-
-std::string LastFailure()
-{
-    const char* const text = dlerror();
-    return text != nullptr ? text : "no reason given";
-}
-#endif
-
-} // namespace
 
 void Library::Closer::operator()(void* handle) const { CloseModule(handle); }
 
@@ -47,7 +13,7 @@ Library::Library(const std::filesystem::path& path, MCCountedPtr<Utilities> util
             + ": no such file; build the library, or name it with --library or FERNWICK_LIBRARY");
     fHandle.reset(OpenModule(fPath));
     if (!fHandle)
-        throw LibraryError(fPath.string() + ": can't be loaded: " + LastFailure());
+        throw LibraryError(fPath.string() + ": can't be loaded: " + LastModuleFailure());
     Bind(fInit, "MCDllInit");
     Bind(fCleanUp, "MCDllCleanUp");
     Bind(fInitExceptionTranslator, "MCDllInitExceptionTranslator");

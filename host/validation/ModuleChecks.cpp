@@ -1,4 +1,5 @@
 #include "frame/Query.h"
+#include "host/Module.h"
 #include "host/validation/Checks.h"
 #include "host/validation/ElfSymbols.h"
 #include "host/validation/Inspection.h"
@@ -6,7 +7,6 @@
 #include "host/validation/Sheet.h"
 #include "host/validation/Specimen.h"
 #include <algorithm>
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 namespace fernwick::validation {
@@ -18,14 +18,6 @@ constexpr int kLives = 1000;
 constexpr GUID kUnknownID = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
 /// Set aside for the pack, and used by no class.
 constexpr GUID kUnusedID = {0xF7055AEE, 0x6CEB, 0x4DDA, {0x91, 0x69, 0x04, 0x43, 0x2B, 0x16, 0xF2, 0x25}};
-
-bool IsLoaded(const std::filesystem::path& path)
-{
-    void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (handle != nullptr)
-        dlclose(handle);
-    return handle != nullptr;
-}
 
 /// What the library still holds of a host that it has been cleaned up with, or has released too often; empty for
 /// nothing.
@@ -95,7 +87,8 @@ void CheckLifeCycle(Inspection& inspection)
         const std::string held = Held(*utilities);
         if (!inspection.Require(held.empty(), fmt::format("after {} lives {}", life + 1, held))
             || !inspection.Require(ReferencesOf(*utilities) == 1, "the utilities object is still counted")
-            || !inspection.Require(!IsLoaded(inspection.fJob.library), "the module stays in the process"))
+            || !inspection.Require(
+                !IsModuleLoaded(inspection.fJob.library), "the module stays in the process"))
             return;
     }
 }

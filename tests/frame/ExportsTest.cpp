@@ -1,26 +1,20 @@
+#include "host/Module.h"
 #include "tests/support/ShaderTest.h"
-#include "tests/support/Shell.h"
-#include <dlfcn.h>
 #include <sstream>
+#ifndef _WIN32
+#include "tests/support/Shell.h"
+#endif
 
 namespace {
 
 constexpr GUID kKeyID = {0x379752D6, 0xC5EB, 0x4173, {0xB3, 0xE4, 0xFF, 0x72, 0x77, 0x69, 0x48, 0x3A}};
 
+using fernwick::IsModuleLoaded;
 using fernwick::Library;
 using fernwick::MakeCounted;
 using fernwick::ShaderWrapper;
 using fernwick::Utilities;
 using testing::ElementsAre;
-
-/// Whether the module is in this process.
-bool IsLoaded()
-{
-    void* const handle = dlopen(FERNWICK_MODULE, RTLD_NOW | RTLD_NOLOAD);
-    if (handle != nullptr)
-        dlclose(handle);
-    return handle != nullptr;
-}
 
 /// What became of a host's services, in order: the number of one that was asked for, minus the number of one that
 /// was released, and what was read from them.
@@ -119,13 +113,13 @@ TEST(ExportsTest, AnyOneServiceCanBeWithheldAndTheModuleLeavesTheProcess)
         utilities->Withhold(withheld);
         {
             Library library(FERNWICK_MODULE, utilities);
-            EXPECT_TRUE(IsLoaded());
+            EXPECT_TRUE(IsModuleLoaded(FERNWICK_MODULE));
             EXPECT_EQ(utilities->Asked().size(), 21u);
             const bool hasMemory = withheld != 8;
             EXPECT_EQ(static_cast<bool>(ShaderWrapper::Make(library, kKeyID)), hasMemory);
             EXPECT_FALSE(library.HasLiveComponents());
         }
-        EXPECT_FALSE(IsLoaded());
+        EXPECT_FALSE(IsModuleLoaded(FERNWICK_MODULE));
         EXPECT_EQ(utilities->Memory().LiveBlocks(), 0);
     }
 }
@@ -167,6 +161,7 @@ TEST(ExportsTest, TheModuleStaysWhileAFactoryOrAShaderLives)
     EXPECT_EQ(library.fCanUnloadNow(), 0u);
 }
 
+#ifndef _WIN32 // there, WindowsModule.cmake looks
 /// The names that the module exports, or those that it takes from elsewhere; none where they can't be listed.
 std::vector<std::string> Names(const std::string& which)
 {
@@ -194,7 +189,11 @@ TEST(ExportsTest, TheModuleTakesNoLock)
 {
     using testing::HasSubstr; // the first guards a static that is made at its first use
     const auto isLock = testing::AnyOf(HasSubstr("__cxa_guard"), HasSubstr("pthread_"));
-    EXPECT_THAT(Names("--undefined-only"), testing::Each(testing::Not(isLock)));
+    const std::vector<std::string> names = Names("--undefined-only");
+    if (names.empty())
+        GTEST_SKIP() << "nm can't be run";
+    EXPECT_THAT(names, testing::Each(testing::Not(isLock)));
 }
+#endif
 
 } // namespace
