@@ -70,7 +70,17 @@ public:
     /// Releases what `*out` held, stores null there and returns it.
     virtual IMCUnknown* ClearCountedOut(uint32_t a, void* b, IMCUnknown** out) = 0;
     virtual MCErr ReservedNotImplementedE(void* a) = 0;
+#ifdef __MINGW32__
+    // The platform passes room for a returned record after `this`; this compiler would pass it before.
+    virtual TMCColorRGB* StoreWhite(TMCColorRGB* white) = 0;
+    TMCColorRGB GetWhite()
+    {
+        TMCColorRGB white;
+        return *StoreWhite(&white);
+    }
+#else
     virtual TMCColorRGB GetWhite() = 0;
+#endif
     virtual float GetUnitScale() = 0;
     virtual MCErr ReservedNotImplementedF(void* a) = 0;
 

@@ -156,7 +156,15 @@ IMCUnknown* TBasicShader::ClearCountedOut(uint32_t, void*, IMCUnknown** out)
 
 MCErr TBasicShader::ReservedNotImplementedE(void*) { return kMCNotImplemented; }
 
+#ifdef __MINGW32__
+TMCColorRGB* TBasicShader::StoreWhite(TMCColorRGB* white)
+{
+    *white = TMCColorRGB::kWhite;
+    return white;
+}
+#else
 TMCColorRGB TBasicShader::GetWhite() { return TMCColorRGB::kWhite; }
+#endif
 
 float TBasicShader::GetUnitScale() { return 1.0f; }
 

@@ -49,7 +49,11 @@ public:
     bool ReservedFalseD(uint32_t a, void* b, void* c) override;
     IMCUnknown* ClearCountedOut(uint32_t a, void* b, IMCUnknown** out) override;
     MCErr ReservedNotImplementedE(void* a) override;
+#ifdef __MINGW32__
+    TMCColorRGB* StoreWhite(TMCColorRGB* white) override;
+#else
     TMCColorRGB GetWhite() override;
+#endif
     float GetUnitScale() override;
     MCErr ReservedNotImplementedF(void* a) override;
 
