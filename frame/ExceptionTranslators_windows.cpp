@@ -2,8 +2,9 @@
 #include "frame/Errors.h"
 #include "frame/ExceptionTranslators.h"
 #include "frame/TMCException.h"
-#include <cstdio>
 #include <cstdlib>
+#include <cwchar>
+#include <iterator>
 #include <typeinfo> // which <eh.h> needs and doesn't include
 
 #include <eh.h>
@@ -19,6 +20,17 @@ static _se_translator_function SetTranslator(_se_translator_function translator)
     const FARPROC address = GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), kName);
     return address != nullptr ? reinterpret_cast<Setter>(reinterpret_cast<void*>(address))(translator)
                               : nullptr;
+}
+
+/// What this compiler calls in the place of a pure operation. Its own knows no handler, and the handler in force can
+/// be told only by setting another.
+extern "C" void __cxa_pure_virtual()
+{
+    const _purecall_handler handler = _set_purecall_handler(nullptr);
+    _set_purecall_handler(handler);
+    if (handler != nullptr)
+        handler();
+    std::abort();
 }
 #else
 static _se_translator_function SetTranslator(_se_translator_function translator)
@@ -46,10 +58,13 @@ void HandleInvalidParameter(
     const wchar_t* expression, const wchar_t* function, const wchar_t* file, unsigned int line, uintptr_t)
 {
     const auto orEmpty = [](const wchar_t* text) { return text != nullptr ? text : L""; };
-    char message[1024] = {};
-    std::snprintf(message, sizeof message,
-        "Invalid parameter detected in function %ls.\r\nFile: %ls Line: %u\r\nExpression: %ls",
-        orEmpty(function), orEmpty(file), line, orEmpty(expression));
+    wchar_t text[1024] = {};
+    std::swprintf(text, std::size(text),
+        L"Invalid parameter detected in function %ls.\r\nFile: %ls Line: %i\r\nExpression: %ls",
+        orEmpty(function), orEmpty(file), static_cast<int>(line), orEmpty(expression));
+    text[std::size(text) - 1] = 0;     // a long one is cut
+    char message[3 * std::size(text)]; // UTF-8 of any such text
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, message, sizeof message, nullptr, nullptr);
     MC_REPORT(message);
 }
 
