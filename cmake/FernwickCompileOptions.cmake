@@ -10,6 +10,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A unique symbol would keep the module from being unloaded.
     target_compile_options(fernwick_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
 endif()
+if(MINGW)
+    target_link_options(fernwick_options INTERFACE -static) # no library of the compiler's beside the program
+endif()
 if(FERNWICK_SANITIZERS)
     target_compile_options(fernwick_options INTERFACE
         -fsanitize=${FERNWICK_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)

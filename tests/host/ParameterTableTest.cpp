@@ -1,7 +1,7 @@
 #include "host/ParameterTable.h"
 #include "host/FieldReader.h"
-#include "host/Sources.h"
 #include "host/parameters/Notation.h"
+#include "tests/host/TableChecks.h"
 #include "tests/support/ShaderTest.h"
 #include <algorithm>
 #include <set>
@@ -45,50 +45,6 @@ const ParameterTable& TestTable()
     return table;
 }
 
-/// Every byte of the record is a field or padding before one that its alignment asks for.
-void ExpectCovers(const ParameterTable& table)
-{
-    SCOPED_TRACE(table.fName);
-    size_t end = 0;
-    size_t alignment = 1;
-    for (const Field& field : table.fFields) {
-        const FieldLayout layout = LayoutOf(field.fType);
-        EXPECT_GE(field.fOffset, end) << field.fName << " overlaps, or stands out of order";
-        EXPECT_LT(field.fOffset - end, layout.fAlignment)
-            << "no field covers the bytes before " << field.fName;
-        end = field.fOffset + layout.fSize;
-        alignment = std::max(alignment, layout.fAlignment);
-    }
-    EXPECT_EQ((end + alignment - 1) / alignment * alignment, table.fRecordSize);
-}
-
-/// What a user needs to know, and defaults that the table itself would take.
-void ExpectDescribes(const ParameterTable& table, const void* defaults)
-{
-    SCOPED_TRACE(table.fName);
-    EXPECT_FALSE(table.fPurpose.empty());
-    std::set<std::string> names;
-    std::set<std::string> labels;
-    for (const Field& field : table.fFields) {
-        SCOPED_TRACE(field.fName);
-        EXPECT_TRUE(names.insert(field.fName).second);
-        EXPECT_TRUE(labels.insert(field.fLabel).second) << field.fLabel;
-        EXPECT_FALSE(field.fLabel.empty() || field.fHelp.empty());
-        EXPECT_EQ(field.fLabel.find('#'), std::string::npos);
-        if (defaults == nullptr || field.fDerived)
-            continue;
-        const FieldValue value = ReadField(field, defaults);
-        if (field.fType == FieldType::kCode) {
-            EXPECT_TRUE(std::any_of(field.fChoices.begin(), field.fChoices.end(), [&](const Choice& choice) {
-                return choice.fValue == std::get<int32_t>(value);
-            })) << ValueText(field, value);
-        } else if (const float* const number = std::get_if<float>(&value)) {
-            EXPECT_GE(*number, field.fMinimum.value_or(-INFINITY));
-            EXPECT_LE(*number, field.fMaximum.value_or(INFINITY));
-        }
-    }
-}
-
 class ParameterTableTest : public ShaderTest { };
 
 TEST_F(ParameterTableTest, TablesOfClassesFitTheObjectsThatTheLibraryMakes)
@@ -111,14 +67,6 @@ TEST_F(ParameterTableTest, TablesOfClassesFitTheObjectsThatTheLibraryMakes)
     }
     EXPECT_EQ(GuidText(FindClass("Key")->fClassIDs.front()), "379752D6-C5EB-4173-B3E4-FF727769483A");
     EXPECT_EQ(FindClass("key"), nullptr);
-}
-
-TEST_F(ParameterTableTest, TablesOfSourcesFitTheirRecords)
-{
-    for (const SourceKind& kind : AllSources()) {
-        ExpectCovers(kind.fTable);
-        ExpectDescribes(kind.fTable, kind.fDefaults);
-    }
 }
 
 TEST_F(ParameterTableTest, ArraysAndNestedRecordsBecomeFieldsWithNamesAndLabels)

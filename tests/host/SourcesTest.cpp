@@ -1,5 +1,6 @@
 #include "host/Sources.h"
 #include "host/GraphDocument.h"
+#include "tests/host/TableChecks.h"
 #include "tests/support/ShaderTest.h"
 #include <filesystem>
 #include <fstream>
@@ -77,6 +78,14 @@ TEST_F(SourcesTest, EachAnswersColourAndValueAndNamesItsKinds)
         source->GetShadingFlags(flags);
         EXPECT_EQ(flags.fNeeds, kNeedsUV);
         EXPECT_EQ(flags.fDependencyBits, 0);
+    }
+}
+
+TEST_F(SourcesTest, TablesFitTheirRecords)
+{
+    for (const SourceKind& kind : AllSources()) {
+        ExpectCovers(kind.fTable);
+        ExpectDescribes(kind.fTable, kind.fDefaults);
     }
 }
 
