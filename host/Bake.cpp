@@ -1,6 +1,7 @@
 #include "host/Bake.h"
 #include "host/TangentFrame.h"
 #include "host/Tiles.h"
+#include "host/UVSquare.h"
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -102,43 +103,6 @@ PictureContent ContentOf(BakeChannel channel)
 
 TMCColorRGBA Opaque(const TMCColorRGB& color) { return {color.fRed, color.fGreen, color.fBlue, 1}; }
 TMCColorRGBA Grey(float number) { return {number, number, number, 1}; }
-
-/// The shaded square, where the graph's scene has put it.
-class Square {
-public:
-    explicit Square(const Graph& graph) : fInstance(graph.Instance())
-    {
-        if (graph.SceneOrNull() != nullptr)
-            fToWorld = graph.SceneOrNull()->ShadedObject().Transform();
-    }
-
-    ShadingIn SampleAt(float u, float v) const
-    {
-        ShadingIn in;
-        in.fPointLocal = {u, v, 0};
-        in.fNormalLocal = {0, 0, 1};
-        in.fUV = {u, v};
-        in.fPointGlobal = Turned(in.fPointLocal) + fToWorld.fTranslation;
-        in.fNormalGlobal = Turned(in.fNormalLocal);
-        in.fDerivU = Turned({1, 0, 0});
-        in.fDerivV = Turned({0, 1, 0});
-        in.fInstance = fInstance;
-        return in;
-    }
-
-private:
-    IMCUnknown* fInstance;
-    TTransform3D fToWorld;
-
-    TVector3 Turned(const TVector3& vector) const
-    {
-        TVector3 turned;
-        for (uint32_t row = 0; row < 3; ++row)
-            for (uint32_t column = 0; column < 3; ++column)
-                turned[row] += fToWorld.fMatrix[row][column] * vector[column];
-        return turned;
-    }
-};
 
 ShadingOut SurfaceOf(IShellShader& shader, ShadingIn& in)
 {
@@ -254,12 +218,11 @@ TMCColorRGBA Read(const Graph& graph, Operation operation, const BakeJob& job, S
 void ShadeTile(
     const Graph& graph, Operation operation, const BakeJob& job, const Tile& tile, Picture& picture)
 {
-    const Square square(graph);
+    const UVSquare square(graph);
     for (int y = tile.fTop; y < tile.fBottom; ++y)
         for (int x = tile.fLeft; x < tile.fRight; ++x) {
-            const float u = static_cast<float>((x + 0.5) / job.width);
-            const float v = static_cast<float>((job.height - y - 0.5) / job.height);
-            ShadingIn in = square.SampleAt(u, v);
+            ShadingIn in = square.SampleAt(
+                UVSquare::CenterOf(x, job.width), UVSquare::CenterOf(job.height - 1 - y, job.height));
             picture.At(x, y) = Read(graph, operation, job, in);
         }
 }

@@ -6,6 +6,13 @@
 
 namespace fernwick {
 
+MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTable& table)
+{
+    const GUID* const unrouted = UnroutedClassID(table.fName);
+    return unrouted != nullptr ? ShaderWrapper::Make(library.Unrouted(), *unrouted)
+                               : ShaderWrapper::Make(library, table.fClassIDs.front());
+}
+
 Graph::Graph(const Library& library, const GraphDocument& document) : fOutputIndex(document.OutputIndex())
 {
     if (document.Scene())
@@ -34,14 +41,12 @@ Graph::LiveShader Graph::Make(const Library& library, const DocumentShader& shad
     const ParameterTable& table = *shader.fTable;
     if (shader.fSource)
         return {shader.fSource, {}};
-    const GUID* const unrouted = UnroutedClassID(table.fName);
-    const auto wrapper = unrouted != nullptr ? ShaderWrapper::Make(library.Unrouted(), *unrouted)
-                                             : ShaderWrapper::Make(library, table.fClassIDs.front());
+    const auto wrapper = MakeShader(library, table);
     if (!wrapper)
         throw GraphError(fmt::format("{}: the library doesn't make a {}", shader.fName, table.fName));
     IExDataExchanger& exchanger = wrapper->Exchanger();
     // A class without a route may not tell the size of its record.
-    if (unrouted == nullptr && exchanger.GetParamsBufferSize() != table.fRecordSize)
+    if (!table.fClassIDs.empty() && exchanger.GetParamsBufferSize() != table.fRecordSize)
         throw GraphError(fmt::format("{}: the library's {} has a record of {} bytes, expected {}",
             shader.fName, table.fName, exchanger.GetParamsBufferSize(), table.fRecordSize));
 

@@ -6,6 +6,10 @@ namespace fernwick {
 
 class Library;
 
+/// Makes an object of a class of the pack; one without a route is made by the module that has it. Null when the
+/// library refuses. Throws `LibraryError` when there is no such module.
+MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTable& table);
+
 /// The live objects of a document's output and of everything below it, or of all its shaders. A shader serves one thread at a time, so
 /// every thread makes its own graph; making and releasing is for one thread at a time.
 class Graph {

@@ -135,16 +135,20 @@ GraphDocument GraphDocument::Read(const std::filesystem::path& file)
 {
     std::ifstream stream(file, std::ios::binary);
     if (!stream || std::filesystem::is_directory(file))
-        throw GraphError(file.string() + " can't be read");
+        throw GraphError(file.string() + ": can't be read");
     const std::string text(std::istreambuf_iterator<char>(stream), {});
-    return Parse(text, std::filesystem::absolute(file).parent_path());
+    try {
+        return Parse(text, std::filesystem::absolute(file).parent_path());
+    } catch (const GraphError& error) {
+        throw GraphError(fmt::format("{}: {}", file.string(), error.what()));
+    }
 }
 
 GraphDocument GraphDocument::Parse(const std::string& text, const std::filesystem::path& folder)
 {
     const Json json = JsonNode::Parse(text);
     const JsonNode root(json, "");
-    root.RequireKeys({"shaders", "output", "scene"});
+    root.RequireKeys({"$schema", "shaders", "output", "scene"});
     const auto shaders = root.Find("shaders");
     const auto output = root.Find("output");
     if (!shaders || !output)

@@ -34,10 +34,11 @@ std::vector<size_t> PluggedIn(const DocumentShader& shader);
 /// (`"fRange[3]": [30, 50]`), a nested record as an object, in part if wanted, or by field (`"fX.fEdgeA": 2`). A
 /// code is given as its four characters or a choice's label, or as an integer, which is taken unseen. A slot
 /// takes the name of another shader; null or "" leaves it empty. A colour with alpha may go without it and is
-/// opaque then. Files are found from the document's folder.
+/// opaque then. Files are found from the document's folder. A key `$schema` is for editors, which find the schema
+/// of documents by it (see `GraphSchema`), and isn't read.
 class GraphDocument {
 public:
-    /// Reads a file. Throws `GraphError`.
+    /// Reads a file. Throws `GraphError`, which names it.
     static GraphDocument Read(const std::filesystem::path& file);
     /// Reads a text. Throws `GraphError`.
     /// @param folder  where relative file names start

@@ -40,18 +40,19 @@ bool ReadSize(const std::string& size, int& width, int& height)
     return heightFailure == std::errc() && rest == end && isSide(width) && isSide(height);
 }
 
-void AddPictureOption(CLI::App& command, std::string& picture)
+CLI::Option& AddPictureOption(CLI::App& command, std::string& picture)
 {
-    command
-        .add_option("-o,--picture", picture, "The picture: .png (8 bits, colours as sRGB) or .exr (floats)")
-        ->required()
-        ->type_name("FILE")
-        ->check(CheckPicture);
+    return *command
+                .add_option(
+                    "-o,--picture", picture, "The picture: .png (8 bits, colours as sRGB) or .exr (floats)")
+                ->required()
+                ->type_name("FILE")
+                ->check(CheckPicture);
 }
 
-void AddPictureOptions(CLI::App& command, PictureOptions& options)
+CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
 {
-    AddPictureOption(command, options.file);
+    CLI::Option& picture = AddPictureOption(command, options.file);
     command.add_option("--size", options.size, "Width and height in pixels")
         ->type_name("WxH")
         ->check(CheckSize)
@@ -60,4 +61,5 @@ void AddPictureOptions(CLI::App& command, PictureOptions& options)
         .add_option("--threads", options.threads, "Threads to shade with; the picture doesn't depend on it")
         ->type_name("N")
         ->check(CLI::Range(1, kMostThreads).description(""));
+    return picture;
 }

@@ -8,11 +8,14 @@ struct PictureOptions {
     int threads = 0; ///< 0 for one a processor
 };
 
-/// Adds `-o`, the picture that a command writes; an ending that no picture has is bad usage.
-void AddPictureOption(CLI::App& command, std::string& picture);
+/// Adds `-o`, the picture that a command writes; an ending that no picture has is bad usage. It is required; the
+/// command can free it of that.
+/// @return the option of the picture
+CLI::Option& AddPictureOption(CLI::App& command, std::string& picture);
 
 /// Adds `-o`, `--size` and `--threads`, checked as they are read.
-void AddPictureOptions(CLI::App& command, PictureOptions& options);
+/// @return the option of the picture
+CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options);
 
 /// Reads a size such as "640x480"; false for anything else.
 bool ReadSize(const std::string& size, int& width, int& height);

@@ -1,12 +1,10 @@
 #include "host/GraphDocument.h"
 #include "host/Library.h"
-#include "host/Render.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 #include "tools/PictureOptions.h"
-#include "tools/ProgressBar.h"
-#include "tools/ReportSummary.h"
+#include "tools/ShownJob.h"
 #include <fmt/core.h>
 
 namespace {
@@ -47,18 +45,9 @@ void RunRender(const RenderOptions& options)
             fmt::print(stderr, "fernwick: {}\n", notice);
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
-    std::optional<fernwick::Picture> picture;
-    {
-        ProgressBar bar(options.graph);
-        job.onProgress = [&](double share) {
-            reports.Forget();
-            bar.Show(share);
-        };
-        picture = fernwick::Render(library, document, job);
-    }
-    if (!picture || *job.cancel)
-        throw Interrupted();
-    picture->Save(options.picture.file);
+    RunShown(job, reports, options.graph, [&] {
+        return fernwick::Render(library, document, job);
+    }).Save(options.picture.file);
 }
 
 } // namespace

@@ -1,0 +1,36 @@
+#pragma once
+#include "host/Bake.h"
+#include "host/GraphDocument.h"
+#include "host/Library.h"
+#include "tools/PictureOptions.h"
+#include "tools/ReportSummary.h"
+
+/// What a command line tells about baking.
+struct BakeOptions {
+    PictureOptions picture;
+    std::string channel = "color";
+    std::string over;
+    bool isLit = false;
+    bool isDirectX = false;
+};
+
+/// The channels, one a line, for the help of a command with these options.
+extern const char* const kChannelHelp;
+
+std::vector<std::string> ChannelNames();
+
+/// Adds the options. `--picture` is required; the command can free it of that.
+/// @return the option of the picture
+CLI::Option& AddBakeOptions(CLI::App& command, BakeOptions& options);
+
+/// The job that the options describe. It is cancelled by Ctrl-C.
+fernwick::BakeJob JobOf(const BakeOptions& options);
+
+/// Throws `UsageError` when options don't go together.
+void RequireSense(const BakeOptions& options);
+
+/// Bakes a document into the picture file, with a progress bar. Throws `Interrupted`, and whatever `fernwick::Bake`
+/// throws, with `name` before it.
+/// @param name  what users call the document
+void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
+    const BakeOptions& options, const std::string& name);
