@@ -1,5 +1,6 @@
 #include "host/Geometry.h"
 #include "host/EmbreeDevice.h"
+#include "host/Parallel.h"
 #include <algorithm>
 #include <cmath>
 
@@ -7,7 +8,7 @@ namespace fernwick {
 
 RTCDevice EmbreeDevice()
 {
-    static const RTCDevice device = rtcNewDevice(nullptr);
+    static const RTCDevice device = rtcNewDevice(EmbreeSettings());
     return device;
 }
 

@@ -1,9 +1,7 @@
 #include "host/Tiles.h"
+#include "host/Parallel.h"
 #include <algorithm>
 #include <mutex>
-#include <tbb/global_control.h>
-#include <tbb/parallel_for.h>
-#include <tbb/task_arena.h>
 
 namespace fernwick {
 
@@ -49,11 +47,7 @@ bool ForEachTile(const TileJob& job, const std::function<void(const Tile&)>& sha
         if (job.onProgress)
             job.onProgress(static_cast<double>(done) / (columns * rows));
     };
-    const int threads = job.threads > 0 ? job.threads : tbb::this_task_arena::max_concurrency();
-    const tbb::global_control limit(
-        tbb::global_control::max_allowed_parallelism, static_cast<size_t>(threads));
-    tbb::task_arena(threads).execute(
-        [&] { tbb::parallel_for(0, columns * rows, shadeTile, tbb::simple_partitioner()); });
+    RunParallel(columns * rows, std::max(job.threads, 0), shadeTile);
     return done == columns * rows;
 }
 
