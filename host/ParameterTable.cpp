@@ -36,6 +36,7 @@ namespace fernwick {
 namespace {
 
 struct TypeRow {
+    std::string_view name;
     std::string_view text;
     FieldLayout layout;
 };
@@ -44,18 +45,18 @@ template <class Type> constexpr FieldLayout kLayout = {sizeof(Type), alignof(Typ
 
 /// By `FieldType`.
 constexpr TypeRow kTypes[] = {
-    {"a number", kLayout<float>},
-    {"an integer", kLayout<int32_t>},
-    {"true or false", kLayout<bool>},
-    {"a four-character code", kLayout<int32_t>},
-    {"two numbers", kLayout<TVector2>},
-    {"three numbers", kLayout<TVector3>},
-    {"three numbers from red to blue", kLayout<TMCColorRGB>},
-    {"four numbers from red to alpha", kLayout<TMCColorRGBA>},
-    {"a text of at most 255 bytes", kLayout<TMCString255>},
-    {"the name of a shader", kLayout<SubShaderSlot>},
-    {"the name of a file", kLayout<std::filesystem::path>},
-    {"a list of colours", kLayout<std::vector<TMCColorRGBA>>},
+    {"float", "a number", kLayout<float>},
+    {"int32", "an integer", kLayout<int32_t>},
+    {"bool", "true or false", kLayout<bool>},
+    {"code", "a four-character code", kLayout<int32_t>},
+    {"vector2", "two numbers", kLayout<TVector2>},
+    {"vector3", "three numbers", kLayout<TVector3>},
+    {"rgb", "three numbers from red to blue", kLayout<TMCColorRGB>},
+    {"rgba", "four numbers from red to alpha", kLayout<TMCColorRGBA>},
+    {"string", "a text of at most 255 bytes", kLayout<TMCString255>},
+    {"shader", "the name of a shader", kLayout<SubShaderSlot>},
+    {"file", "the name of a file", kLayout<std::filesystem::path>},
+    {"colors", "a list of colours", kLayout<std::vector<TMCColorRGBA>>},
 };
 
 const TypeRow& TypeRowOf(FieldType type) { return kTypes[static_cast<size_t>(type)]; }
@@ -128,6 +129,8 @@ void AddFields(const Row& row, const Field& parent, std::vector<Field>& fields)
 bool IsCode(int32_t value) { return (static_cast<uint32_t>(value) >> 24) != 0; }
 
 } // namespace
+
+std::string_view TypeName(FieldType type) { return TypeRowOf(type).name; }
 
 std::string_view TypeText(FieldType type) { return TypeRowOf(type).text; }
 

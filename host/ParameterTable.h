@@ -26,6 +26,9 @@ enum class FieldType {
     kColors, ///< `std::vector<TMCColorRGBA>`
 };
 
+/// The short name of a type, such as "float" or "vector2".
+std::string_view TypeName(FieldType type);
+
 /// How a type is called in texts for users, such as "a number" or "three numbers".
 std::string_view TypeText(FieldType type);
 

@@ -1,35 +1,97 @@
+#include "host/FieldValue.h"
+#include "host/Graph.h"
+#include "host/JsonNode.h"
 #include "host/Library.h"
-#include "host/Nearest.h"
-#include "host/ShaderWrapper.h"
 #include "host/Sources.h"
 #include "tools/Commands.h"
-#include "tools/FieldText.h"
+#include "tools/FieldLines.h"
 #include "tools/Kinds.h"
 #include "tools/LibraryOption.h"
+#include "tools/Names.h"
 #include "tools/ReportSummary.h"
 #include <algorithm>
 #include <fmt/core.h>
 
 namespace {
 
+using fernwick::Json;
+
 struct DescribeOptions {
     std::string name;
+    bool asJson = false;
     std::string library;
 };
 
-/// The columns of the table of fields, as wide as their longest entry.
+/// All that is told of a class or source.
+struct Description {
+    const fernwick::ParameterTable& table;
+    bool isSource = false;
+    std::optional<std::vector<std::string>> needs = {}; ///< of a class that can be made
+    std::vector<FieldLine> lines = {};
+    std::vector<std::string> defaults = {}; ///< of each field, as documents have it; empty for none to read
+};
+
+/// @param record  a fresh one; null when there is none
+void AddFields(const void* record, Description& description)
+{
+    description.lines = FieldLines(description.table, record);
+    if (record != nullptr)
+        for (const fernwick::Field& field : description.table.fFields)
+            description.defaults.push_back(fernwick::ValueText(field, fernwick::ReadField(field, record)));
+}
+
+/// Makes an object of the class. Null for a class without a route where the module that makes it isn't there, as in an
+/// installed tree.
+MCCountedPtr<fernwick::ShaderWrapper> Specimen(
+    const fernwick::Library& library, const fernwick::ParameterTable& table)
+{
+    try {
+        auto shader = fernwick::MakeShader(library, table);
+        if (!shader)
+            throw fernwick::LibraryError(library.Path().string() + ": doesn't make the class " + table.fName);
+        return shader;
+    } catch (const fernwick::LibraryError&) {
+        if (!table.fClassIDs.empty())
+            throw;
+        return {};
+    }
+}
+
+Description Describe(const DescribeOptions& options)
+{
+    Description description = {RequireTable(options.name)};
+    if (const fernwick::SourceKind* const source = fernwick::FindSource(options.name)) {
+        description.isSource = true;
+        AddFields(source->fDefaults, description);
+        return description;
+    }
+    fernwick::Library library(FindLibrary(options.library));
+    const ReportSummary reports(library.HostUtilities().Debug());
+    const auto shader = Specimen(library, description.table);
+    if (shader) {
+        ShadingFlags flags;
+        shader->GetShadingFlags(flags);
+        description.needs = NeedNames(flags);
+    }
+    AddFields(shader ? shader->Exchanger().GetExtensionDataBuffer() : nullptr, description);
+    return description;
+}
+
+/// The columns of the table of fields, as wide as their longest entry, but for defaults that are very long.
 struct Widths {
     size_t name = 5;
     size_t type = 4;
     size_t standard = 7;
     size_t unit = 4;
 
-    void Hold(const fernwick::Field& field, const std::string& standardText)
+    void Hold(const FieldLine& line)
     {
-        name = std::max(name, field.fName.size());
-        type = std::max(type, fernwick::TypeText(field.fType).size());
-        standard = std::max(standard, standardText.size());
-        unit = std::max(unit, field.fUnit.size());
+        constexpr size_t kLongestDefault = 24;
+        name = std::max(name, line.name.size());
+        type = std::max(type, fernwick::TypeText(line.type).size());
+        if (line.standard.size() <= kLongestDefault)
+            standard = std::max(standard, line.standard.size());
+        unit = std::max(unit, line.unit.size());
     }
     std::string Line(std::string_view nameText, std::string_view typeText, std::string_view standardText,
         std::string_view unitText, std::string_view help) const
@@ -39,82 +101,89 @@ struct Widths {
     }
 };
 
-/// @param record  a fresh one, whose values are the defaults; null when there is none to read
-void PrintFields(const fernwick::ParameterTable& table, const void* record)
+void PrintFields(const std::vector<FieldLine>& lines)
 {
     Widths widths;
-    std::vector<std::string> standards;
-    for (const fernwick::Field& field : table.fFields) {
-        standards.push_back(
-            record == nullptr ? "-" : fernwick::ValueText(field, fernwick::ReadField(field, record)));
-        widths.Hold(field, standards.back());
-    }
+    for (const FieldLine& line : lines)
+        widths.Hold(line);
     fmt::print("\n{}", widths.Line("FIELD", "TYPE", "DEFAULT", "UNIT", "WHAT IT DOES"));
-    for (size_t i = 0; i < table.fFields.size(); ++i) {
-        const fernwick::Field& field = table.fFields[i];
+    for (const FieldLine& line : lines) {
         fmt::print("{}",
-            widths.Line(
-                field.fName, fernwick::TypeText(field.fType), standards[i], field.fUnit, HelpText(field)));
-        for (const fernwick::Choice& choice : field.fChoices)
-            fmt::print("{}", widths.Line("", "", "", "", "  " + ChoiceText(field, choice)));
+            widths.Line(line.name, fernwick::TypeText(line.type), line.standard.empty() ? "-" : line.standard,
+                line.unit, line.help));
+        for (const std::string& choice : line.choices)
+            fmt::print("{}", widths.Line("", "", "", "", "  " + choice));
     }
 }
 
-void PrintHead(const fernwick::ParameterTable& table)
+void PrintText(const Description& description)
 {
+    const fernwick::ParameterTable& table = description.table;
     fmt::print("{}: {}\n\n", table.fName, table.fPurpose);
     fmt::print("Outputs     {}\n", KindsText(table.fOutputKinds));
-}
-
-void DescribeSource(const fernwick::SourceKind& source)
-{
-    PrintHead(source.fTable);
-    fmt::print("Source      of the host: {{\"source\": \"{}\"}} in a graph\n", source.fTable.fName);
-    PrintFields(source.fTable, source.fDefaults);
-}
-
-void DescribeClass(const fernwick::ParameterTable& table, const std::string& libraryName)
-{
-    PrintHead(table);
-    if (table.fClassIDs.empty()) {
-        fmt::print("Identifier  none: the library has no route to the class\n");
+    if (description.isSource) {
+        fmt::print("Source      of the host: {{\"source\": \"{}\"}} in a graph\n", table.fName);
+    } else {
+        if (table.fClassIDs.empty())
+            fmt::print("Identifier  none: the library has no route to the class\n");
+        for (const GUID& classID : table.fClassIDs)
+            fmt::print("Identifier  {}\n", fernwick::GuidText(classID));
+        if (description.needs)
+            fmt::print("Needs       {}\n", Joined(*description.needs));
         fmt::print("Record      {} bytes\n", table.fRecordSize);
-        PrintFields(table, nullptr);
-        return;
     }
-    fernwick::Library library(FindLibrary(libraryName));
-    const ReportSummary reports(library.HostUtilities().Debug());
-    const auto shader = fernwick::ShaderWrapper::Make(library, table.fClassIDs.front());
-    if (!shader)
-        throw fernwick::LibraryError(library.Path().string() + ": doesn't make the class " + table.fName);
-    ShadingFlags flags;
-    shader->GetShadingFlags(flags);
-    for (const GUID& classID : table.fClassIDs)
-        fmt::print("Identifier  {}\n", fernwick::GuidText(classID));
-    fmt::print("Needs       {}\n", NeedsText(flags));
-    fmt::print("Record      {} bytes\n", shader->Exchanger().GetParamsBufferSize());
-    PrintFields(table, shader->Exchanger().GetExtensionDataBuffer());
+    PrintFields(description.lines);
 }
 
-std::vector<std::string> AllNames()
+/// A text in the notation of documents as a value; null where it is none, such as a slot's.
+Json JsonOf(const std::string& text)
 {
-    std::vector<std::string> names;
-    for (const fernwick::ParameterTable& table : fernwick::AllClasses())
-        names.push_back(table.fName);
-    for (const fernwick::SourceKind& source : fernwick::AllSources())
-        names.push_back(source.fTable.fName);
-    return names;
+    const Json value = Json::parse(text, nullptr, false);
+    return value.is_discarded() ? Json() : value;
 }
 
-void RunDescribe(const DescribeOptions& options)
+Json ChoicesOf(const fernwick::Field& field)
 {
-    if (const fernwick::SourceKind* const source = fernwick::FindSource(options.name))
-        DescribeSource(*source);
-    else if (const fernwick::ParameterTable* const table = fernwick::FindClass(options.name))
-        DescribeClass(*table, options.library);
-    else
-        throw UsageError(fmt::format("there is no class or source \"{}\"{}; `fernwick list` names them",
-            options.name, fernwick::NearestHint(options.name, AllNames())));
+    Json choices = Json::array();
+    for (const fernwick::Choice& choice : field.fChoices)
+        choices.push_back(
+            {{"value", JsonOf(fernwick::ValueText(field, choice.fValue))}, {"label", choice.fLabel}});
+    return choices;
+}
+
+Json FieldsOf(const Description& description)
+{
+    Json fields = Json::array();
+    for (size_t i = 0; i < description.table.fFields.size(); ++i) {
+        const fernwick::Field& field = description.table.fFields[i];
+        Json entry = {{"name", field.fName}, {"type", fernwick::TypeName(field.fType)},
+            {"label", field.fLabel}, {"help", field.fHelp}};
+        if (!description.defaults.empty())
+            entry["default"] = JsonOf(description.defaults[i]);
+        if (!field.fUnit.empty())
+            entry["unit"] = field.fUnit;
+        if (field.fMinimum)
+            entry["minimum"] = *field.fMinimum;
+        if (field.fMaximum)
+            entry["maximum"] = *field.fMaximum;
+        if (!field.fChoices.empty())
+            entry["choices"] = ChoicesOf(field);
+        if (field.fDerived)
+            entry["derived"] = true;
+        fields.push_back(std::move(entry));
+    }
+    return fields;
+}
+
+void PrintJson(const Description& description)
+{
+    Json json = EntryOf(description.table, description.isSource);
+    if (description.needs)
+        json["needs"] = *description.needs;
+    if (!description.isSource)
+        json["recordSize"] = description.table.fRecordSize;
+    json["fields"] = FieldsOf(description);
+    fmt::print("{}\n", json.dump(2));
 }
 
 } // namespace
@@ -127,8 +196,14 @@ void AddDescribeCommand(CLI::App& app)
     command.add_option("class", options->name, "A name out of `fernwick list`")
         ->required()
         ->type_name("CLASS");
+    command.add_flag("--json", options->asJson, "Prints JSON");
     AddLibraryOption(command, options->library);
-    command.footer("Defaults are read from an object that the library has just made.\n\n"
-                   "Example:\n  fernwick describe Key");
-    command.callback([options] { RunDescribe(*options); });
+    command.footer(
+        "Defaults are read from an object that the library has just made. An array is one line; a\n"
+        "document, or --set of `fernwick shade`, takes it whole or by element, such as fRange[3].\n\n"
+        "Example:\n  fernwick describe Key");
+    command.callback([options] {
+        const Description description = Describe(*options);
+        options->asJson ? PrintJson(description) : PrintText(description);
+    });
 }

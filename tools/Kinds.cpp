@@ -1,4 +1,5 @@
 #include "tools/Kinds.h"
+#include <fmt/format.h>
 #include <span>
 
 namespace {
@@ -27,17 +28,24 @@ constexpr NamedBit kNeeds[] = {
     {kNeedsExtraC, "host data C"},
 };
 
-std::string NamesOf(int32_t bits, std::span<const NamedBit> names)
+std::vector<std::string> NamesOf(int32_t bits, std::span<const NamedBit> names)
 {
-    std::string text;
+    std::vector<std::string> found;
     for (const NamedBit& named : names)
         if ((bits & named.bit) != 0)
-            text += (text.empty() ? "" : ", ") + std::string(named.name);
-    return text.empty() ? "none" : text;
+            found.emplace_back(named.name);
+    return found;
 }
 
 } // namespace
 
-std::string KindsText(int32_t kinds) { return NamesOf(kinds, kKinds); }
+std::string KindsText(int32_t kinds) { return Joined(KindNames(kinds)); }
 
-std::string NeedsText(const ShadingFlags& flags) { return NamesOf(flags.fNeeds, kNeeds); }
+std::vector<std::string> KindNames(int32_t kinds) { return NamesOf(kinds, kKinds); }
+
+std::vector<std::string> NeedNames(const ShadingFlags& flags) { return NamesOf(flags.fNeeds, kNeeds); }
+
+std::string Joined(const std::vector<std::string>& names)
+{
+    return names.empty() ? "none" : fmt::format("{}", fmt::join(names, ", "));
+}

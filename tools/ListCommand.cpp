@@ -1,6 +1,7 @@
 #include "host/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Kinds.h"
+#include "tools/Names.h"
 #include <fmt/core.h>
 
 namespace {
@@ -12,7 +13,7 @@ void PrintClass(const fernwick::ParameterTable& table, const std::string& identi
     fmt::print(kLine, table.fName, KindsText(table.fOutputKinds), identifier, table.fPurpose);
 }
 
-void RunList()
+void PrintTables()
 {
     fmt::print(kLine, "CLASS", "OUTPUTS", "IDENTIFIER", "PURPOSE");
     for (const fernwick::ParameterTable& table : fernwick::AllClasses()) {
@@ -27,15 +28,27 @@ void RunList()
         PrintClass(source.fTable, "");
 }
 
+void PrintJson()
+{
+    fernwick::Json list = {{"classes", fernwick::Json::array()}, {"sources", fernwick::Json::array()}};
+    for (const fernwick::ParameterTable& table : fernwick::AllClasses())
+        list["classes"].push_back(EntryOf(table, false));
+    for (const fernwick::SourceKind& source : fernwick::AllSources())
+        list["sources"].push_back(EntryOf(source.fTable, true));
+    fmt::print("{}\n", list.dump(2));
+}
+
 } // namespace
 
 void AddListCommand(CLI::App& app)
 {
+    const auto asJson = std::make_shared<bool>(false);
     CLI::App& command
         = *app.add_subcommand("list", "Lists the classes of the library and the host's own sources.");
+    command.add_flag("--json", *asJson, "Prints JSON");
     command.footer(
         "Classes come in the order of their routes. A class with several identifiers is listed under each;\n"
         "one without a route can't be made by the library. Sources are plugged into slots by graphs.\n\n"
         "Example:\n  fernwick list");
-    command.callback(RunList);
+    command.callback([asJson] { *asJson ? PrintJson() : PrintTables(); });
 }

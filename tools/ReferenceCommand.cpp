@@ -1,5 +1,5 @@
+#include "host/Graph.h"
 #include "host/Library.h"
-#include "host/ShaderWrapper.h"
 #include "tools/Commands.h"
 #include "tools/Kinds.h"
 #include "tools/LibraryOption.h"
@@ -42,14 +42,12 @@ std::string PageOf(const fernwick::ParameterTable& table, const fernwick::Librar
     facts.fExhibit = showcase.Find(table.fName);
     if (facts.fExhibit != nullptr)
         facts.fExample = TextOf(facts.fExhibit->fGraph);
-    if (table.fClassIDs.empty())
-        return ReferencePage(table, facts);
-    const auto shader = fernwick::ShaderWrapper::Make(library, table.fClassIDs.front());
+    const auto shader = fernwick::MakeShader(library, table);
     if (!shader)
         throw fernwick::LibraryError(library.Path().string() + ": doesn't make the class " + table.fName);
     ShadingFlags flags;
     shader->GetShadingFlags(flags);
-    facts.fNeeds = NeedsText(flags);
+    facts.fNeeds = Joined(NeedNames(flags));
     facts.fRecord = shader->Exchanger().GetExtensionDataBuffer();
     return ReferencePage(table, facts);
 }

@@ -1,88 +1,10 @@
 #include "tools/ReferencePage.h"
 #include "host/Sources.h"
-#include "tools/FieldText.h"
+#include "tools/FieldLines.h"
 #include "tools/Kinds.h"
-#include <algorithm>
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 namespace {
-
-/// Rows of a record with the names that they have in documents, and the record.
-struct Place {
-    const fernwick::ParameterTable& table;
-    const void* record;
-    std::string shown;              // such as `fBands[0..6].`
-    std::string label;              // such as `Band #: `
-    std::vector<std::string> names; // such as `fBands[0].` to `fBands[6].`
-};
-
-/// The names of the elements of an array, outer dimension first; of anything else the name itself.
-std::vector<std::string> ElementNames(const std::vector<std::string>& parents, const fernwick::Row& row)
-{
-    std::vector<std::string> names;
-    for (const std::string& parent : parents)
-        names.push_back(parent + row.fField.fName);
-    for (const size_t count : row.fCounts) {
-        std::vector<std::string> elements;
-        for (const std::string& name : names)
-            for (size_t i = 0; i < count; ++i)
-                elements.push_back(fmt::format("{}[{}]", name, i));
-        names = std::move(elements);
-    }
-    return names;
-}
-
-std::string Joined(const std::vector<std::string>& texts, const char* between)
-{
-    std::string joined;
-    for (const std::string& text : texts)
-        joined += (joined.empty() ? "" : between) + text;
-    return joined;
-}
-
-/// The value that all elements have; else all of them, in the notation of documents.
-std::string DefaultText(const Place& place, const fernwick::Row& row)
-{
-    if (place.record == nullptr)
-        return "-";
-    std::vector<std::string> values;
-    for (const std::string& name : ElementNames(place.names, row)) {
-        const fernwick::Field& field = *place.table.Find(name);
-        values.push_back(fernwick::ValueText(field, fernwick::ReadField(field, place.record)));
-    }
-    if (std::adjacent_find(values.begin(), values.end(), std::not_equal_to<>()) == values.end())
-        return '`' + values.front() + '`';
-    const size_t length = row.fCounts.size() > 1 ? row.fCounts[1] : values.size();
-    std::vector<std::string> lines;
-    for (auto line = values.begin(); line != values.end(); line += static_cast<std::ptrdiff_t>(length))
-        lines.push_back('[' + Joined({line, line + static_cast<std::ptrdiff_t>(length)}, ", ") + ']');
-    return lines.size() == 1 ? '`' + lines.front() + '`' : "`[" + Joined(lines, ", ") + "]`";
-}
-
-void AddLines(const Place& place, const std::vector<fernwick::Row>& rows, std::string& lines)
-{
-    for (const fernwick::Row& row : rows) {
-        std::string shown = place.shown + row.fField.fName;
-        for (const size_t count : row.fCounts)
-            shown += fmt::format("[0..{}]", count - 1);
-        fernwick::Field field = row.fField;
-        field.fLabel = place.label + field.fLabel;
-        if (!row.fRows.empty()) {
-            std::vector<std::string> names = ElementNames(place.names, row);
-            for (std::string& name : names)
-                name += '.';
-            AddLines({place.table, place.record, shown + '.', field.fLabel + ": ", names}, row.fRows, lines);
-            continue;
-        }
-        std::string help = HelpText(field);
-        if (!row.fLabels.empty())
-            help += " In order: " + Joined(row.fLabels, ", ") + '.';
-        for (const fernwick::Choice& choice : field.fChoices)
-            help += "<br>" + ChoiceText(field, choice);
-        lines += fmt::format("| `{}` | {} | {} | {} | {} |\n", shown, fernwick::TypeText(field.fType),
-            DefaultText(place, row), field.fUnit, help);
-    }
-}
 
 std::string ClassTable(const fernwick::ParameterTable& table, const ReferenceFacts& facts)
 {
@@ -91,7 +13,8 @@ std::string ClassTable(const fernwick::ParameterTable& table, const ReferenceFac
         identifiers.push_back('`' + fernwick::GuidText(classID) + '`');
     std::string text = "| | |\n| --- | --- |\n";
     text += fmt::format("| Class identifier | {} |\n",
-        identifiers.empty() ? "none: the library has no route to the class" : Joined(identifiers, "<br>"));
+        identifiers.empty() ? "none: the library has no route to the class"
+                            : fmt::format("{}", fmt::join(identifiers, "<br>")));
     text += fmt::format("| Outputs | {} |\n", KindsText(table.fOutputKinds));
     if (!facts.fNeeds.empty())
         text += fmt::format("| Needs | {} |\n", facts.fNeeds);
@@ -103,7 +26,11 @@ std::string ClassTable(const fernwick::ParameterTable& table, const ReferenceFac
 std::string FieldsTable(const fernwick::ParameterTable& table, const void* record)
 {
     std::string lines;
-    AddLines({table, record, "", "", {""}}, table.fRows, lines);
+    for (const FieldLine& line : FieldLines(table, record))
+        lines += fmt::format("| `{}` | {} | {} | {} | {} |\n", line.name, fernwick::TypeText(line.type),
+            line.standard.empty() ? "-" : '`' + line.standard + '`', line.unit,
+            line.help + (line.choices.empty() ? "" : "<br>")
+                + fmt::format("{}", fmt::join(line.choices, "<br>")));
     if (lines.empty())
         return lines;
     const char* const note

@@ -5,7 +5,7 @@
 /// What a page of the reference tells beside the table of parameters.
 struct ReferenceFacts {
     const void* fRecord = nullptr; ///< a fresh one, whose values are the defaults; null when there is none
-    std::string fNeeds;            ///< as `NeedsText` gives it; empty when nobody can be asked
+    std::string fNeeds;            ///< such as `UV, point (world)`
     std::string fQuirks;           ///< Markdown; may be empty
     const Exhibit* fExhibit = nullptr; ///< may be null
     std::string fExample;              ///< text of its graph

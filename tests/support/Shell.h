@@ -27,3 +27,10 @@ inline std::string FileText(const std::filesystem::path& file)
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
+
+/// Writes a file, and the folders that it lies in.
+inline void Store(const std::filesystem::path& file, const std::string& text)
+{
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << text;
+}

@@ -1,44 +1,32 @@
-#include <cstdio>
+#include "tests/support/Shell.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
 
 namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
 
-struct Answer {
-    int status;
-    std::string out; // and error
-};
-
-Answer Shell(const std::string& line)
+ShellAnswer Validate(const std::string& arguments)
 {
-    FILE* const pipe = popen(line.c_str(), "r");
-    std::string out;
-    for (int character = 0; (character = std::fgetc(pipe)) != EOF;)
-        out += static_cast<char>(character);
-    return {WEXITSTATUS(pclose(pipe)), out};
+    return Shell(FERNWICK_COMMAND " validate " + arguments);
 }
-
-Answer Validate(const std::string& arguments) { return Shell(FERNWICK_COMMAND " validate " + arguments); }
 
 /// All findings of a broken module's Key.
 json FindingsOf(const std::string& fault, const std::string& only = "")
 {
-    const Answer answer = Validate(FERNWICK_BROKEN + fault + ".so --only '" + only
+    const ShellAnswer answer = Validate(FERNWICK_BROKEN + fault + ".so --only '" + only
         + "' --class Key --records 500 --time-limit 10 --json 2>/dev/null");
     EXPECT_EQ(answer.status, 1);
-    return json::parse(answer.out);
+    return json::parse(answer.text);
 }
 
 TEST(ValidateTest, FindsNothingInThePack)
 {
-    const Answer answer = Validate(FERNWICK_MODULE " --records " FERNWICK_RECORDS " 2>&1");
-    EXPECT_EQ(answer.status, 0) << answer.out;
-    EXPECT_THAT(answer.out, testing::Not(HasSubstr("FAILED")));
+    const ShellAnswer answer = Validate(FERNWICK_MODULE " --records " FERNWICK_RECORDS " 2>&1");
+    EXPECT_EQ(answer.status, 0) << answer.text;
+    EXPECT_THAT(answer.text, testing::Not(HasSubstr("FAILED")));
 }
 
 TEST(ValidateTest, FindsEachFaultAndNoOther)
@@ -90,26 +78,26 @@ TEST(ValidateTest, AFindingTellsTheCommandThatShowsItAgain)
     std::string replay = finding["replay"];
     ASSERT_TRUE(replay.starts_with("fernwick validate "));
     replay = FERNWICK_COMMAND + replay.substr(8);
-    const Answer again = Shell(replay + " 2>/dev/null");
+    const ShellAnswer again = Shell(replay + " 2>/dev/null");
     EXPECT_EQ(again.status, 1);
     for (const char* const key : {"what", "field", "value", "replay"})
-        EXPECT_THAT(again.out, HasSubstr(std::string(finding[key])));
-    EXPECT_THAT(again.out, HasSubstr(std::to_string(finding["seed"].get<uint64_t>())));
+        EXPECT_THAT(again.text, HasSubstr(std::string(finding[key])));
+    EXPECT_THAT(again.text, HasSubstr(std::to_string(finding["seed"].get<uint64_t>())));
 }
 
 TEST(ValidateTest, ChecksAreNamedAndChosen)
 {
-    const Answer list = Validate("--list --only '^l'");
+    const ShellAnswer list = Validate("--list --only '^l'");
     EXPECT_EQ(list.status, 0);
-    EXPECT_THAT(list.out, testing::MatchesRegex("life-cycle .*\nleaks .*\n"));
+    EXPECT_THAT(list.text, testing::MatchesRegex("life-cycle .*\nleaks .*\n"));
     for (const std::string arguments : {"--only nothing", "--only '('", "--class Corners", "--records 0"})
         EXPECT_EQ(Validate(arguments + " 2>/dev/null").status, 2) << arguments;
-    const Answer none = Validate(FERNWICK_COMMAND " --only exports --json 2>/dev/null");
+    const ShellAnswer none = Validate(FERNWICK_COMMAND " --only exports --json 2>/dev/null");
     EXPECT_EQ(none.status, 1);
-    EXPECT_THAT(none.out, HasSubstr("MCDllInit isn't exported"));
-    const Answer missing = Validate("missing.so --only 'exports|routes' 2>/dev/null");
+    EXPECT_THAT(none.text, HasSubstr("MCDllInit isn't exported"));
+    const ShellAnswer missing = Validate("missing.so --only 'exports|routes' 2>/dev/null");
     EXPECT_EQ(missing.status, 1);
-    EXPECT_THAT(missing.out, HasSubstr("missing.so: no such file"));
+    EXPECT_THAT(missing.text, HasSubstr("missing.so: no such file"));
 }
 
 } // namespace

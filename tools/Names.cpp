@@ -1,0 +1,51 @@
+#include "tools/Names.h"
+#include "host/Nearest.h"
+#include "host/Sources.h"
+#include "tools/Commands.h"
+#include "tools/Kinds.h"
+#include <fmt/core.h>
+
+const fernwick::ParameterTable* FindTable(std::string_view name)
+{
+    const fernwick::SourceKind* const source = fernwick::FindSource(name);
+    return source != nullptr ? &source->fTable : fernwick::FindClass(name);
+}
+
+const fernwick::ParameterTable& RequireTable(const std::string& name)
+{
+    const fernwick::ParameterTable* const table = FindTable(name);
+    if (table == nullptr)
+        throw UsageError(fmt::format("there is no class or source \"{}\"{}; `fernwick list` names them", name,
+            fernwick::NearestHint(name, ClassAndSourceNames())));
+    return *table;
+}
+
+std::vector<std::string> ClassAndSourceNames()
+{
+    std::vector<std::string> names;
+    for (const fernwick::ParameterTable& table : fernwick::AllClasses())
+        names.push_back(table.fName);
+    const std::vector<std::string> sources = SourceNames();
+    names.insert(names.end(), sources.begin(), sources.end());
+    return names;
+}
+
+std::vector<std::string> SourceNames()
+{
+    std::vector<std::string> names;
+    for (const fernwick::SourceKind& source : fernwick::AllSources())
+        names.push_back(source.fTable.fName);
+    return names;
+}
+
+fernwick::Json EntryOf(const fernwick::ParameterTable& table, bool isSource)
+{
+    fernwick::Json entry
+        = {{"name", table.fName}, {"purpose", table.fPurpose}, {"outputs", KindNames(table.fOutputKinds)}};
+    if (isSource)
+        return entry;
+    entry["identifiers"] = fernwick::Json::array();
+    for (const GUID& classID : table.fClassIDs)
+        entry["identifiers"].push_back(fernwick::GuidText(classID));
+    return entry;
+}
