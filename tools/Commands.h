@@ -26,3 +26,4 @@ void AddReferenceCommand(CLI::App& app);
 void AddPlotCommand(CLI::App& app);
 void AddRenderCommand(CLI::App& app);
 void AddValidateCommand(CLI::App& app);
+void AddSchemaCommand(CLI::App& app);

@@ -16,6 +16,7 @@ int main(int argc, char** argv)
     AddPlotCommand(app);
     AddRenderCommand(app);
     AddValidateCommand(app);
+    AddSchemaCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
