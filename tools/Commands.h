@@ -22,6 +22,7 @@ struct Interrupted { };
 void AddListCommand(CLI::App& app);
 void AddDescribeCommand(CLI::App& app);
 void AddBakeCommand(CLI::App& app);
+void AddShadeCommand(CLI::App& app);
 void AddReferenceCommand(CLI::App& app);
 void AddPlotCommand(CLI::App& app);
 void AddRenderCommand(CLI::App& app);

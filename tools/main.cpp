@@ -12,6 +12,7 @@ int main(int argc, char** argv)
     AddListCommand(app);
     AddDescribeCommand(app);
     AddBakeCommand(app);
+    AddShadeCommand(app);
     AddReferenceCommand(app);
     AddPlotCommand(app);
     AddRenderCommand(app);
