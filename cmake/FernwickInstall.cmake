@@ -26,25 +26,37 @@ install(FILES ${PROJECT_BINARY_DIR}/fernwick_shaders.pc DESTINATION lib/pkgconfi
 
 # What people read.
 install(FILES README.md DESTINATION ${documents} OPTIONAL)
-install(DIRECTORY docs/ DESTINATION ${documents}/docs FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
+install(DIRECTORY docs/ DESTINATION ${documents}/docs 
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN *.schema.json)
 install(DIRECTORY examples DESTINATION ${documents} PATTERN CMakeLists.txt EXCLUDE)
-install(FILES docs/graph.schema.json DESTINATION share/fernwick OPTIONAL)
+install(FILES docs/graph.schema.json DESTINATION share/fernwick)
 
 if(TARGET fernwick)
     install(TARGETS fernwick RUNTIME DESTINATION bin)
     if(NOT CMAKE_CROSSCOMPILING)
-        # The built command writes the reference and, where it can, its own manual page.
+        # The built command writes the reference, its own manual page and what completes its command lines. Debian
+        # keeps what packages bring for zsh in a folder of its own.
         install(CODE "
             set(made \"${PROJECT_BINARY_DIR}/documents\")
+            set(command \"$<TARGET_FILE:fernwick>\")
             execute_process(
-                COMMAND \"$<TARGET_FILE:fernwick>\" reference --library \"$<TARGET_FILE:Fernwick_shaders>\"
+                COMMAND \"\${command}\" reference --library \"$<TARGET_FILE:Fernwick_shaders>\"
                     --with \"${PROJECT_SOURCE_DIR}\" -o \"\${made}/reference\"
                 COMMAND_ERROR_IS_FATAL ANY)
+            execute_process(COMMAND \"\${command}\" man
+                OUTPUT_FILE \"\${made}/fernwick.1\" COMMAND_ERROR_IS_FATAL ANY)
+            execute_process(COMMAND \"\${command}\" completion bash
+                OUTPUT_FILE \"\${made}/fernwick\" COMMAND_ERROR_IS_FATAL ANY)
+            execute_process(COMMAND \"\${command}\" completion zsh
+                OUTPUT_FILE \"\${made}/_fernwick\" COMMAND_ERROR_IS_FATAL ANY)
+            set(share \"\${CMAKE_INSTALL_PREFIX}/share\")
+            set(zsh site-functions)
+            if(CMAKE_INSTALL_PREFIX MATCHES \"/usr\\$\")
+                set(zsh vendor-completions)
+            endif()
             file(INSTALL \"\${made}/reference\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${documents}/docs\")
-            execute_process(COMMAND \"$<TARGET_FILE:fernwick>\" man
-                OUTPUT_FILE \"\${made}/fernwick.1\" ERROR_QUIET RESULT_VARIABLE failure)
-            if(NOT failure)
-                file(INSTALL \"\${made}/fernwick.1\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/share/man/man1\")
-            endif()")
+            file(INSTALL \"\${made}/fernwick.1\" DESTINATION \"\${share}/man/man1\")
+            file(INSTALL \"\${made}/fernwick\" DESTINATION \"\${share}/bash-completion/completions\")
+            file(INSTALL \"\${made}/_fernwick\" DESTINATION \"\${share}/zsh/\${zsh}\")")
     endif()
 endif()

@@ -28,3 +28,5 @@ void AddPlotCommand(CLI::App& app);
 void AddRenderCommand(CLI::App& app);
 void AddValidateCommand(CLI::App& app);
 void AddSchemaCommand(CLI::App& app);
+void AddCompletionCommand(CLI::App& app);
+void AddManCommand(CLI::App& app);

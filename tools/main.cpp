@@ -18,6 +18,8 @@ int main(int argc, char** argv)
     AddRenderCommand(app);
     AddValidateCommand(app);
     AddSchemaCommand(app);
+    AddCompletionCommand(app);
+    AddManCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -13,7 +13,9 @@ foreach(file
         bin/fernwick lib/fernwick/Fernwick_shaders.so lib/libfernwick_types.a include/fernwick/frame/Exports.h
         lib/cmake/Fernwick_shaders/Fernwick_shadersConfig.cmake lib/pkgconfig/fernwick_shaders.pc
         share/doc/fernwick/docs/hosting.md share/doc/fernwick/docs/reference/Key.md
-        share/doc/fernwick/examples/key.json)
+        share/doc/fernwick/docs/graph.schema.json share/doc/fernwick/examples/key.json
+        share/fernwick/graph.schema.json share/man/man1/fernwick.1
+        share/bash-completion/completions/fernwick share/zsh/vendor-completions/_fernwick)
     string(FIND "${contents}" " ./usr/${file}\n" place)
     if(place EQUAL -1)
         message(FATAL_ERROR "the package lacks ${file}:\n${contents}")

@@ -1,56 +1,14 @@
-#include "tests/support/BakeText.h"
-#include <cstdlib>
-#include <fstream>
-#include <sys/wait.h>
+#include "tests/support/CommandTest.h"
 
 namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
 
-std::string Contents(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void Store(const std::filesystem::path& file, const std::string& text) { std::ofstream(file) << text; }
-
-struct Answer {
-    int status;
-    std::string out;
-    std::string error;
-};
-
-class CommandTest : public testing::Test {
-protected:
-    const FreshFolder fPlace;
-    const std::filesystem::path fFolder = fPlace / "work"; // where the command runs
-    const std::string fKey = FERNWICK_EXAMPLES "/key.json";
-
-    CommandTest()
-    {
-        std::filesystem::create_directory(fFolder);
-        unsetenv("FERNWICK_LIBRARY");
-    }
-
-    /// Runs the built command.
-    /// @param before  what stands before it on the shell's line, such as settings of the environment
-    Answer Run(const std::string& arguments, const std::string& before = "",
-        const std::string& command = FERNWICK_COMMAND) const
-    {
-        const std::filesystem::path out = fPlace / "out";
-        const std::filesystem::path error = fPlace / "error";
-        const std::string line = "cd '" + fFolder.string() + "' && " + before + " '" + command + "' "
-            + arguments + " >'" + out.string() + "' 2>'" + error.string() + "'";
-        const int status = WEXITSTATUS(std::system(line.c_str()));
-        return {status, Contents(out), Contents(error)};
-    }
-};
-
 TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
 {
-    for (const std::string command : {"list", "describe", "bake", "plot", "render"}) {
+    for (const std::string command :
+        {"list", "describe", "bake", "shade", "plot", "render", "schema", "completion", "man"}) {
         const Answer answer = Run(command + " --help");
         EXPECT_EQ(answer.status, 0);
         EXPECT_THAT(answer.out, HasSubstr("\n  fernwick " + command));
@@ -128,7 +86,7 @@ TEST_F(CommandTest, BakesTheSameFileWithAnyNumberOfThreadsAndSaysNothing)
         EXPECT_EQ(answer.status, 0) << answer.error;
         EXPECT_EQ(answer.out + answer.error, "");
     }
-    EXPECT_EQ(Contents(fFolder / "1.png"), Contents(fFolder / "2.png"));
+    EXPECT_EQ(FileText(fFolder / "1.png"), FileText(fFolder / "2.png"));
     const fernwick::Picture cut = ReadBack(fFolder / "1.png", 200, 120);
     EXPECT_EQ(cut.At(0, 0).fAlpha, 0);
     EXPECT_EQ(cut.At(130, 70).fAlpha, 1);
@@ -161,9 +119,12 @@ TEST_F(CommandTest, AFailedOrStoppedJobLeavesTheOldPicture)
     Store(fFolder / "value.json", R"({"shaders": {"a": {"source": "value"}}, "output": "a"})");
     Store(fFolder / "old.png", "old");
     const std::pair<std::string, std::string> cases[] = {
-        {"bake graph.json -o old.png", "Rainbow"},
+        {"bake graph.json -o old.png", "graph.json: a.class: there is no class \"Rainbow\""},
+        {"bake '" + fKey + "' --over graph.json -o old.png", "graph.json: a.class: "},
         {"bake missing.json -o old.png", "missing.json"},
-        {"bake value.json -o old.png --output alpha", "\"alpha\""},
+        {"bake value.json -o old.png --output alpha",
+            "value.json: the output shader has no channel \"alpha\""},
+        {"render value.json -o old.png", "value.json: the document has no \"scene\""},
         {"bake '" + fKey + "' -o old.png --over nothing", "nothing"},
         {"bake value.json -o graph.json/new.png", "graph.json/new.png: "},
         {"plot illuminants -o graph.json/new.png", "graph.json/new.png: "},
@@ -182,7 +143,7 @@ TEST_F(CommandTest, AFailedOrStoppedJobLeavesTheOldPicture)
     // Whether it comes before or in the bake, Ctrl-C gives 130.
     const std::string interrupt = "timeout --preserve-status -s INT 0.6";
     EXPECT_EQ(Run("bake chain.json -o old.png --size 2048x2048", interrupt).status, 130);
-    EXPECT_EQ(Contents(fFolder / "old.png"), "old");
+    EXPECT_EQ(FileText(fFolder / "old.png"), "old");
     EXPECT_THAT(
         FilesIn(fFolder), testing::UnorderedElementsAre("graph.json", "value.json", "chain.json", "old.png"));
 }
