@@ -16,7 +16,8 @@ public:
     uint32_t GetOutputKinds() override { return fKinds; }
     int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
     {
-        ShadeColor(result.fColor, result.fFullArea, in);
+        result.fColor = {in.fUV[0], in.fUV[1], 0.25f, 1};
+        result.fThirdColor = {in.fUV[1], 0.5f, in.fUV[0]};
         return 1;
     }
     float ShadeValue(float& value, bool&, ShadingIn& in) override

@@ -1,7 +1,10 @@
 #pragma once
 #include "frame/I3DExShader.h"
+#include "frame/Query.h"
 #include "frame/SubShader.h"
+#include "frame/UnroutedClassIDs.h"
 #include "host/Library.h"
+#include "host/ParameterTable.h"
 #include "host/ShaderWrapper.h"
 #include <benchmark/benchmark.h>
 #include <cstring>
@@ -22,12 +25,22 @@ constexpr size_t kSampleCount = 1024;
 using Samples = std::shared_ptr<std::vector<ShadingIn>>;
 Samples MakeSamples(IMCUnknown* instance = nullptr);
 
-/// A shader made by the library's own factory inside the host's wrapper, with its record.
+/// What is compared of a surface: a channel of each kind.
+struct Channels {
+    TMCColorRGBA fColor;
+    TMCColorRGB fThirdColor;
+    int32_t fSampleCount;
+};
+inline Channels ChannelsOf(const ShadingOut& surface)
+{
+    return {surface.fColor, surface.fThirdColor, surface.fSampledBlock.fSampleCount};
+}
+
+/// A shader made by the library's own factory inside the host's wrapper, with its record. A class without a route
+/// comes from the module that has one to it.
 template <class Params> class MeasuredShader {
 public:
-    explicit MeasuredShader(const GUID& classID)
-        : fWrapper(fernwick::ShaderWrapper::Make(MeasuredLibrary(), classID)), fShader(&fWrapper->Shader())
-    { }
+    explicit MeasuredShader(const char* name) : fWrapper(Make(name)), fShader(&fWrapper->Shader()) { }
 
     I3DExShader* operator->() const { return fShader; }
     IShellShader* Wrapper() const { return fWrapper.Get(); }
@@ -48,10 +61,29 @@ public:
         fShader->ShadeColor(color, fullArea, in);
         return color;
     }
+    TVector3 Vector(ShadingIn& in) const
+    {
+        TVector3 vector;
+        fShader->ShadeVector(vector, in);
+        return vector;
+    }
+    Channels Surface(ShadingIn& in) const
+    {
+        ShadingOut result;
+        fShader->ShadeSurface(result, in);
+        return ChannelsOf(result);
+    }
 
 private:
     MCCountedPtr<fernwick::ShaderWrapper> fWrapper;
     I3DExShader* fShader;
+
+    static MCCountedPtr<fernwick::ShaderWrapper> Make(const char* name)
+    {
+        if (const GUID* const id = UnroutedClassID(name))
+            return fernwick::ShaderWrapper::Make(MeasuredLibrary().Unrouted(), *id);
+        return fernwick::ShaderWrapper::Make(MeasuredLibrary(), fernwick::FindClass(name)->fClassIDs.front());
+    }
 };
 
 /// The least that a host plugs into a slot: its colour follows the UV coordinate, its value is U. Plain loops ask
@@ -62,12 +94,17 @@ public:
 
     IShellShader* operator->() const { return fFace; }
     IShellShader* Face() const { return fFace; }
-    TMCColorRGBA Color(ShadingIn& in) const
+    void Color(TMCColorRGBA& color, ShadingIn& in) const
     {
-        TMCColorRGBA color;
         bool fullArea;
         fFace->ShadeColor(color, fullArea, in);
-        return color;
+    }
+    float Value(ShadingIn& in) const
+    {
+        float value;
+        bool fullArea;
+        fFace->ShadeValue(value, fullArea, in);
+        return value;
     }
 
 private:
@@ -80,11 +117,11 @@ namespace Section {
 inline const std::string kShading = "shading";
 inline const std::string kHost = "host";
 inline const std::string kDispatch = "dispatch";
-inline const std::string kLookup = "lookup";
 inline const std::string kProximity = "proximity";
 inline const std::string kChange = "change";
 inline const std::string kGamut = "gamut";
 inline const std::string kThroughput = "throughput";
+inline const std::string kWork = "work"; ///< the processor time of `kThroughput`, written by the report
 } // namespace Section
 
 inline const std::string kMeasured = "/measured";
@@ -96,12 +133,16 @@ inline const std::string kReference = "/reference";
 template <class Shade> void AddPass(const std::string& name, Shade shade)
 {
     benchmark::RegisterBenchmark(name.c_str(), [shade = std::move(shade)](benchmark::State& state) {
-        auto work = shade; // a local, so that a plain loop may keep what it reads in registers
+        auto work = shade;
+        auto* const known = &work;
+        benchmark::DoNotOptimize(known);
         std::vector<decltype(work(0))> answers(kSampleCount);
         const auto pass = [&] {
-            for (size_t i = 0; i < kSampleCount; ++i)
+            for (size_t i = 0; i < kSampleCount; ++i) {
                 answers[i] = work(i);
-            benchmark::ClobberMemory();
+                benchmark::
+                    ClobberMemory(); // a record may change between two samples: a plain loop reads it anew
+            }
         };
         pass();
         const int64_t before = Allocations();
@@ -118,9 +159,11 @@ template <class Shade> void AddPass(const std::string& name, Shade shade)
 template <class Shade, class Plain>
 void AddComparison(const std::string& section, const std::string& row, Shade shade, Plain plain)
 {
+    Shade checkedShade = shade;
+    Plain checkedPlain = plain;
     for (size_t i = 0; i < kSampleCount; ++i) {
-        const auto answer = shade(i);
-        const auto expected = plain(i);
+        const auto answer = checkedShade(i);
+        const auto expected = checkedPlain(i);
         if (std::memcmp(&answer, &expected, sizeof answer) != 0)
             throw std::logic_error(row + ": the plain loop computes something else");
     }
@@ -142,7 +185,7 @@ template <class Work> void AddWork(const std::string& name, Work work, double co
     });
 }
 
-void AddBake();
+void AddThroughput();
 void AddLayers();
 void AddMapping();
 void AddOptics();

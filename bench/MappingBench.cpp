@@ -8,51 +8,59 @@
 
 namespace {
 
-constexpr GUID kKeyID = {0x379752D6, 0xC5EB, 0x4173, {0xB3, 0xE4, 0xFF, 0x72, 0x77, 0x69, 0x48, 0x3A}};
-constexpr GUID kGrayID = {0xB30CC03F, 0x243F, 0x4F88, {0x9E, 0x16, 0x8B, 0x05, 0x71, 0x77, 0x1D, 0xBC}};
-constexpr GUID kLocationID = {0xD959106B, 0x78CD, 0x48E4, {0x94, 0x75, 0x29, 0x49, 0x03, 0x92, 0xEA, 0x46}};
-constexpr GUID kShiftID = {0x4BFCBC62, 0x98F5, 0x4537, {0x8C, 0xAE, 0x77, 0xAD, 0x79, 0x54, 0x90, 0xFF}};
+struct PlainKey {
+    KeyParams p;
+    Source source;
+    TVector2 boxes[3] = {Box(p.fRedRange, p.fKeyColor.fRed), Box(p.fGreenRange, p.fKeyColor.fGreen),
+        Box(p.fBlueRange, p.fKeyColor.fBlue)};
+    TMCColorRGBA sub{}, fallback{};
+
+    static TVector2 Box(const TVector2& range, float channel)
+    {
+        return {
+            static_cast<float>(range[0] / 100.0 + channel), static_cast<float>(range[1] / 100.0 + channel)};
+    }
+    static bool Holds(const TVector2& box, float channel) { return channel >= box[0] && box[1] >= channel; }
+
+    TMCColorRGBA operator()(ShadingIn& in)
+    {
+        fallback = {1, 0, 0, 1};
+        source.Color(sub, in);
+        const bool inside
+            = Holds(boxes[0], sub.fRed) && Holds(boxes[1], sub.fGreen) && Holds(boxes[2], sub.fBlue);
+        const float mask = inside ? 0.0f : 1.0f;
+        if (p.fMode == Code("KEYM"))
+            return {mask, mask, mask, sub.fAlpha};
+        return {sub.fRed, sub.fGreen, sub.fBlue, mask};
+    }
+};
 
 void AddKey(const Samples& samples)
 {
-    const MeasuredShader<KeyParams> key(kKeyID);
-    const Source source(kOutputColor);
-    KeyParams& params = key.Record();
-    params.fKeyColor = {0.5f, 0.5f, 0.25f, 1};
-    params.fRedRange = params.fGreenRange = {-40, 40};
-    params.fSubShader = source.Face();
-    key.Changed();
-
-    const auto bound
-        = [](float percent, float channel) { return static_cast<float>(percent / 100.0 + channel); };
-    const float low = bound(-40, 0.5f), high = bound(40, 0.5f);
-    const float lowBlue = bound(-1, 0.25f), highBlue = bound(1, 0.25f);
-    const auto plain = [=](size_t i) {
-        const TMCColorRGBA sub = source.Color((*samples)[i]);
-        // Without branches, as the shader's is compiled: no order of tests is lost.
-        const bool inside = (sub.fRed >= low) & (high >= sub.fRed) & (sub.fGreen >= low)
-            & (high >= sub.fGreen) & (sub.fBlue >= lowBlue) & (highBlue >= sub.fBlue);
-        const float mask = inside ? 0.0f : 1.0f;
-        return TMCColorRGBA{mask, mask, mask, sub.fAlpha};
-    };
-    AddComparison(
-        Section::kShading, "Key ShadeColor, mask", [=](size_t i) { return key.Color((*samples)[i]); }, plain);
-
-    const auto coverage = [=](size_t i) { // the default of a shader without a value
-        float value;
-        bool fullArea;
-        return key->ShadeValue(value, fullArea, (*samples)[i]);
-    };
-    AddComparison(
-        Section::kDispatch, "an operation that returns a constant", coverage, [](size_t) { return 1.0f; });
-    AddComparison(
-        Section::kDispatch, "a virtual call inside the program, the least there is",
-        [=](size_t) { return source->GetOutputKinds(); }, [](size_t) { return uint32_t{kOutputColor}; });
+    for (const bool mask : {true, false}) {
+        const MeasuredShader<KeyParams> key("Key");
+        const Source source(kOutputColor);
+        KeyParams& params = key.Record();
+        params.fKeyColor = {0.5f, 0.5f, 0.25f, 1};
+        params.fRedRange = params.fGreenRange = {-40, 40};
+        params.fMode = mask ? Code("KEYM") : 0;
+        params.fSubShader = source.Face();
+        key.Changed();
+        AddComparison(
+            Section::kShading, mask ? "Key ShadeColor, mask" : "Key ShadeColor, colour",
+            [=](size_t i) { return key.Color((*samples)[i]); },
+            [=, plain = PlainKey{params, source}](size_t i) mutable { return plain((*samples)[i]); });
+    }
 }
 
-struct PlainSaturation {
-    float shift, red, green, blue; // fractions
+struct PlainGray {
+    GrayParams p;
+    Source source;
+    float red = Fraction(p.fRedShift), green = Fraction(p.fGreenShift), blue = Fraction(p.fBlueShift);
+    float luminance = 0;
+    TMCColorRGBA scratch{}, fallback{};
 
+    static float Fraction(float percent) { return static_cast<float>(percent / 100.0); }
     float ForHue(float saturation, float hue) const
     {
         const auto between
@@ -76,7 +84,7 @@ struct PlainSaturation {
             : hue < 240.0f ? low + (high - low) * (240.0f - hue) / 60.0f
                            : low;
     }
-    TMCColorRGBA operator()(TMCColorRGBA color) const
+    template <class Color> void Shift(Color& color) const
     {
         const float r = color.fRed, g = color.fGreen, b = color.fBlue;
         const float largest = std::max({g, r, b}), smallest = std::min({g, r, b});
@@ -92,73 +100,98 @@ struct PlainSaturation {
             if (hue < 0)
                 hue += 360.0f;
         }
-        saturation = ForHue(saturation + shift, hue);
+        saturation = ForHue(saturation + p.fSaturationShift / 100.0f, hue);
         if (saturation <= 0) {
-            color.SetRGB(lightness);
-            return color;
+            color.fRed = color.fGreen = color.fBlue = lightness;
+            return;
         }
         const float high = 0.5 >= lightness ? lightness * (1.0f + saturation)
                                             : lightness + saturation - lightness * saturation;
         const float low = 2.0f * lightness - high;
-        color.SetRGB(
-            Channel(low, high, hue + 120.0f), Channel(low, high, hue), Channel(low, high, hue - 120.0f));
+        color.fRed = Channel(low, high, hue + 120.0f);
+        color.fGreen = Channel(low, high, hue);
+        color.fBlue = Channel(low, high, hue - 120.0f);
+    }
+    TMCColorRGBA Color(ShadingIn& in)
+    {
+        fallback = {0, 0, 0, 1};
+        source.Color(scratch, in);
+        if (p.fMode == Code("GRSC")) {
+            luminance = Luminance(scratch);
+            return {luminance, luminance, luminance, scratch.fAlpha};
+        }
+        TMCColorRGBA color = scratch;
+        Shift(color);
         return color;
+    }
+    template <class Channel> void Filter(Channel& channel)
+    {
+        if (p.fMode != Code("GRSC"))
+            return Shift(channel);
+        scratch = {channel.fRed, channel.fGreen, channel.fBlue, scratch.fAlpha};
+        channel.fRed = channel.fGreen = channel.fBlue = Luminance(scratch);
+    }
+    Channels Surface(ShadingIn& in)
+    {
+        ShadingOut result;
+        source->ShadeSurface(result, in);
+        in.fChannelMask = kAllChannels;
+        Filter(result.fColor);
+        Filter(result.fThirdColor);
+        Filter(result.fSecondColor);
+        Filter(result.fFourthColor);
+        return ChannelsOf(result);
     }
 };
 
 void AddGray(const Samples& samples)
 {
-    const Source source(kOutputColor);
-    const MeasuredShader<GrayParams> luminance(kGrayID);
-    luminance.Record().fSubShader = source.Face();
-    luminance.Changed();
-    const auto plainLuminance = [=](size_t i) {
-        const TMCColorRGBA color = source.Color((*samples)[i]);
-        const double red = color.fRed, green = color.fGreen, blue = color.fBlue;
-        const float grey = static_cast<float>(0.3 * red + 0.59 * green + 0.11 * blue);
-        return TMCColorRGBA{grey, grey, grey, color.fAlpha};
-    };
-    AddComparison(
-        Section::kShading, "Gray ShadeColor, luminance",
-        [=](size_t i) { return luminance.Color((*samples)[i]); }, plainLuminance);
-
-    const MeasuredShader<GrayParams> saturation(kGrayID);
-    GrayParams& params = saturation.Record();
-    params.fSubShader = source.Face();
-    params.fMode = Code("HSL ");
-    params.fSaturationShift = 20;
-    params.fRedShift = -30;
-    params.fBlueShift = 40;
-    saturation.Changed();
-    const auto fraction = [](float percent) { return static_cast<float>(percent / 100.0); };
-    const PlainSaturation plain
-        = {params.fSaturationShift / 100.0f, fraction(-30), fraction(0), fraction(40)};
-    AddComparison(
-        Section::kShading, "Gray ShadeColor, saturation",
-        [=](size_t i) { return saturation.Color((*samples)[i]); },
-        [=](size_t i) { return plain(source.Color((*samples)[i])); });
+    for (const std::string mode : {"luminance", "saturation"}) {
+        const MeasuredShader<GrayParams> gray("Gray");
+        const Source source(kOutputColor | kOutputSurface);
+        GrayParams& params = gray.Record();
+        params.fSubShader = source.Face();
+        std::fill_n(params.fColorSwitches, 4, true);
+        params.fMode = mode == "luminance" ? Code("GRSC") : 0;
+        params.fSaturationShift = 20;
+        params.fRedShift = -30;
+        params.fBlueShift = 40;
+        gray.Changed();
+        PlainGray plain{params, source};
+        AddComparison(
+            Section::kShading, "Gray ShadeColor, " + mode,
+            [=](size_t i) { return gray.Color((*samples)[i]); },
+            [=](size_t i) mutable { return plain.Color((*samples)[i]); });
+        AddComparison(
+            Section::kShading, "Gray ShadeSurface, " + mode + " of four channels",
+            [=](size_t i) { return gray.Surface((*samples)[i]); },
+            [=](size_t i) mutable { return plain.Surface((*samples)[i]); });
+    }
 }
 
-void AddLocation(const Samples& samples)
-{
-    const MeasuredShader<LocationParams> location(kLocationID);
-    LocationParams& params = location.Record();
-    for (LocationAxis& axis : params.fAxes) {
-        axis.fEnabled = true;
-        axis.fEdgeA = -8;
-        axis.fEdgeB = 9;
-    }
-    params.fAxes[1].fDirection = Code("LSTR");
-    location.Changed();
-    const auto plain = [=, axes = std::to_array(params.fAxes),
-                           disturbance = static_cast<float>(params.fDisturbPercent)](size_t i) {
+struct PlainLocation {
+    LocationParams p;
+    Source source;
+    float disturbance = 0, last = 0;
+
+    float operator()(ShadingIn& in)
+    {
+        disturbance = 0;
+        if (p.fUseSubShader) {
+            disturbance = source.Value(in);
+            if (disturbance > 1)
+                disturbance = last;
+            disturbance *= static_cast<float>(p.fDisturbPercent);
+            last = disturbance;
+        }
         float value = 1;
         for (uint32_t k = 0; k < 3; ++k) {
             const bool falling = k != 1;
-            const float first = falling ? axes[k].fEdgeA : axes[k].fEdgeB;
-            const float second = falling ? axes[k].fEdgeB : axes[k].fEdgeA;
-            const float moved = std::fabs(first - second) * disturbance;
-            const float x = static_cast<float>((*samples)[i].fPointGlobal[k] + moved / 100.0);
+            const float first = falling ? p.fAxes[k].fEdgeA : p.fAxes[k].fEdgeB;
+            const float second = falling ? p.fAxes[k].fEdgeB : p.fAxes[k].fEdgeA;
+            float x = in.fPointGlobal[k];
+            if (p.fUseSubShader)
+                x = static_cast<float>(x + std::fabs(first - second) * disturbance / 100.0);
             float ramp = 1;
             if (falling ? x >= second : second >= x)
                 ramp = 0;
@@ -170,15 +203,36 @@ void AddLocation(const Samples& samples)
                 value = ramp;
         }
         return value;
-    };
-    AddComparison(
-        Section::kShading, "Location ShadeValue, three axes",
-        [=](size_t i) { return location.Value((*samples)[i]); }, plain);
+    }
+};
+
+void AddLocation(const Samples& samples)
+{
+    for (const bool disturbed : {false, true}) {
+        const MeasuredShader<LocationParams> location("Location");
+        const Source source(kOutputValue);
+        LocationParams& params = location.Record();
+        for (LocationAxis& axis : params.fAxes) {
+            axis.fEnabled = true;
+            axis.fEdgeA = -8;
+            axis.fEdgeB = 9;
+        }
+        params.fAxes[1].fDirection = Code("LSTR");
+        params.fUseSubShader = disturbed;
+        params.fDisturbPercent = 20;
+        params.fSubShader = source.Face();
+        location.Changed();
+        AddComparison(
+            Section::kShading,
+            disturbed ? "Location ShadeValue, disturbed" : "Location ShadeValue, three axes",
+            [=](size_t i) { return location.Value((*samples)[i]); },
+            [=, plain = PlainLocation{params, source}](size_t i) mutable { return plain((*samples)[i]); });
+    }
 }
 
 void AddShift(const Samples& samples)
 {
-    const MeasuredShader<Coordinate_ShiftParams> shift(kShiftID);
+    const MeasuredShader<Coordinate_ShiftParams> shift("Coordinate_Shift");
     const Source source(kOutputSurface | kOutputColor);
     shift.Record().fOffset = {1e-3f, 0, -1e-3f};
     shift.Record().fSubShader = source.Face();
@@ -186,21 +240,67 @@ void AddShift(const Samples& samples)
     const auto places = std::make_shared<std::vector<TVector3>>();
     for (const ShadingIn& in : *samples)
         places->push_back(in.fPointGlobal);
-    const auto shade = [=](size_t i) {
+    const auto sampleAt = [=](size_t i) -> ShadingIn& {
         ShadingIn& in = (*samples)[i];
         in.fPointGlobal = (*places)[i]; // the shader moves it
-        ShadingOut result;
-        shift->ShadeSurface(result, in);
-        return result.fColor;
+        return in;
     };
     const auto plain = [=](size_t i) {
-        ShadingIn& in = (*samples)[i];
-        in.fPointGlobal = (*places)[i] - TVector3(1e-3f, 0, -1e-3f);
+        ShadingIn& in = sampleAt(i);
+        in.fPointGlobal -= TVector3(1e-3f, 0, -1e-3f);
         ShadingOut result;
         source->ShadeSurface(result, in);
-        return result.fColor;
+        return ChannelsOf(result);
     };
-    AddComparison(Section::kShading, "Coordinate_Shift ShadeSurface", shade, plain);
+    AddComparison(
+        Section::kShading, "Coordinate_Shift ShadeSurface, offset",
+        [=](size_t i) { return shift.Surface(sampleAt(i)); }, plain);
+}
+
+/// What every class answers where it offers nothing of its own.
+void AddDefaults(const Samples& samples)
+{
+    const MeasuredShader<KeyParams> key("Key");
+    const MeasuredShader<LocationParams> location("Location");
+    key.Changed();
+    location.Changed();
+    const Source source(kOutputColor);
+    const auto sampleAt = [=](size_t i) -> ShadingIn& { return (*samples)[i]; };
+    AddComparison(
+        Section::kDispatch, "a virtual call inside the program, the least there is",
+        [=](size_t) { return source->GetOutputKinds(); }, [](size_t) { return uint32_t{kOutputColor}; });
+    AddComparison(
+        Section::kDispatch, "the default ShadeValue",
+        [=](size_t i) {
+            float value;
+            bool fullArea;
+            return key->ShadeValue(value, fullArea, sampleAt(i));
+        },
+        [](size_t) { return kFullCoverage; });
+    AddComparison(
+        Section::kDispatch, "the default ShadeVector",
+        [=](size_t i) {
+            TVector3 vector;
+            return key->ShadeVector(vector, sampleAt(i));
+        },
+        [](size_t) { return kFullCoverage; });
+    AddComparison(
+        Section::kDispatch, "the default ShadeColor", [=](size_t i) { return location.Color(sampleAt(i)); },
+        [](size_t) {
+            return TMCColorRGBA{0, 0, 0, 1};
+        });
+    const auto surface = [=](size_t i) {
+        MCCountedPtr<IShellShader> face;
+        Query(*key.Wrapper(), IID_IShellShader, face);
+        ShadingOut result;
+        result.fShadingNormal = sampleAt(i).fNormalLocal;
+        result.fCoverage = 1;
+        face->ShadeColor(result.fColor, result.fFullArea, sampleAt(i));
+        return ChannelsOf(result);
+    };
+    AddComparison(
+        Section::kHost, "the default ShadeSurface", [=](size_t i) { return key.Surface(sampleAt(i)); },
+        surface);
 }
 
 } // namespace
@@ -212,4 +312,5 @@ void AddMapping()
     AddGray(samples);
     AddLocation(samples);
     AddShift(MakeSamples());
+    AddDefaults(samples);
 }

@@ -8,9 +8,6 @@ namespace {
 
 using ColorSystems::sRGBSystem;
 
-constexpr GUID kFresnelID = {0xBE9FA2A5, 0x5FBE, 0x4558, {0x80, 0x09, 0x7A, 0x1F, 0x1D, 0x7A, 0x68, 0x02}};
-constexpr GUID kIridescentID = {0x95066A60, 0x9909, 0x11D7, {0xA9, 0x26, 0x54, 0x55, 0x43, 0x44, 0x52, 0x00}};
-
 constexpr float kTemperatures[] = {4321, 7654};
 
 /// The powers of one integration over the spectrum that a temperature moves: two in each of its steps.
@@ -33,7 +30,7 @@ template <class Work> auto Alternating(Work work)
 
 void AddChanges()
 {
-    const auto fresnel = MeasuredShader<FresnelParams>(kFresnelID);
+    const auto fresnel = MeasuredShader<FresnelParams>("Fresnel");
     fresnel.Record().fColored = true;
     fresnel.Changed();
     const auto add = [&](const std::string& row, auto change) {
@@ -86,7 +83,45 @@ void AddGamut()
     }
 }
 
-/// A `Fresnel` that looks at the camera of a scene, and the angles that its lookups get.
+struct PlainFresnel {
+    AngleTables tables;
+    TMCString255 camera{"Camera"};
+    TVector3 toCamera;
+    float angle = 0;
+
+    PlainFresnel()
+    {
+        RefreshOptics({1, 0, 1, 0}, {1.51673f, 1e-5f, 1, 0.017f}, 589.3f, kReflectanceMode, tables);
+    }
+    TVector3 CameraPosition(const ShadingIn& in) const
+    {
+        MCCountedPtr<ITreeElement> shaded, found;
+        MCCountedPtr<IScene> scene;
+        FindShadedTree(in, shaded, scene);
+        FindTreeByName(scene, camera, "", found);
+        return GlobalPosition(*found);
+    }
+    float Lookup() const
+    {
+        return std::clamp(FresnelLookup(tables, kReflectanceMode, 50, angle), 0.0f, 1.0f);
+    }
+    TMCColorRGBA Grey(const ShadingIn& in)
+    {
+        toCamera = CameraPosition(in) - in.fPointGlobal;
+        const float dot = static_cast<float>(Dot(toCamera, in.fNormalGlobal));
+        const double cross = Dot(toCamera, toCamera) * Dot(in.fNormalGlobal, in.fNormalGlobal) - dot * dot;
+        angle = std::fabs(std::atan2(static_cast<float>(std::sqrt(std::max(cross, 0.0))), dot));
+        const float grey = Lookup();
+        return {grey, grey, grey, 1};
+    }
+    TMCColorRGBA Colored(const ShadingIn& in)
+    {
+        const auto [red, green, blue] = HSLToRGB({0.13f, Grey(in).fRed, 0.7f}); // any hue takes as long
+        return {red, green, blue, 1};
+    }
+};
+
+/// A `Fresnel` that looks at the camera of a scene.
 void AddFresnel()
 {
     fernwick::SceneDescription description;
@@ -94,64 +129,67 @@ void AddFresnel()
     description.fCamera = "Camera";
     const auto scene = fernwick::MakeCounted<fernwick::Scene>(description);
     const Samples samples = MakeSamples(static_cast<ITreeElement*>(&scene->ShadedObject()));
-
-    const auto tables = std::make_shared<AngleTables>();
-    RefreshOptics({1, 0, 1, 0}, {1.51673f, 1e-5f, 1, 0.017f}, 589.3f, kReflectanceMode, *tables);
-    const auto angles = std::make_shared<std::vector<float>>();
-    for (const ShadingIn& in : *samples) {
-        const TVector3 toCamera = TVector3(3, 4, 20) - in.fPointGlobal;
-        const float dot = static_cast<float>(Dot(toCamera, in.fNormalGlobal));
-        const double cross = Dot(toCamera, toCamera) * Dot(in.fNormalGlobal, in.fNormalGlobal) - dot * dot;
-        angles->push_back(std::fabs(std::atan2(static_cast<float>(std::sqrt(std::max(cross, 0.0))), dot)));
-    }
-    const auto lookup = [=](size_t i) {
-        const float share = FresnelLookup(*tables, kReflectanceMode, 50, (*angles)[i]);
-        const float grey = std::clamp(share, 0.0f, 1.0f);
-        return TMCColorRGBA{grey, grey, grey, 1};
-    };
     const auto shade = [&](bool colored) {
-        const MeasuredShader<FresnelParams> fresnel(kFresnelID);
+        const MeasuredShader<FresnelParams> fresnel("Fresnel");
         fresnel.Record().fColored = colored;
         fresnel.Changed();
-        return [=](size_t i) { return fresnel.Color((*samples)[i]); };
+        return [=, keep = scene](size_t i) { return fresnel.Color((*samples)[i]); };
     };
-    AddComparison(Section::kLookup, "grey", shade(false), lookup);
-    const std::string colored = Section::kLookup + "/coloured";
+    AddComparison(Section::kHost, "Fresnel ShadeColor, grey", shade(false),
+        [samples, plain = PlainFresnel()](size_t i) mutable { return plain.Grey((*samples)[i]); });
+    const std::string colored = Section::kHost + "/Fresnel ShadeColor, coloured";
     AddPass(colored + kMeasured, shade(true));
-    AddPass(colored + kReference, lookup);
-    AddPass(Section::kLookup + "/the host calls of it" + kMeasured, [scene, samples](size_t i) {
-        MCCountedPtr<ITreeElement> shaded, camera;
-        MCCountedPtr<IScene> found;
-        FindShadedTree((*samples)[i], shaded, found);
-        FindTreeByName(found, TMCString255("Camera"), "", camera);
-        return GlobalPosition(*camera);
-    });
+    AddPass(colored + kReference,
+        [samples, plain = PlainFresnel()](size_t i) mutable { return plain.Colored((*samples)[i]); });
+    AddPass(Section::kHost + "/the host calls of Fresnel alone" + kMeasured,
+        [samples, plain = PlainFresnel()](size_t i) { return plain.CameraPosition((*samples)[i]); });
+    AddPass(Section::kHost + "/the table lookup of Fresnel alone" + kMeasured,
+        [plain = PlainFresnel()](size_t i) mutable {
+            plain.angle = static_cast<float>(i) * 1.5f / kSampleCount;
+            return plain.Lookup();
+        });
 }
+
+struct PlainIridescent {
+    IridescentParams p;
+    TVector3 reference{1, 0, 0}; // of azimuth and elevation 0
+    float angle = 0;
+    float weights[kAngleBandCount] = {};
+
+    TMCColorRGBA operator()(const ShadingIn& in)
+    {
+        angle = AngleBetween(reference, in.fNormalGlobal);
+        if (p.fGrey) {
+            const float grey = static_cast<float>(angle / kPi);
+            return {grey, grey, grey, 1};
+        }
+        float sum[3] = {};
+        for (int i = 0; i < kAngleBandCount; ++i) {
+            const AngleBand& band = p.fBands[i];
+            const float center = static_cast<float>(band.fCenter * kRadiansPerDegree);
+            const float rest = 1.0f - p.fBands[0].fWidth * std::fabs(angle - center);
+            weights[i] = rest > 0 ? rest : 0;
+            sum[0] += weights[i] * band.fColor.fRed;
+            sum[1] += weights[i] * band.fColor.fGreen;
+            sum[2] += weights[i] * band.fColor.fBlue;
+        }
+        return {std::min(sum[0], 1.0f), std::min(sum[1], 1.0f), std::min(sum[2], 1.0f), 1};
+    }
+};
 
 void AddIridescent(const Samples& samples)
 {
-    const MeasuredShader<IridescentParams> iridescent(kIridescentID);
-    iridescent.Changed();
-    const IridescentParams params = iridescent.Record();
-    const TVector3 reference(1, 0, 0); // of azimuth and elevation 0
-    const auto plain = [=](size_t i) {
-        const TVector3& normal = (*samples)[i].fNormalGlobal;
-        const double quotient = Dot(reference, normal) / (Length(reference) * Length(normal));
-        const float angle = static_cast<float>(std::acos(std::clamp(quotient, -1.0, 1.0)));
-        float sum[3] = {};
-        for (const AngleBand& band : params.fBands) {
-            const float center = static_cast<float>(band.fCenter * kRadiansPerDegree);
-            const float rest = 1.0f - params.fBands[0].fWidth * std::fabs(angle - center);
-            const float weight = rest > 0 ? rest : 0;
-            sum[0] += weight * band.fColor.fRed;
-            sum[1] += weight * band.fColor.fGreen;
-            sum[2] += weight * band.fColor.fBlue;
-        }
-        return TMCColorRGBA{std::min(sum[0], 1.0f), std::min(sum[1], 1.0f), std::min(sum[2], 1.0f), 1};
-    };
-    AddComparison(
-        Section::kShading, "Iridescent ShadeColor, fixed direction",
-        [=](size_t i) { return iridescent.Color((*samples)[i]); }, plain);
+    for (const bool grey : {false, true}) {
+        const MeasuredShader<IridescentParams> iridescent("Iridescent");
+        iridescent.Record().fGrey = grey;
+        iridescent.Changed();
+        AddComparison(
+            Section::kShading,
+            grey ? "Iridescent ShadeColor, grey" : "Iridescent ShadeColor, fixed direction",
+            [=](size_t i) { return iridescent.Color((*samples)[i]); },
+            [=, plain = PlainIridescent{iridescent.Record()}](
+                size_t i) mutable { return plain((*samples)[i]); });
+    }
 }
 
 } // namespace

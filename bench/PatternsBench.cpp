@@ -5,24 +5,23 @@
 
 namespace {
 
-constexpr GUID kSpokeID = {0x48C59C53, 0x7AFF, 0x452D, {0x9F, 0x9D, 0xE1, 0xFE, 0xBE, 0xD0, 0x6F, 0xDB}};
-constexpr GUID kDripID = {0xE00678C0, 0xB7D1, 0x4620, {0xB1, 0x8D, 0xF6, 0x64, 0x4E, 0xE6, 0xB2, 0x56}};
-
 struct PlainSpoke {
     SpokeParams p;
     float sector = static_cast<float>(360.0 / p.fCount);
     float halfSector = sector / 2;
     float hardPart = 1 - p.fSoftness;
+    float radius = 0, du = 0, dv = 0, sine = 0, halfWidth = 0, angle = 0, t = 0;
 
-    float operator()(const TVector2& uv) const
+    float operator()(const TVector2& uv)
     {
-        const float du = uv[0] - p.fCenterU, dv = uv[1] - p.fCenterV;
+        du = uv[0] - p.fCenterU;
+        dv = uv[1] - p.fCenterV;
         if (du == 0 && dv == 0)
             return 0;
-        const float radius = std::sqrt(du * du + dv * dv);
-        float value = 0, halfWidth;
+        radius = std::sqrt(du * du + dv * dv);
+        float value = 0;
         if (p.fConstantWidth) {
-            const float sine = static_cast<float>(p.fWidth / 20.0f * kRadiansPerDegree / radius);
+            sine = static_cast<float>(p.fWidth / 20.0f * kRadiansPerDegree / radius);
             if (sine > 1) {
                 if (!p.fFillCenter)
                     return 0;
@@ -34,9 +33,8 @@ struct PlainSpoke {
         }
         if (radius < p.fInnerRadius || radius > p.fOuterRadius * 1.4142135623730951)
             return value;
-        float angle = static_cast<float>((std::atan2(du, dv) + kPi) * kDegreesPerRadian + p.fRotation);
+        angle = static_cast<float>((std::atan2(du, dv) + kPi) * kDegreesPerRadian + p.fRotation);
         angle = std::fmod(angle, sector);
-        float t;
         if (angle > halfSector - halfWidth && halfSector >= angle)
             t = (halfSector - angle) / halfWidth;
         else if (angle > halfSector && halfSector + halfWidth >= angle)
@@ -55,9 +53,11 @@ struct PlainSpoke {
 struct PlainDrip {
     DripParams p;
 
+    float radius = 0;
+
     static constexpr float kOutside = -100;
 
-    float Ring(float radius, float start, float width, float amplitude) const
+    float Ring(float start, float width, float amplitude) const
     {
         const float ratio = width != 0 ? static_cast<float>(1.0 + width) : 1.1f;
         const float end = p.fProportional ? start * ratio : start + width;
@@ -70,15 +70,19 @@ struct PlainDrip {
         const float wave = amplitude * std::cos(phase * static_cast<float>(p.fWaves));
         return static_cast<float>(p.fBaseLevel + wave * (-0.3183098861837907 * phase + 1.0));
     }
-    float operator()(const TVector2& uv) const
+    float operator()(const TVector2& uv)
     {
         const float du = uv[0] - p.fCenterU, dv = uv[1] - p.fCenterV;
-        const float radius = std::sqrt(du * du + dv * dv);
-        float value = Ring(radius, p.fRingStart, p.fRingWidth, p.fAmplitude);
+        if (p.fShowCenter) {
+            const double a = std::fabs(du), b = std::fabs(dv);
+            return (a < 0.2 && b < 0.02) || (b < 0.2 && a < 0.02) ? 1.0f : 0.0f;
+        }
+        radius = std::sqrt(du * du + dv * dv);
+        float value = Ring(p.fRingStart, p.fRingWidth, p.fAmplitude);
         if (value == kOutside)
             value = p.fBaseLevel;
         if (p.fSecondRing) {
-            const float second = Ring(radius, p.fRingStart * p.fSecondStart,
+            const float second = Ring(p.fRingStart * p.fSecondStart,
                 p.fRingWidth * std::fabs(p.fSecondAmplitude), p.fAmplitude * p.fSecondAmplitude);
             if (second != kOutside)
                 value = second;
@@ -94,34 +98,34 @@ void AddPattern(const std::string& row, const MeasuredShader<Params>& shader)
     const Samples samples = MakeSamples();
     AddComparison(
         Section::kShading, row, [=](size_t i) { return shader.Value((*samples)[i]); },
-        [plain = Plain{shader.Record()}, samples](size_t i) { return plain((*samples)[i].fUV); });
+        [plain = Plain{shader.Record()}, samples](size_t i) mutable { return plain((*samples)[i].fUV); });
 }
 
 } // namespace
 
 void AddPatterns()
 {
-    const MeasuredShader<SpokeParams> wheel(kSpokeID);
+    const MeasuredShader<SpokeParams> wheel("Spoke");
     AddPattern<PlainSpoke>("Spoke ShadeValue, constant angle", wheel);
-    const MeasuredShader<SpokeParams> bars(kSpokeID);
+    const MeasuredShader<SpokeParams> bars("Spoke");
     bars.Record().fConstantWidth = true;
     bars.Record().fWidth = 100;
     AddPattern<PlainSpoke>("Spoke ShadeValue, parallel sides", bars);
 
-    const MeasuredShader<DripParams> ring(kDripID);
+    const MeasuredShader<DripParams> ring("Drip");
     AddPattern<PlainDrip>("Drip ShadeValue, one ring", ring);
-    const MeasuredShader<DripParams> rings(kDripID);
+    const MeasuredShader<DripParams> rings("Drip");
     rings.Record().fRingWidth = 0.4f;
     rings.Record().fWaves = 5;
     rings.Record().fSecondRing = true;
     AddPattern<PlainDrip>("Drip ShadeValue, two wide rings", rings);
 
+    const MeasuredShader<DripParams> cross("Drip");
+    cross.Record().fShowCenter = true;
+    AddPattern<PlainDrip>("Drip ShadeValue, the cross", cross);
+
     const Samples samples = MakeSamples();
-    const auto vector = [=](size_t i) {
-        TVector3 answer;
-        ring->ShadeVector(answer, (*samples)[i]);
-        return answer;
-    };
     AddComparison(
-        Section::kShading, "Drip ShadeVector", vector, [=](size_t i) { return (*samples)[i].fNormalGlobal; });
+        Section::kShading, "Drip ShadeVector", [=](size_t i) { return ring.Vector((*samples)[i]); },
+        [=](size_t i) { return (*samples)[i].fNormalGlobal; });
 }

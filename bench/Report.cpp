@@ -7,7 +7,7 @@
 namespace {
 
 enum class Unit { kNanoseconds, kMicroseconds, kMegapixels };
-enum class Compared { kRatio, kDifference };
+enum class Compared { kRatio, kRatioAndBudget, kDifference };
 
 struct SectionText {
     std::string key;
@@ -21,13 +21,11 @@ struct SectionText {
 
 const SectionText kSections[] = {
     {Section::kShading, "Shading operations without host calls, ns a sample", "shader", "plain loop",
-        Unit::kNanoseconds, Compared::kRatio, "allocations"},
+        Unit::kNanoseconds, Compared::kRatioAndBudget, "allocations"},
     {Section::kDispatch, "Dispatch, ns a call", "operation", "empty loop", Unit::kNanoseconds,
         Compared::kDifference, "allocations"},
-    {Section::kHost, "Shading operations with host calls, ns a sample", "shader", "", Unit::kNanoseconds,
-        Compared::kRatio, "allocations"},
-    {Section::kLookup, "`Fresnel`, ns a sample", "`ShadeColor`", "bare table lookup", Unit::kNanoseconds,
-        Compared::kRatio, "allocations"},
+    {Section::kHost, "Shading operations with host calls, ns a sample", "shader", "same calls inline",
+        Unit::kNanoseconds, Compared::kRatio, "allocations"},
     {Section::kProximity, "`Proximity` in group mode, ns a sample", "shader", "bare walk", Unit::kNanoseconds,
         Compared::kRatio, "allocations"},
     {Section::kChange, "Parameter changes, microseconds, beside the powers that the spectrum needs", "change",
@@ -36,7 +34,12 @@ const SectionText kSections[] = {
         Unit::kMicroseconds, Compared::kRatio, "cells visited"},
     {Section::kThroughput, "Throughput, million pixels a second", "two threads", "one thread",
         Unit::kMegapixels, Compared::kRatio, ""},
+    {Section::kWork, "Processor time of both, ns a pixel", "two threads", "one thread", Unit::kNanoseconds,
+        Compared::kRatio, ""},
 };
+
+/// What a call of a shader may cost beside the plain loop, ns.
+constexpr double kDispatchBudget = 1;
 
 double InUnit(double seconds, Unit unit)
 {
@@ -80,17 +83,20 @@ void Report::ReportRuns(const std::vector<Run>& runs)
         const std::string section = name.substr(0, rowStart - 1);
         const std::string row = name.substr(rowStart, rowEnd - rowStart);
 
-        const bool isMeasured = name.substr(rowEnd) == kMeasured;
-        Row& target
-            = fRows[section][run.family_index - (isMeasured ? 0 : 1)]; // a reference follows its measured
-        target.fName = row;
-        Column& column = isMeasured ? target.fMeasured : target.fReference;
-        // Other threads' work shows in real time alone.
-        const double seconds
-            = section == Section::kThroughput ? run.real_accumulated_time : run.cpu_accumulated_time;
-        column.fSeconds.push_back(
-            seconds / static_cast<double>(run.iterations) / run.counters.at("items").value);
-        column.fCounted = run.counters.at("counted").value;
+        const bool isMeasured = name.substr(rowEnd).starts_with(kMeasured);
+        const auto add = [&](const std::string& key, double seconds) {
+            Row& target
+                = fRows[key][run.family_index - (isMeasured ? 0 : 1)]; // a reference follows its measured
+            target.fName = row;
+            Column& column = isMeasured ? target.fMeasured : target.fReference;
+            column.fSeconds.push_back(
+                seconds / static_cast<double>(run.iterations) / run.counters.at("items").value);
+            column.fCounted = run.counters.at("counted").value;
+        };
+        const bool isThroughput = section == Section::kThroughput;
+        add(section, isThroughput ? run.real_accumulated_time : run.cpu_accumulated_time);
+        if (isThroughput)
+            add(Section::kWork, run.cpu_accumulated_time);
     }
 }
 
@@ -112,7 +118,8 @@ std::string Report::Table(const std::string& key) const
     const bool compares
         = std::ranges::any_of(rows, [](const auto& row) { return !row.second.fReference.fSeconds.empty(); });
     const bool counts = *section.counted != 0;
-    const bool isRatio = section.compared == Compared::kRatio;
+    const bool isRatio = section.compared != Compared::kDifference;
+    const bool hasBudget = section.compared == Compared::kRatioAndBudget;
 
     std::string text = fmt::format("### {}\n\n| | {} |", section.title, section.measured);
     std::string rule = "| --- | ---: |";
@@ -124,6 +131,7 @@ std::string Report::Table(const std::string& key) const
     };
     addColumn(compares, section.reference);
     addColumn(compares, isRatio ? "ratio" : "difference");
+    addColumn(hasBudget, "past 1 ns of dispatch");
     addColumn(counts, section.counted);
     text += "\n" + rule + "\n";
 
@@ -140,6 +148,8 @@ std::string Report::Table(const std::string& key) const
             const double left = both ? number(row.fMeasured) : 0, right = both ? number(row.fReference) : 1;
             text += fmt::format(" {} | {} |", cell(row.fReference),
                 both ? Number(isRatio ? left / right : left - right) : "");
+            if (hasBudget)
+                text += fmt::format(" {} |", both ? Number((left - kDispatchBudget) / right) : "");
         }
         text += counts ? fmt::format(" {:.0f} |\n", row.fMeasured.fCounted) : "\n";
     }

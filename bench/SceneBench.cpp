@@ -1,14 +1,18 @@
 #include "bench/Bench.h"
 #include "frame/SceneLookup.h"
+#include "host/Primitives.h"
 #include "host/Scene.h"
+#include "optics/Iridescent.h"
+#include "shaders/mapping/Coordinate_Shift.h"
+#include "shaders/scene/Corners.h"
+#include "shaders/scene/Curvature.h"
+#include "shaders/scene/Lit.h"
 #include "shaders/scene/Proximity.h"
+#include "shaders/scene/SurfaceCurvature.h"
 #include "shaders/scene/Translucent.h"
+#include <algorithm>
 
 namespace {
-
-constexpr GUID kProximityID = {0xCCE54E2B, 0x7650, 0x4059, {0x81, 0x9F, 0x78, 0x6B, 0x24, 0x9F, 0x25, 0xBC}};
-constexpr GUID kTranslucentID
-    = {0x999C3DA8, 0x7456, 0x4FB4, {0xA4, 0x81, 0x27, 0x00, 0xFC, 0xFE, 0x74, 0x9D}};
 
 using Scene = MCCountedPtr<fernwick::Scene>;
 
@@ -21,6 +25,10 @@ Scene MakeScene(int count)
         const TVector3 place(static_cast<float>(i % 7), static_cast<float>(i % 5), static_cast<float>(i % 3));
         auto& siblings = i % 10 == 2 ? description.fElements : description.fElements.back().fChildren;
         siblings.push_back({.fName = name, .fPlace = {.fTranslation = place}});
+        if (i % 2 == 0)
+            siblings.back().fLight = {.fNearRange = 5, .fFarRange = 12};
+        else
+            siblings.back().fGeometry = fernwick::MakeSphere(1);
     }
     return fernwick::MakeCounted<fernwick::Scene>(description);
 }
@@ -48,15 +56,15 @@ void Walk(ITreeElement& tree, const TVector3& from, TMCStringOf<1023>& name, flo
 
 MeasuredShader<ProximityParams> MakeProximity(const char* target, bool single)
 {
-    const MeasuredShader<ProximityParams> proximity(kProximityID);
+    const MeasuredShader<ProximityParams> proximity("Proximity");
     proximity.Record().fTargetName = target;
     proximity.Record().fSingleObject = single;
-    proximity.Record().fReference = Code("Opt3");
+    proximity.Record().fReference = kReferenceHotPoint;
     proximity.Changed();
     return proximity;
 }
 
-void AddProximity(int count)
+void AddGroup(int count)
 {
     const Scene scene = MakeScene(count);
     const Samples samples = MakeSamples(InstanceOf(scene));
@@ -72,23 +80,257 @@ void AddProximity(int count)
     AddPass(row + kReference, walk);
 }
 
+const TMCString255 kLamp("Lamp 8");
+const TMCString255 kPlate("Plate 3");
+
+/// What a plain loop asks first.
+struct Found {
+    MCCountedPtr<ITreeElement> shaded;
+    MCCountedPtr<IScene> scene;
+    MCCountedPtr<ITreeElement> tree;
+
+    explicit Found(const ShadingIn& in) { FindShadedTree(in, shaded, scene); }
+    Found(const ShadingIn& in, const TMCString& name) : Found(in) { FindTreeByName(scene, name, "", tree); }
+};
+
+float PlainProximity(const ShadingIn& in)
+{
+    Found found(in);
+    const TVector3 origin = GlobalPosition(*found.shaded);
+    TMCString255 scratch;
+    found.shaded->GetNameScratch(scratch);
+    const TVector3 hotPoint = HotPointAt(*found.shaded, origin);
+    found.shaded->GetParent(found.tree.Address());
+    FindTreeByName(found.scene, kLamp, "", found.tree);
+    const float distance = static_cast<float>(Length(GlobalPosition(*found.tree) - hotPoint));
+    return distance > 10 ? 0 : 1 - distance / 10;
+}
+
+TMCColorRGBA PlainTranslucent(const ShadingIn& in)
+{
+    Found found(in);
+    MCCountedPtr<ITreeElement> plate;
+    TVector3 location;
+    FindTreeFromReference(in, *found.shaded, found.scene, kLamp, kReferenceSample, found.tree, location);
+    const auto direction = [&](ITreeElement& tree) {
+        TVector3 way = GlobalPosition(tree) - location;
+        Normalize(way);
+        return way;
+    };
+    const TVector3 toLight = direction(*found.tree);
+    FindTreeByName(found.scene, kPlate, "", plate);
+    const float angle = AngleBetween(direction(*plate), toLight);
+    const float level = 20 >= angle ? 0 : (angle - 20) / 140;
+    return {level, level, level, 1};
+}
+
+float PlainLit(const ShadingIn& in, TMCColorRGBA& color)
+{
+    Found found(in);
+    TVector3 location, direction;
+    FindTreeFromReference(in, *found.shaded, found.scene, kLamp, kReferenceSample, found.tree, location);
+    MCCountedPtr<ILight> light;
+    Query(*found.tree, IID_ILight, light);
+    TTransform3D transform;
+    light->GetLightTransform(transform);
+    float distance, brightness;
+    light->GetDirection(location, direction, distance);
+    LightState state;
+    light->GetLightState(state);
+    light->GetLightParameter(Code("brit"), brightness);
+    const float angle = AngleBetween(direction, in.fNormalGlobal);
+    const float ramp = 1 - (angle - 20.0f) / (160.0f - 20.0f);
+    float range = 0;
+    if (state.fFarRange >= distance)
+        range = state.fNearRange >= distance
+            ? 1
+            : static_cast<float>(1.0 - (distance - state.fNearRange) / (state.fFarRange - state.fNearRange));
+    const float amount = range * ramp;
+    const TMCColorRGB& own = state.fLightColor;
+    color = {
+        own.fRed / brightness * amount, own.fGreen / brightness * amount, own.fBlue / brightness * amount, 1};
+    return amount;
+}
+
+/// The shader's calls, those among them of which nothing comes, and what it makes of the hit.
+TMCColorRGBA PlainCurvature(const ShadingIn& in)
+{
+    constexpr int32_t kHitKind = -3;
+    Found found(in, kLamp);
+    GlobalPosition(*found.tree);
+    FindTreeByName(found.scene, kPlate, "", found.tree);
+    MCCountedPtr<IInstance> instance;
+    Query(*found.tree, IID_IInstance, instance);
+    TTreeTransform treeTransform;
+    found.tree->GetTreeTransform(treeTransform);
+    TBBox3D box;
+    found.tree->GetBoundingBox(box, 2, true);
+    GlobalPosition(*found.tree);
+
+    RayHitRecord hit(kHitKind);
+    TRay3D ray;
+    ray.fOrigin = in.fPointGlobal + in.fNormalGlobal;
+    ray.fDirection = -in.fNormalGlobal;
+    hit.fBlock.fShading.fInstance = instance.Get();
+    RayHitParams params(ray, hit);
+    params.fFarLimit = 1.01f;
+    const bool isHit = instance->CastRay(params);
+    if (isHit && hit.fFinishHit != nullptr) {
+        hit.fNeedFinish = 1;
+        hit.fFinishHit(&hit);
+    }
+    const ShadingIn& surface = hit.fBlock.fShading;
+    const float gaussian = MeasureCurvature(surface.fDerivU, surface.fDerivV, hit.fShapeMatrix).fGaussian;
+    if (!isHit)
+        return {0, 1, 0, 1};
+    return {std::clamp(gaussian, 0.0f, 1.0f), 0, std::clamp(-gaussian, 0.0f, 1.0f), 1};
+}
+
+void AddCalls()
+{
+    const Scene scene = MakeScene(10);
+    const Samples samples = MakeSamples(InstanceOf(scene));
+    const auto add = [&](const char* row, auto shade, auto plain) {
+        AddComparison(
+            Section::kHost, row, [=, keep = scene](size_t i) { return shade((*samples)[i]); },
+            [=](size_t i) { return plain((*samples)[i]); });
+    };
+
+    const auto proximity = MakeProximity(kLamp.GetText(), true);
+    add(
+        "Proximity ShadeValue, one object", [=](ShadingIn& in) { return proximity.Value(in); },
+        PlainProximity);
+
+    const MeasuredShader<TranslucentParams> translucent("Translucent");
+    translucent.Record().fCameraName = kPlate;
+    translucent.Record().fLightName = kLamp;
+    translucent.Changed();
+    add(
+        "Translucent ShadeColor", [=](ShadingIn& in) { return translucent.Color(in); }, PlainTranslucent);
+
+    const MeasuredShader<LitParams> lit("Lit");
+    lit.Record().fLightName = kLamp;
+    lit.Record().fUseLightColor = true;
+    add(
+        "Lit ShadeColor, in the light's colour", [=](ShadingIn& in) { return lit.Color(in); },
+        [](ShadingIn& in) {
+            TMCColorRGBA color;
+            PlainLit(in, color);
+            return color;
+        });
+    const MeasuredShader<LitParams> grey("Lit");
+    grey.Record().fLightName = kLamp;
+    add(
+        "Lit ShadeValue", [=](ShadingIn& in) { return grey.Value(in); },
+        [](ShadingIn& in) {
+            TMCColorRGBA color;
+            return PlainLit(in, color);
+        });
+
+    const MeasuredShader<CurvatureParams> curvature("Curvature");
+    curvature.Record().fObjectName = kLamp;
+    curvature.Record().fSurfaceName = kPlate;
+    curvature.Changed();
+    add(
+        "Curvature ShadeColor", [=](ShadingIn& in) { return curvature.Color(in); }, PlainCurvature);
+
+    const MeasuredShader<IridescentParams> iridescent("Iridescent");
+    iridescent.Record().fReferenceMode = Code("OBJT");
+    iridescent.Record().fObjectName = kLamp;
+    iridescent.Record().fGrey = true;
+    iridescent.Changed();
+    add(
+        "Iridescent ShadeColor, towards an object", [=](ShadingIn& in) { return iridescent.Color(in); },
+        [](ShadingIn& in) {
+            TVector3 way = GlobalPosition(*Found(in, kLamp).tree) - in.fPointGlobal;
+            Normalize(way);
+            const float angle = static_cast<float>(AngleBetween(way, in.fNormalGlobal) / kPi);
+            return TMCColorRGBA{angle, angle, angle, 1};
+        });
+
+    const MeasuredShader<Coordinate_ShiftParams> shift("Coordinate_Shift");
+    const Source source(kOutputSurface | kOutputColor);
+    shift.Record().fMode = Code("OBJM");
+    shift.Record().fObjectName = kLamp;
+    shift.Record().fSubShader = source.Face();
+    shift.Changed();
+    add(
+        "Coordinate_Shift ShadeSurface, object", [=](ShadingIn& in) { return shift.Surface(in); },
+        [=](ShadingIn& in) {
+            Found found(in);
+            MCCountedPtr<ITreeElement> target;
+            found.shaded->GetParent(target.Address());
+            FindTreeByName(found.scene, kLamp, "", target);
+            in.fPointGlobal -= GlobalPosition(*target);
+            ShadingOut result;
+            source->ShadeSurface(result, in);
+            return ChannelsOf(result);
+        });
+}
+
+/// Probes along four lines of a grid. Where the neighbourhood leaves the grid the first probes are pinned.
+struct PlainCorners {
+    static constexpr int kEdge = 256, kRadius = 12, kStep = 2, kProbes = kRadius / kStep;
+
+    std::vector<TVector3> cells = std::vector<TVector3>(kEdge * kEdge);
+    std::vector<float> angles = std::vector<float>(4 * kProbes);
+    TVector3 center;
+
+    TVector3 At(int place) const { return place >= 0 ? cells[static_cast<size_t>(place)] : TVector3::kZero; }
+    static int Back(int overrun) { return overrun > 0 ? (overrun + kStep - 1) / kStep : 0; }
+    float operator()(const ShadingIn& in)
+    {
+        const int u = static_cast<int>(in.fUV[0] * kEdge), v = static_cast<int>(in.fUV[1] * kEdge);
+        center = At(u * kEdge + v);
+        const int back[4] = {Back(kRadius - u), Back(kRadius - v), Back(u + kRadius - kEdge + 1),
+            Back(v + kRadius - kEdge + 1)};
+        const int lowU = u - kRadius + back[0] * kStep, lowV = v - kRadius + back[1] * kStep;
+        const int highV = v + kRadius - back[3] * kStep;
+        const int lines[4][4] = {{lowU, v, kStep, 0}, {u, highV, 0, -kStep}, {lowU, highV, kStep, -kStep},
+            {lowU, lowV, kStep, kStep}};
+        float best = 0;
+        for (int line = 0; line < 4; ++line) {
+            int x = lines[line][0], y = lines[line][1];
+            for (int i = 0; i < kProbes; ++i) {
+                x = -back[2] >= i ? 1 : back[0] >= i ? 0 : x;
+                y = back[3] >= i ? 1 : back[1] >= i ? 0 : y;
+                angles[static_cast<size_t>(line * kProbes + i)] = AngleBetween(center, At(x * kEdge + y));
+                x += lines[line][2];
+                y += lines[line][3];
+            }
+        }
+        for (int line = 0; line < 4; ++line)
+            for (int i = 0; i <= kProbes / 2; ++i)
+                best = std::max(best, angles[static_cast<size_t>(line * kProbes + i)]);
+        return static_cast<float>(best / 3.14);
+    }
+};
+
+void AddCorners()
+{
+    const MeasuredShader<CornersParams> corners("Corners");
+    corners.Changed();
+    const Samples samples = MakeSamples();
+    PlainCorners plain;
+    Corners& grid = static_cast<Corners&>(*corners.operator->());
+    for (int u = 0; u < PlainCorners::kEdge; ++u)
+        for (int v = 0; v < PlainCorners::kEdge; ++v) {
+            const TVector3 normal = (*samples)[static_cast<size_t>(u * 31 + v) % kSampleCount].fNormalLocal;
+            plain.cells[static_cast<size_t>(u * PlainCorners::kEdge + v)] = normal;
+            grid.SetNormal(u, v, normal);
+        }
+    AddComparison(
+        Section::kShading, "Corners ShadeValue, 24 probes",
+        [=](size_t i) { return corners.Value((*samples)[i]); },
+        [=](size_t i) mutable { return plain((*samples)[i]); });
+}
+
 } // namespace
 
 void AddScene()
 {
     for (const int count : {10, 100, 1000})
-        AddProximity(count);
-
-    const Scene scene = MakeScene(10);
-    const Samples samples = MakeSamples(InstanceOf(scene));
-    const auto proximity = MakeProximity("Lamp 8", true);
-    AddPass(Section::kHost + "/Proximity ShadeValue, one object" + kMeasured,
-        [=, keep = scene](size_t i) { return proximity.Value((*samples)[i]); });
-
-    const MeasuredShader<TranslucentParams> translucent(kTranslucentID);
-    translucent.Record().fCameraName = "Plate 3";
-    translucent.Record().fLightName = "Lamp 8";
-    translucent.Changed();
-    AddPass(Section::kHost + "/Translucent ShadeColor" + kMeasured,
-        [=, keep = scene](size_t i) { return translucent.Color((*samples)[i]); });
+        AddGroup(count);
+    AddCalls();
+    AddCorners();
 }

@@ -3,15 +3,13 @@
 
 namespace {
 
-constexpr GUID kWeaveID = {0x608112FA, 0x2448, 0x4404, {0x8E, 0x96, 0x17, 0xA8, 0xC6, 0xB5, 0xE9, 0xF9}};
-
 float Squared(float number) { return number * number; }
 
 /// A cloth of two by two threads, rounded both ways, without displacement.
 struct PlainCloth {
     struct Hit {
         int32_t thread = 0;
-        float offset = 0, half = 1, along = 0, alongHalf = 1;
+        float offset = 0, half = 1, t = 0, along = 0, alongHalf = 1, alongT = 0;
     };
 
     WeaveParams p;
@@ -19,6 +17,10 @@ struct PlainCloth {
     ThreadTable table[2];
     ThreadSpans spans[2][kThreadsPerGroup];
     float inverseRepeat[2];
+    Hit hits[2]; // what the shader keeps
+    float tile[2]{};
+    int top = 0;
+    TMCColorRGBA layer{};
 
     PlainCloth(const WeaveParams& params, const Source& warp, const Source& weft, const Source& gapSource)
         : p(params), threads{warp, weft},
@@ -53,6 +55,7 @@ struct PlainCloth {
                 hit.thread = k + 1;
                 hit.offset = Offset(table[group].fCenter[k], across);
                 hit.half = table[group].fHalfWidth[k];
+                hit.t = (across - start) / (end - start);
                 break;
             }
             previousEnd = end;
@@ -72,42 +75,47 @@ struct PlainCloth {
                                             : span.fCenter;
             hit.alongHalf = atSeam ? first.fHalfLength + last.fHalfLength : span.fHalfLength;
             hit.along = Offset(center, along);
+            const double from = found == 0 ? -(last.fHalfLength * 2.0) : span.fStart;
+            hit.alongT = static_cast<float>((along - from) / (hit.alongHalf * 2.0));
             break;
         }
         return hit;
     }
 
-    int Sample(const TVector2& uv, Hit (&hits)[2]) const
+    void Sample(const TVector2& uv)
     {
-        float tile[2] = {uv[0], uv[1]};
+        tile[0] = uv[0];
+        tile[1] = uv[1];
         if (tile[0] != 0)
             tile[0] = std::fmod(tile[0], inverseRepeat[0]) * static_cast<float>(p.fRepeatU);
         if (tile[1] != 0)
             tile[1] = std::fmod(tile[1], inverseRepeat[1]) * static_cast<float>(p.fRepeatV);
         hits[0] = Find(0, tile[0], tile[1]);
         hits[1] = Find(1, tile[1], tile[0]);
-        if (hits[0].thread == 0 && hits[1].thread == 0)
-            return -1;
+        if (hits[0].thread == 0 && hits[1].thread == 0) {
+            top = -1;
+            return;
+        }
         const bool warpOnTop = hits[1].thread == 0
             || (hits[0].thread != 0 && p.fPattern[hits[1].thread - 1][hits[0].thread - 1]);
-        return warpOnTop ? 0 : 1;
+        top = warpOnTop ? 0 : 1;
     }
 
-    TMCColorRGBA Color(ShadingIn& in) const
+    TMCColorRGBA Color(ShadingIn& in)
     {
-        Hit hits[2];
-        const int top = Sample(in.fUV, hits);
-        if (top < 0)
-            return gap.Color(in);
+        Sample(in.fUV);
+        if (top < 0) {
+            gap.Color(layer, in);
+            return layer;
+        }
         if (top == 1)
             in.fUV = {in.fUV[1], in.fUV[0]};
-        TMCColorRGBA color = threads[top].Color(in);
+        threads[top].Color(layer, in);
         const Hit& hit = hits[top];
         const float along = Squared(hit.along) / Squared(hit.alongHalf * p.fProfileAlong);
         const float across = Squared(hit.offset) / Squared(hit.half * p.fProfileAcross);
         const float darkening = static_cast<float>(1.0 - (along + across));
-        color.SetRGB(color.fRed * darkening, color.fGreen * darkening, color.fBlue * darkening);
-        return color;
+        return {layer.fRed * darkening, layer.fGreen * darkening, layer.fBlue * darkening, layer.fAlpha};
     }
 
     static TVector3 Bent(const TVector3& v, TVector3 a, float scale, float sine)
@@ -124,10 +132,9 @@ struct PlainCloth {
                 + (cosine + rest * a[2] * a[2]) * v[2]};
     }
 
-    TVector3 Vector(const ShadingIn& in) const
+    TVector3 Vector(const ShadingIn& in)
     {
-        Hit hits[2];
-        const int top = Sample(in.fUV, hits);
+        Sample(in.fUV);
         if (top < 0)
             return in.fNormalLocal;
         const TVector3& acrossAxis = top == 0 ? in.fDerivV : in.fDerivU;
@@ -143,7 +150,7 @@ struct PlainCloth {
 
 void AddWeave()
 {
-    const MeasuredShader<WeaveParams> weave(kWeaveID);
+    const MeasuredShader<WeaveParams> weave("Weave");
     WeaveParams& params = weave.Record();
     const Source warp(kOutputColor), weft(kOutputColor), gap(kOutputColor);
     params.fWarpSubShader[0] = warp.Face();
@@ -155,7 +162,7 @@ void AddWeave()
     params.fRepeatU = params.fRepeatV = 4;
     weave.Changed();
 
-    const PlainCloth plain(params, warp, weft, gap);
+    PlainCloth plain(params, warp, weft, gap);
     const Samples samples = MakeSamples();
     const auto coordinates = std::make_shared<std::vector<TVector2>>();
     for (const ShadingIn& in : *samples)
@@ -167,14 +174,10 @@ void AddWeave()
     };
     AddComparison(
         Section::kShading, "Weave ShadeColor, rounded", [=](size_t i) { return weave.Color(sampleAt(i)); },
-        [=](size_t i) { return plain.Color(sampleAt(i)); });
-    const auto vector = [=](size_t i) {
-        TVector3 answer;
-        weave->ShadeVector(answer, sampleAt(i));
-        return answer;
-    };
-    AddComparison(Section::kShading, "Weave ShadeVector, rounded", vector,
-        [=](size_t i) { return plain.Vector(sampleAt(i)); });
+        [=](size_t i) mutable { return plain.Color(sampleAt(i)); });
+    AddComparison(
+        Section::kShading, "Weave ShadeVector, rounded", [=](size_t i) { return weave.Vector(sampleAt(i)); },
+        [=](size_t i) mutable { return plain.Vector(sampleAt(i)); });
 
     AddWork(Section::kChange + "/Weave, another gap" + kMeasured, [weave] {
         WeaveParams& record = weave.Record();

@@ -23,7 +23,7 @@ int main(int count, char** arguments)
         AddLayers();
         AddOptics();
         AddScene();
-        AddBake();
+        AddThroughput();
         benchmark::RunSpecifiedBenchmarks(&report);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
