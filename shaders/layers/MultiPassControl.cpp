@@ -44,7 +44,6 @@ MCErr MultiPassControl::ExtensionDataChanged()
 
 float MultiPassControl::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
 {
-    ShadingOut fetch;
     fullArea = false;
     if (fParams.fLevel != Code("LREF")) {
         value = LevelOf(fParams.fLevel);
@@ -52,7 +51,7 @@ float MultiPassControl::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
     }
     if (!fShader)
         return 0.0f;
-    if (!ReadLevel(fShader, fShaderKinds, value, fLayerColor, fetch, fullArea, in))
+    if (!ReadLevel(fShader, fShaderKinds, value, fLayerColor, fullArea, in))
         value = 0;
     return kFullCoverage;
 }

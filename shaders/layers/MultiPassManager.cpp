@@ -22,10 +22,9 @@ MCErr MultiPassManager::ExtensionDataChanged()
 
 int32_t MultiPassManager::ShadeSurface(ShadingOut& result, ShadingIn& in)
 {
-    ShadingOut fetch;
     bool fullArea = false;
     fValue = 0;
-    if (!ReadLevel(fShader[0], fShaderKinds[0], fValue, fLayerColor, fetch, fullArea, in))
+    if (!ReadLevel(fShader[0], fShaderKinds[0], fValue, fLayerColor, fullArea, in))
         return 0;
     const int32_t pass = PassOf(fValue);
     if (pass < 0 || pass > kLastPass)

@@ -41,12 +41,10 @@ float Key::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     fShader->ShadeColor(fSubColor, fullArea, in); // whatever its kinds
     const bool inside = Holds(fRedBox, fSubColor.fRed) && Holds(fGreenBox, fSubColor.fGreen)
         && Holds(fBlueBox, fSubColor.fBlue);
-    if (fParams.fMode == Code("KEYM")) {
-        const float mask = inside ? 0.0f : 1.0f;
+    const float mask = inside ? 0.0f : 1.0f;
+    if (fParams.fMode == Code("KEYM"))
         color = {mask, mask, mask, fSubColor.fAlpha};
-    } else {
-        color = fSubColor;
-        color.fAlpha = inside ? 0.0f : 1.0f;
-    }
+    else
+        color = {fSubColor.fRed, fSubColor.fGreen, fSubColor.fBlue, mask};
     return kFullCoverage;
 }
