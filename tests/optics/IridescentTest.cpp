@@ -122,14 +122,4 @@ TEST_F(IridescentTest, TheReferenceIsTheFixedDirectionOrTheLastFoundElement)
     expectAngle(0, {9, 1, 1}, {});
 }
 
-TEST_F(IridescentTest, ComparesAllButTheReferenceModeAndTheAlphas)
-{
-    MadeShader<IridescentParams> other(kIridescentID);
-    fRecord.fReferenceMode = Code("OBJT");
-    fRecord.fBands[3].fColor.fAlpha = 1;
-    EXPECT_TRUE(fIridescent->SameParameters(&*other));
-    fRecord.fBands[6].fCenter = 91;
-    EXPECT_FALSE(fIridescent->SameParameters(&*other));
-}
-
 } // namespace

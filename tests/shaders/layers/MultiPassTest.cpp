@@ -132,18 +132,4 @@ TEST_F(MultiPassTest, EmptiedSlotsGoOnAndAFailedQueryIsOneOrItsStatus)
     EXPECT_EQ(Level(0), 9);
 }
 
-TEST_F(MultiPassTest, ComparesNoNames)
-{
-    const MadeShader<MultiPassControlParams> control(kControlID);
-    const MadeShader<MultiPassManagerParams> manager(kManagerID);
-    manager.Record() = fManager.Record();
-    manager.Record().fPassName[0] = control.Record().fPassName[9] = "Beauty";
-    EXPECT_TRUE(fControl->SameParameters(&*control));
-    EXPECT_TRUE(fManager->SameParameters(&*manager));
-    control.Record().fLevel = 0;
-    manager.Record().fSubShader[10] = nullptr;
-    EXPECT_FALSE(fControl->SameParameters(&*control));
-    EXPECT_FALSE(fManager->SameParameters(&*manager));
-}
-
 } // namespace

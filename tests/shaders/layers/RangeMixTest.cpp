@@ -178,23 +178,6 @@ TYPED_TEST(RangeMixTest, BypassesWithAnyControlAndGivesNothingWithoutOne)
     EXPECT_EQ(this->fIn.fChannelMask, 5u);
 }
 
-TYPED_TEST(RangeMixTest, ComparesAllButTheLinearEdge)
-{
-    const typename TestFixture::Made other(TypeParam::kID);
-    auto& record = other.Record();
-    record = this->fRecord;
-    record.fLinearEdge = true;
-    EXPECT_TRUE(this->fMixer->SameParameters(&*other));
-    record.fSubShader[11] = nullptr;
-    EXPECT_FALSE(this->fMixer->SameParameters(&*other));
-    record = this->fRecord;
-    record.fColor.fAlpha = 1;
-    EXPECT_FALSE(this->fMixer->SameParameters(&*other));
-    record.fColor = this->fRecord.fColor;
-    record.fRange[9][1] = this->fRecord.fRange[9][1] = kNaN;
-    EXPECT_FALSE(this->fMixer->SameParameters(&*other));
-}
-
 using Super_mixerTest = RangeMixTest<ColorMixer>;
 
 TEST_F(Super_mixerTest, AveragesOverlapButItsAlphaAndHandsTheCallersFlagOn)

@@ -87,17 +87,4 @@ TEST_F(Coordinate_ShiftTest, AsksForSurfaceThenColourThenValue)
     }
 }
 
-TEST_F(Coordinate_ShiftTest, ComparesAllButTheName)
-{
-    MadeShader<Coordinate_ShiftParams> other(kShiftID);
-    other.Record().fSubShader = fShift.Record().fSubShader;
-    other.Record().fObjectName = "Another";
-    EXPECT_TRUE(fShift->SameParameters(&*other));
-    other.Record().fShiftLocal[2] = true;
-    EXPECT_FALSE(fShift->SameParameters(&*other));
-    fShift.Record().fShiftLocal[2] = true;
-    other.Record().fOffset = fShift.Record().fOffset = {0, kNaN, 0};
-    EXPECT_FALSE(fShift->SameParameters(&*other));
-}
-
 } // namespace

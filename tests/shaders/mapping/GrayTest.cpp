@@ -4,7 +4,6 @@
 namespace {
 
 constexpr GUID kGrayID = {0xB30CC03F, 0x243F, 0x4F88, {0x9E, 0x16, 0x8B, 0x05, 0x71, 0x77, 0x1D, 0xBC}};
-constexpr GUID kTwinID = {0x535766EF, 0xCF7A, 0x448A, {0x97, 0x18, 0x25, 0xC0, 0xE4, 0x84, 0xC3, 0x14}};
 constexpr int32_t kSaturation = 0;
 
 class GrayTest : public ShaderTest {
@@ -92,15 +91,6 @@ TEST_F(GrayTest, FiltersTheSwitchedColoursOfASurface)
     EXPECT_EQ(fGray->ShadeSurface(result, fIn), 1);
     EXPECT_THAT(result.fColor, IsColor(0, 0, 0, 1)); // as it was
     EXPECT_EQ(fIn.fChannelMask, 5u);
-}
-
-TEST_F(GrayTest, TheTwinIsTheSameAndSwitchesArentCompared)
-{
-    MadeShader<GrayParams> twin(kTwinID);
-    twin.Record().fColorSwitches[2] = true;
-    EXPECT_TRUE(fGray->SameParameters(&*twin));
-    twin.Record().fBlueShift = fGray.Record().fBlueShift = kNaN;
-    EXPECT_FALSE(fGray->SameParameters(&*twin));
 }
 
 } // namespace

@@ -88,16 +88,4 @@ TEST_F(KeyTest, DropsAnEmptiedSlot)
     EXPECT_EQ(fKey->ShadeColor(color, fFullArea, fIn), 0.0f);
 }
 
-TEST_F(KeyTest, ComparesTheKeyColoursAlphaToo)
-{
-    MadeShader<KeyParams> other(kKeyID);
-    EXPECT_TRUE(fKey->SameParameters(&*other));
-    EXPECT_FALSE(fKey->SameParameters(nullptr));
-    other.Record().fKeyColor.fAlpha = 1;
-    EXPECT_FALSE(fKey->SameParameters(&*other));
-    other.Record().fKeyColor = fKey.Record().fKeyColor;
-    other.Record().fKeyColor.fBlue = fKey.Record().fKeyColor.fBlue = kNaN;
-    EXPECT_FALSE(fKey->SameParameters(&*other));
-}
-
 } // namespace

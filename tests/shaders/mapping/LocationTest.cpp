@@ -87,11 +87,4 @@ TEST_F(LocationTest, ASubShaderDisturbsTheRamps)
     EXPECT_EQ(ShadeAt({1, 0, 0}), 0.125f);
 }
 
-TEST_F(LocationTest, IsTheSameAsItselfOnly)
-{
-    MadeShader<LocationParams> other(kLocationID);
-    EXPECT_FALSE(fLocation->SameParameters(&*other));
-    EXPECT_TRUE(fLocation->SameParameters(&*fLocation));
-}
-
 } // namespace

@@ -88,13 +88,4 @@ TEST_F(SpokeTest, DrawsNothingWithoutSpokesOrAPlace)
     EXPECT_EQ(At(45, 0.25), 0);
 }
 
-TEST_F(SpokeTest, LeavesTheTaperOutOfTheComparison)
-{
-    MadeShader<SpokeParams> other(kSpokeID);
-    other.Record().fTaper = 9;
-    EXPECT_TRUE(fSpoke->SameParameters(&*other));
-    other.Record().fFillCenter = true;
-    EXPECT_FALSE(fSpoke->SameParameters(&*other));
-}
-
 } // namespace

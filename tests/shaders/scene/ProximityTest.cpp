@@ -133,15 +133,4 @@ TEST_F(ProximityTest, TheSubShaderShiftsTheDistanceByLessTheLargerTheLimit)
     }
 }
 
-TEST_F(ProximityTest, ComparesAllButFalloffAndMode)
-{
-    MadeShader<ProximityParams> other(kProximityID);
-    other.Record() = fRecord;
-    other.Record().fFalloff = 3;
-    other.Record().fSingleObject = false;
-    EXPECT_TRUE(fProximity->SameParameters(&*other));
-    other.Record().fAxisY = false;
-    EXPECT_FALSE(fProximity->SameParameters(&*other));
-}
-
 } // namespace

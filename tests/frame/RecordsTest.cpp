@@ -1,0 +1,106 @@
+#include "host/FieldValue.h"
+#include "tests/support/ShaderTest.h"
+#include <cstring>
+
+// Every class with a route: what a new shader tells and its record holds, and which fields SameParameters compares.
+
+namespace {
+
+using namespace fernwick;
+
+struct Record {
+    const char* fClass;
+    uint32_t fStart;               ///< `Mark` of what a new shader tells and holds
+    const char* fLeftOut = "none"; ///< of the comparison; vectors and colours by component
+    bool fNeverSame = false;       ///< as another object's
+};
+
+const Record kRecords[] = {{"Weave", 0x0A2014D5, "none", true}, {"Gray", 0x6E19602B, "fColorSwitches.*"},
+    {"Super_mixer", 0xF08FBC09, "fLinearEdge"}, {"Super_mixer_top", 0xC225B2DF, "fLinearEdge"},
+    {"Iridescent", 0x9F2BF2E3, "fReferenceMode|fBands.*fColor 3"}, {"Location", 0xC263CACD, "none", true},
+    {"Fresnel", 0x8C7F631C, "fPreset2|f(Wavelength|Illuminant)Color.*|fWavelengthLinear.*|fWhite[XY]"},
+    {"Proximity", 0xAA41D447, "fFalloff|fSingleObject"}, {"Translucent", 0x1707FA3B}, {"Lit", 0x6E717184},
+    {"Drip", 0xAD8A6E42}, {"MultiPassControl", 0xB2266623, "fPassName.*"},
+    {"MultiPassManager", 0x1C8AB23A, "fPassName.*"}, {"Coordinate_Shift", 0xB951F5C4, "fObjectName"},
+    {"Key", 0x31FEB44D}, {"Spoke", 0x4DB644D4, "fTaper"}};
+
+void PrintTo(const Record& record, std::ostream* out) { *out << record.fClass; }
+
+/// A number for a text, by the method of Fowler, Noll and Vo.
+uint32_t Mark(const std::string& text)
+{
+    uint32_t mark = 2166136261;
+    for (const char letter : text)
+        mark = (mark ^ static_cast<unsigned char>(letter)) * 16777619;
+    return mark;
+}
+
+size_t FloatsOf(FieldType type)
+{
+    return type == FieldType::kFloat || (type >= FieldType::kVector2 && type <= FieldType::kRGBA)
+        ? LayoutOf(type).fSize / sizeof(float)
+        : 0;
+}
+
+class RecordsTest : public ShaderTest, public testing::WithParamInterface<Record> {
+protected:
+    using Shader = MadeShader<char>;
+
+    const ParameterTable& fTable = *FindClass(GetParam().fClass);
+    const GUID& fClassID = fTable.fClassIDs.front();
+
+    /// Whether two new shaders are the same after one has another value there, or both have NaN.
+    bool IsSameWith(const Field& field, size_t part, bool nan) const
+    {
+        const Shader one(fClassID), other(fClassID);
+        char* const place = &other.Record() + field.fOffset + part * sizeof(float);
+        if (FloatsOf(field.fType) > 0) {
+            float number;
+            std::memcpy(&number, place, sizeof number);
+            number = nan ? kNaN : number + 1;
+            std::memcpy(place, &number, sizeof number);
+            if (nan)
+                std::memcpy(&one.Record() + (place - &other.Record()), &number, sizeof number);
+        } else if (field.fType == FieldType::kShader) {
+            Plug(*reinterpret_cast<SubShaderSlot*>(place), FakeValue(0));
+        } else if (field.fType == FieldType::kString) {
+            WriteField({&field, std::string("another")}, &other.Record());
+        } else {
+            *place ^= 1;
+        }
+        return other->SameParameters(&*one) != 0;
+    }
+};
+
+TEST_P(RecordsTest, StartWithTheSettledDefaults)
+{
+    const Shader shader(fClassID);
+    ShadingFlags flags;
+    shader->ReportNeeds(flags);
+    std::string text = "needs " + std::to_string(flags.fNeeds) + ", trait "
+        + std::to_string(shader->QueryBooleanTrait()) + "\n";
+    for (const Field& field : fTable.fFields)
+        text += field.fName + " " + ValueText(field, ReadField(field, &shader.Record())) + "\n";
+    EXPECT_EQ(Mark(text), GetParam().fStart) << text;
+}
+
+TEST_P(RecordsTest, AreComparedByEachFieldThatIsntLeftOut)
+{
+    const Shader one(fClassID), twin(fTable.fClassIDs.back());
+    EXPECT_FALSE(one->SameParameters(nullptr));
+    EXPECT_TRUE(one->SameParameters(&*one));
+    EXPECT_NE(one->SameParameters(&*twin) != 0, GetParam().fNeverSame);
+    const testing::Matcher<std::string> leftOut = testing::MatchesRegex(GetParam().fLeftOut);
+    for (const Field& field : fTable.fFields)
+        for (size_t part = 0; part < std::max<size_t>(FloatsOf(field.fType), 1); ++part)
+            for (const bool nan : {false, true}) {
+                const std::string name
+                    = FloatsOf(field.fType) > 1 ? field.fName + " " + std::to_string(part) : field.fName;
+                EXPECT_EQ(IsSameWith(field, part, nan), leftOut.Matches(name)) << name;
+            }
+}
+
+INSTANTIATE_TEST_SUITE_P(Routed, RecordsTest, testing::ValuesIn(kRecords),
+    [](const auto& info) { return std::string(info.param.fClass); });
+
+} // namespace
