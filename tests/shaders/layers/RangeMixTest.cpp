@@ -213,14 +213,15 @@ TEST_F(Super_mixerTest, AdditionWeighsTheAlphaAloneWithWhatTheLastMixLeft)
 {
     Layer(8, FakeValue(0.25f).Get());
     Layer(9, FakeAll(kOutputSurface).Get());
+    fLayers[7]->fColor = {1, 0.5f, 0, 1};
     fRecord.fCombineMode = Code("ADMD");
-    EXPECT_THAT(Shade(0.0f), IsColor(8.25f, 8.25f, 8.25f, 8.5f)); // no mix yet: the whole alpha
+    EXPECT_THAT(Shade(0.0f), IsColor(8.25f, 7.75f, 7.25f, 8.5f)); // no mix yet: the whole alpha
     EXPECT_EQ(fControl->Calls(), 0);
     Fade(1);
     fRecord.fCombineMode = Code("MXMD");
     Shade(0.25f);
     fRecord.fCombineMode = Code("ADMD");
-    EXPECT_THAT(Shade(0.0f), IsColor(8.25f, 8.25f, 8.25f, 4.5f));
+    EXPECT_THAT(Shade(0.0f), IsColor(8.25f, 7.75f, 7.25f, 4.5f));
 }
 
 using Super_mixer_topTest = RangeMixTest<SurfaceMixer>;

@@ -73,7 +73,7 @@ TEST_F(SpokeTest, ParallelSidesMergeNearTheCentre)
     fParams.fWidth = 20;
     fParams.fInnerRadius = 0.005f;
     fParams.fInnerFade = 0.006f;
-    EXPECT_NEAR(At(45 + 1, 0.25), 0.5, 1e-2); // the half width is 2.0 degrees
+    EXPECT_NEAR(At(45 + 1, 0.25), 0.5004, 1e-4); // the half width is 2.0016 degrees
     EXPECT_EQ(At(45, 0.01), 0);
     *reinterpret_cast<unsigned char*>(&fParams.fFillCenter) = 2; // any byte but 0 is true
     EXPECT_EQ(At(0, 0.01), 1);

@@ -137,18 +137,7 @@ TEST_F(CurvatureTest, TheRunningAngleAddsUpOverTheSamples)
     fRecord.fSubShader = nullptr;
 }
 
-TEST_F(CurvatureTest, ComparesAllButTheSurfaceAndTheBandsAlphasAndTellsNoSize)
-{
-    const auto other = Make();
-    CurvatureParams& record = RecordOf(other);
-    record = fRecord;
-    record.fSurfaceName = "another";
-    record.fBands[3].fColor.fAlpha = 1;
-    EXPECT_TRUE(fShader->SameParameters(other.Get()));
-    record.fBands[6].fWidth = 2;
-    EXPECT_FALSE(fShader->SameParameters(other.Get()));
-    EXPECT_THROW(fShader->GetParamsBufferSize(), TMCException);
-}
+TEST_F(CurvatureTest, TellsNoSize) { EXPECT_THROW(fShader->GetParamsBufferSize(), TMCException); }
 
 TEST(SurfaceCurvatureTest, GivesThePrincipalCurvaturesOfASkewedParametrisation)
 {
