@@ -73,8 +73,9 @@ TEST_F(IridescentTest, TheSubShaderOffsetsTheAngle)
         float green;
         double offset;
     } kSamples[] = {
+        {kOutputColor, 2, -0.5}, // above 1, and none before
         {kOutputColor | kOutputValue, 1, 0.09},
-        {kOutputColor, 2, 0.09}, // above 1: the last one
+        {kOutputColor, 2, 0.09}, // the last one
         {kOutputSurface | kOutputValue, 1, -0.25},
         {kOutputSurface, 1, -0.5}, // not asked for its colour
         {kOutputColor, 2, -0.5},

@@ -77,9 +77,11 @@ TEST_F(DripTest, TheCrossIgnoresTheRings)
     for (const float sign : {1.0f, -1.0f}) {
         EXPECT_EQ(At(sign * 0.19f, 0.019f), 1);
         EXPECT_EQ(At(0.019f, sign * 0.19f), 1);
-        EXPECT_EQ(At(0, sign * 0.21f), 0);
+        EXPECT_EQ(At(0, sign * 0.2f), 0); // a float above the double 0.2
+        EXPECT_EQ(At(0, std::nextafter(sign * 0.2f, 0.0f)), 1);
     }
     EXPECT_EQ(At(0.1f, 0.02f), 1); // a float below the double 0.02
+    EXPECT_EQ(At(0.1f, std::nextafter(0.02f, 1.0f)), 0);
 }
 
 TEST_F(DripTest, PassesTheGlobalNormalOn)

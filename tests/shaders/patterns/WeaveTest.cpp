@@ -76,11 +76,18 @@ TEST_F(WeaveTest, BasicModeForcesAPlainClothOfTwoAndWritesItBack)
 TEST_F(WeaveTest, FullModeUsesTheLeadingRunAndEachThreadsOwnSubShader)
 {
     fParams.fWeaveMode = Code("FULL");
-    EXPECT_THAT(At(0.25f, 0.25f), IsColor(0, 0, 0, 9)); // no thread at all
+    Plug(fParams.fGapSubShader, fGap);
+    EXPECT_THAT(At(0.25f, 0.25f), IsColor(0, 0, 0, 9)); // no thread at all, and no gap
+    Plug(fParams.fWarpSubShader[0], fWarp);
+    EXPECT_EQ(At(0.5f, 0).fRed, 1);
+    fParams.fWarpSubShader[0] = nullptr;
     PlugThreads(2);
     fParams.fPattern[1][0] = false; // row: weft, column: warp
     EXPECT_EQ(At(0.25f, 0.75f).fGreen, 1);
     EXPECT_EQ(At(0.75f, 0.25f).fRed, 1);
+    fParams.fAlongUV = true;
+    At(0.25f, 0.5f); // in the middle between two dives of the first warp
+    EXPECT_EQ(fIn.fUV[1], 0.5f);
     fWeft->fKinds = 8; // any kind is asked for a colour
     Plug(fParams.fWarpSubShader[1], fWeft);
     EXPECT_EQ(At(0.75f, 0).fGreen, 1);
@@ -212,6 +219,10 @@ TEST_F(WeaveTest, BendsTheGlobalNormalAboutTheDerivatives)
     expect(true, true, 0.2f, 0.45f, {-0.047697f, -0.3f, 0.952746f}); // scaled to length 1 in between
     expect(false, true, 0.45f, 0.2f, {0.4f, 0, 1.959592f});
     expect(true, true, 0.45f, 0.2f, {0.2f, -0.048990f, 0.978570f});
+    fIn.fDerivV = {0.5f, 0.3f, -0.2f}; // any axis, turned about by its own length
+    fIn.fNormalGlobal = {0.4f, -0.3f, 0.8f};
+    expect(true, false, 0.2f, 0.45f, {0.390468f, -0.275644f, 0.812512f});
+    fIn.fDerivV = {0, 1, 0};
     fParams.fProfileAcross = 0.5f; // an axis of length 4 isn't scaled back
     fIn.fNormalGlobal = {0, 3, 1};
     expect(true, false, 0.2f, 0.45f, {-0.2f, 3 * (0.998749f + 16 * 0.001251f), 0.998749f});

@@ -31,6 +31,9 @@ TEST(TreeWalkerTest, GoesThroughTheRootAndItsDescendantsInOrder)
     EXPECT_EQ(Walk(nullptr), "");
     b.fParent = nullptr; // the way back is lost
     EXPECT_EQ(Walk(scene.fRoot), "Root0 a1 b2 c3 ");
+    b.fParent = &scene.Add("a"); // the way back leads to another object, and the walk ends there too
+    scene.Add("f");
+    EXPECT_EQ(Walk(&a), "a0 b1 c2 ");
 }
 
 } // namespace

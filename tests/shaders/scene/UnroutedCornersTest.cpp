@@ -61,9 +61,10 @@ TEST_F(CornersTest, ProbesGoOutFromTheGridsCornerAndTheCountsPinThem)
     const std::tuple<int32_t, int32_t, float, float, bool> cases[]
         = {{1, 1, kMid, kMid, true}, {7, 1, kMid, kMid, true}, {9, 1, kMid, kMid, false}, // the first half
             {0, 251, kMid, kMid, true}, {3, 0, kMid, kMid, false}, // down from (1, 1) is the column before
-            {7, 7, kMid, kMid, true}, {0, 1, kMid, kMid, false},   // no pinning behind the first probe
-            {0, 1, kLow, kMid, true}, {7, 1, kLow, kMid, false},   // u stays 0
-            {7, 0, kMid, kLow, true}, {7, 1, kMid, kLow, false},   // v stays 0
+            {6, 251, kMid, kMid, true}, {7, 7, kMid, kMid, true},
+            {0, 1, kMid, kMid, false}, // no pinning behind the first probe
+            {0, 1, kLow, kMid, true}, {2, 1, kLow, kMid, false}, {7, 1, kLow, kMid, false},   // u stays 0
+            {7, 0, kMid, kLow, true}, {7, 1, kMid, kLow, false},                              // v stays 0
             {0, 1, kHigh, kMid, true}, {1, 1, kHigh, kMid, false}, {6, 1, kHigh, kMid, true}, // counted down
             {0, 251, kMid, kHigh, false}, {7, 1, kMid, kHigh, true}, {7, 7, kMid, kHigh, false}}; // v stays 1
     for (const auto& [u, v, sampleU, sampleV, counts] : cases)
@@ -89,6 +90,7 @@ TEST_F(CornersTest, CoordinatesOutsideTheGridCountAsItsNearerEnd)
 {
     fCorners->SetNormal(255, 255, {1, 0, 0});
     fCorners->SetNormal(0, 0, {0, 1, 0});
+    fRecord.fWidthPercent = 0.5f; // one probe a line, at (1, 1)
     for (const float high : {1.0f, 1.5f, 3.0e38f, kInfinity})
         EXPECT_EQ(Value(high, high), kRightAngle) << high;
     for (const float low : {-0.001f, -7.0f, -kInfinity, kNaN})

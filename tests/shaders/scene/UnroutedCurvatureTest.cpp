@@ -141,11 +141,19 @@ TEST_F(CurvatureTest, TellsNoSize) { EXPECT_THROW(fShader->GetParamsBufferSize()
 
 TEST(SurfaceCurvatureTest, GivesThePrincipalCurvaturesOfASkewedParametrisation)
 {
-    const float shape[3][3] = {{-3, 0, 0}, {0, -1, 0}, {0, 0, 0}};
-    const SurfaceCurvature measured = MeasureCurvature({1, 0, 0}, {2, 1, 0}, shape);
-    EXPECT_FLOAT_EQ(measured.fMean, 2);
-    EXPECT_FLOAT_EQ(measured.fFirstPrincipal, 3);
-    EXPECT_FLOAT_EQ(measured.fSecondPrincipal, 1);
+    for (uint32_t x = 0; x < 3; ++x) { // whichever way the surface faces
+        const uint32_t y = (x + 1) % 3;
+        float shape[3][3] = {};
+        shape[x][x] = -3;
+        shape[y][y] = -1;
+        TVector3 derivU, derivV;
+        derivU[x] = derivV[y] = 1;
+        derivV[x] = 2;
+        const SurfaceCurvature measured = MeasureCurvature(derivU, derivV, shape);
+        EXPECT_FLOAT_EQ(measured.fMean, 2);
+        EXPECT_FLOAT_EQ(measured.fFirstPrincipal, 3);
+        EXPECT_FLOAT_EQ(measured.fSecondPrincipal, 1);
+    }
 }
 
 } // namespace
