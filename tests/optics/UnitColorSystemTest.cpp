@@ -97,6 +97,18 @@ TEST(CorrelatedTemperature, FollowsThePlanckianLocus)
         EXPECT_NEAR(std::atan(uvt[row].t), std::atan(-(warmer.u - cooler.u) / (warmer.v - cooler.v)), 0.025)
             << row;
     }
+    for (int row = 1; row < kRobertsonLines; ++row) // between two lines, and on the second
+        for (const float share : {0.5f, 1.0f}) {
+            const float u = uvt[row - 1].u + (uvt[row].u - uvt[row - 1].u) * share;
+            const float v = uvt[row - 1].v + (uvt[row].v - uvt[row - 1].v) * share;
+            const float X = 1.5f * u / v;
+            const int32_t status = CorrelatedTemperature(X, 1, (6 / v - X - 15) / 3, T);
+            const bool isLast = row == kRobertsonLines - 1 && share == 1; // doesn't lie before a line
+            EXPECT_EQ(status, isLast ? -1 : 0);
+            if (!isLast) {
+                EXPECT_NEAR((1 / T - rt[row - 1]) / (rt[row] - rt[row - 1]), share, 0.05) << row;
+            }
+        }
 
     T = 1234;
     EXPECT_EQ(CorrelatedTemperature(1e-21f, 0, -1, T), -1);
