@@ -113,6 +113,9 @@ TEST_F(FresnelTest, AnIlluminantIsTypedOrChosen)
     EXPECT_TRUE(change(8, 0.3349f, 6500, 15)) << "no daylight in it";
     fRecord.fTemperature = 5000;
     EXPECT_TRUE(change(14, 0.2876f, 8622.4f, 14)) << "a preset chosen in the same change wins";
+    const TMCColorRGBA& shown = fRecord.fIlluminantColor;
+    EXPECT_TRUE(std::fabs(shown.fRed - 0.8283f) < 1e-4f && std::fabs(shown.fGreen - 0.90066f) < 1e-4f
+        && shown.fBlue > 0.9999f);
     for (const int32_t preset : {15, -1, 16, INT32_MIN, INT32_MAX, 0}) {
         fRecord.fWavelength += 1;
         EXPECT_FALSE(change(preset, 0.2876f, 8622.4f, preset)) << "no row";
@@ -128,7 +131,8 @@ TEST_F(FresnelTest, TheWavelengthsColourFollowsStepsOfAThousandthNanometre)
 {
     const auto rewrites = [&] { return Rewrites(&Params::fWavelengthColor); };
     EXPECT_TRUE(rewrites());
-    const float green = fRecord.fWavelengthLinear[1];
+    const auto [red, green, blue] = fRecord.fWavelengthLinear;
+    EXPECT_TRUE(red == 1 && std::fabs(green - 0.48011f) < 1e-4f && std::fabs(blue - 0.14204f) < 1e-4f);
     EXPECT_FLOAT_EQ(fRecord.fWavelengthColor.fGreen, 1.055f * std::pow(green, 1 / 2.4f) - 0.055f);
     for (const float step : {0.0f, 0.0007f, 0.0007f, 0.0011f}) { // each from the one before
         fRecord.fWavelength += step;

@@ -97,22 +97,19 @@ TEST(CorrelatedTemperature, FollowsThePlanckianLocus)
         EXPECT_NEAR(std::atan(uvt[row].t), std::atan(-(warmer.u - cooler.u) / (warmer.v - cooler.v)), 0.025)
             << row;
     }
-    for (int row = 1; row < kRobertsonLines; ++row) // between two lines, and on the second
-        for (const float share : {0.5f, 1.0f}) {
-            const float u = uvt[row - 1].u + (uvt[row].u - uvt[row - 1].u) * share;
-            const float v = uvt[row - 1].v + (uvt[row].v - uvt[row - 1].v) * share;
-            const float X = 1.5f * u / v;
-            const int32_t status = CorrelatedTemperature(X, 1, (6 / v - X - 15) / 3, T);
-            const bool isLast = row == kRobertsonLines - 1 && share == 1; // doesn't lie before a line
-            EXPECT_EQ(status, isLast ? -1 : 0);
-            if (!isLast) {
-                EXPECT_NEAR((1 / T - rt[row - 1]) / (rt[row] - rt[row - 1]), share, 0.05) << row;
-            }
-        }
+    for (int row = 1; row < kRobertsonLines; ++row) { // between two lines
+        const float u = (uvt[row - 1].u + uvt[row].u) / 2, v = (uvt[row - 1].v + uvt[row].v) / 2;
+        const float X = 1.5f * u / v;
+        EXPECT_EQ(CorrelatedTemperature(X, 1, (6 / v - X - 15) / 3, T), 0);
+        EXPECT_NEAR((1 / T - rt[row - 1]) / (rt[row] - rt[row - 1]), 0.5, 0.05) << row;
+    }
+    EXPECT_EQ(CorrelatedTemperature(0.8647973f, 0.7874f, 0.28047067f, T), 0);
+    EXPECT_EQ(T, 1 / rt[20]) << "exactly on a line";
 
     T = 1234;
     EXPECT_EQ(CorrelatedTemperature(1e-21f, 0, -1, T), -1);
     EXPECT_EQ(CorrelatedTemperature(0.7f, 0.3f, 0.001f, T), -1) << "redder than the last line";
+    EXPECT_EQ(CorrelatedTemperature(1.34761298f, 0.9604f, 0.0768033341f, T), -1) << "exactly on it";
     EXPECT_EQ(CorrelatedTemperature(std::nanf(""), 1, 1, T), -1);
     EXPECT_EQ(T, 1234);
 }

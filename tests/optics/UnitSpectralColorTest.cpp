@@ -116,6 +116,13 @@ TEST_F(WavelengthColorTest, LooksLikeASpectrum)
     EXPECT_NEAR(RGBToHSL(Color(465).fRGB).fHue * 360, 240, 12);
     EXPECT_NEAR(RGBToHSL(Color(530).fRGB).fHue * 360, 130, 20);
     EXPECT_NEAR(previous, 0, 8);
+
+    const Stimulus green = MonochromaticStimulus(530, fDaylight);
+    const Float3 adapted = AdaptToWhite(fSource, sRGBSystem, green.xyz[0], green.xyz[1], green.XYZ[1]);
+    const Float3 color = Color(530).fRGB;
+    fSearch = {};
+    EXPECT_EQ(color, FaceColor(ProjectToGamut(sRGBSystem, adapted, 0.9f, 0, 0, 7, fSearch)))
+        << "found at once";
 }
 
 TEST_F(WavelengthColorTest, ShiftsLightColoursAndFadesTheShiftOut)
