@@ -153,12 +153,17 @@ void FieldReader::ReadRecord(
 void FieldReader::FailUnknown(const std::string& address, const JsonNode& node) const
 {
     std::set<std::string> known; // fields and the groups around them
+    std::vector<std::string> outermost;
     for (const Field& field : fTable.fFields)
         for (size_t end = field.fName.size(); end != std::string::npos;
-             end = field.fName.find_last_of("[.", end - 1))
-            known.insert(field.fName.substr(0, end));
+             end = field.fName.find_last_of("[.", end - 1)) {
+            const bool isNew = known.insert(field.fName.substr(0, end)).second;
+            if (isNew && field.fName.find_last_of("[.", end - 1) == std::string::npos)
+                outermost.push_back(field.fName.substr(0, end));
+        }
+    const std::string hint = NearestHint(address, std::vector<std::string>(known.begin(), known.end()));
     node.Fail(fmt::format("{} has no such field{}", fTable.fName,
-        NearestHint(address, std::vector<std::string>(known.begin(), known.end()))));
+        hint.empty() ? fmt::format("; it has {}", fmt::join(outermost, ", ")) : hint));
 }
 
 FieldValue FieldReader::ReadValue(const Field& field, const JsonNode& node) const

@@ -154,7 +154,9 @@ TEST_F(ParameterTableTest, RefusedValuesNameThePlaceAndWhatWasExpected)
         {R"("fParts": [{"fOn": 1}, {}])", "t.fParts[0].fOn: expected true or false, got 1"},
         {R"("fPart": [])", "t.fPart: Test has no such field; did you mean \"fParts\"?"},
         {R"("fGrid[2]": [])", "t.fGrid[2]: Test has no such field; did you mean \"fGrid[0]\"?"},
-        {R"("qqqqqqq": 1)", "t.qqqqqqq: Test has no such field"},
+        {R"("qqqqqqq": 1)",
+            "t.qqqqqqq: Test has no such field; it has fMode, fGrid, fParts, fRange, fCount, fColor, fText, "
+            "fMade, fSlot"},
         {R"("fRange[0]": [1, 2, 3])", "t.fRange[0]: expected two numbers, got an array of 3"},
         {R"("fRange[0]": [1, "2"])", "t.fRange[0][1]: expected a number, got \"2\""},
         {R"("fRange[0]": [1, -3.5e38])",

@@ -24,6 +24,7 @@ TEST_F(ShadeTest, TellsWhatIsWrongWithASettingAndTouchesNoFile)
         {"Key --set fMod=KEYM --stats", "did you mean \"fMode\"?"},
         {"Key --set fMode --stats", "--set: \"fMode\" has no field and value"},
         {"Key --set class=Gray --stats", "Key.class: Key has no such field"},
+        {"Iridescent --set colour=1 --stats", "Iridescent has no such field; it has fObjectName, fBands, "},
         {"Key --set fRedRange=[30,50 --stats", R"(expected two numbers, got "[30,50")"},
         {"Key --set fSubShader=checker --stats", "give it with --plug"},
         {"Fresnel --plug fCameraName=checker --stats", "give it with --set"},
