@@ -174,8 +174,13 @@ SceneFile ReadSceneFile(const std::filesystem::path& file)
 {
     if (!std::filesystem::exists(file))
         throw SceneFileError(file.string() + " can't be read: there is no such file");
-    constexpr float kCreaseAngle = 60; // degrees
     Assimp::Importer importer;
+    return ReadSceneFile(file, importer);
+}
+
+SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& importer)
+{
+    constexpr float kCreaseAngle = 60; // degrees
     importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, kCreaseAngle);
     importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_POINT | aiPrimitiveType_LINE);
     const aiScene* const scene = importer.ReadFile(file.string(),

@@ -3,6 +3,10 @@
 #include <filesystem>
 #include <stdexcept>
 
+namespace Assimp {
+class Importer;
+}
+
 namespace fernwick {
 
 /// A file that holds no scene, or one that can't be taken. The text names the file.
@@ -27,5 +31,7 @@ struct SceneFile {
 ///
 /// Throws `SceneFileError`.
 SceneFile ReadSceneFile(const std::filesystem::path& file);
+/// The same by an importer that has files of its own.
+SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& importer);
 
 } // namespace fernwick

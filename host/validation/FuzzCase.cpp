@@ -7,6 +7,8 @@ namespace fernwick::validation {
 
 namespace {
 
+constexpr int kSamples = 16;
+
 template <class Value> void Append(std::vector<char>& bytes, const Value& value)
 {
     const auto* const start = reinterpret_cast<const char*>(&value);
@@ -17,7 +19,7 @@ std::vector<char> RandomBytes(Random& random, size_t count)
 {
     std::vector<char> bytes;
     for (size_t i = 0; i < count; ++i)
-        bytes.push_back(static_cast<char>(random.Bits()));
+        bytes.push_back(static_cast<char>(random.Bits(1)));
     return bytes;
 }
 
@@ -71,8 +73,8 @@ MCCountedPtr<ProbeShader> RandomShader(Random& random)
 {
     if (random.OneIn(4))
         return {};
-    const auto kinds = static_cast<uint32_t>(random.OneIn(8) ? random.Bits() : 2u << random.Below(4));
-    return MakeCounted<ProbeShader>(kinds, static_cast<uint32_t>(random.Bits()));
+    const auto kinds = static_cast<uint32_t>(random.OneIn(8) ? random.Bits(4) : 2u << random.Below(4));
+    return MakeCounted<ProbeShader>(kinds, static_cast<uint32_t>(random.Bits(4)));
 }
 
 Hospitality RandomHospitality(Random& random)
@@ -84,8 +86,9 @@ Hospitality RandomHospitality(Random& random)
 
 } // namespace
 
-FuzzCase::FuzzCase(const ParameterTable& table, uint64_t seed)
-    : fRandom(seed), fScene(RandomHospitality(fRandom), fRandom), fHasScene(!fRandom.OneIn(8))
+FuzzCase::FuzzCase(const ParameterTable& table, const Random& random)
+    : fTable(table), fRandom(random), fScene(RandomHospitality(fRandom), fRandom),
+      fHasScene(!fRandom.OneIn(8))
 {
     const bool everything
         = fRandom.OneIn(2); // else most fields keep their defaults, so that deep branches are met
@@ -119,6 +122,36 @@ bool FuzzCase::IsLetGo()
     for (const Plug& plug : fPlugs)
         letGo = letGo && (!plug.shader || ReferencesOf(*plug.shader) == 1);
     return letGo;
+}
+
+std::string FuzzCase::Try(const Subject& subject, const GUID& classID, const std::vector<bool>& kept)
+{
+    {
+        const Specimen left = subject.MakeIn(0x00, classID);
+        const Specimen right = subject.MakeIn(0xFF, classID);
+        for (const Specimen* const object : {&left, &right})
+            Apply(*object, kept);
+        if (left.Changed() != right.Changed())
+            return "ExtensionDataChanged answers two things for one record";
+        if (const std::string difference = DifferenceOf(fTable, left.Record(), right.Record());
+            !difference.empty())
+            return "ExtensionDataChanged derives two things from one record: " + difference;
+        for (int i = 0; i < kSamples; ++i) {
+            const ShadingIn sample = NextSample();
+            Sheet leftSheet(sample);
+            Sheet rightSheet(sample);
+            leftSheet.Ask(left.Shader());
+            rightSheet.Ask(right.Shader());
+            if (const std::string wild = leftSheet.WildWrite(); !wild.empty())
+                return wild;
+            if (const char* const operation = leftSheet.DifferenceFrom(rightSheet))
+                return std::string(operation) + " answers two things for one record and sample";
+        }
+    }
+    if (!IsLetGo())
+        return "references to plugged shaders or the scene are left over";
+    subject.utilities->Debug().Clear();
+    return subject.Remains().empty() ? "" : "after the last release " + subject.Remains();
 }
 
 } // namespace fernwick::validation

@@ -5,10 +5,11 @@
 namespace fernwick::validation {
 
 /// A random record of a class with what is plugged into it and the scene that its samples lie in. All follows from
-/// the seed.
+/// the numbers given.
 class FuzzCase {
 public:
-    FuzzCase(const ParameterTable& table, uint64_t seed);
+    FuzzCase(const ParameterTable& table, const Random& random);
+    FuzzCase(const ParameterTable& table, uint64_t seed) : FuzzCase(table, Random(seed)) { }
 
     /// The record's fields without slots, in its order.
     size_t FieldCount() const { return fFills.size(); }
@@ -23,6 +24,11 @@ public:
     /// True when nobody but the case holds its shaders and its scene.
     bool IsLetGo();
 
+    /// Two objects in memory that held different bytes get the same record and the same samples.
+    /// @param subject  makes the class by `classID`
+    /// @return the fault; empty for none
+    std::string Try(const Subject& subject, const GUID& classID, const std::vector<bool>& kept);
+
 private:
     struct Fill {
         const Field* field;
@@ -34,6 +40,7 @@ private:
         MCCountedPtr<ProbeShader> shader; ///< null for an empty slot
     };
 
+    const ParameterTable& fTable;
     Random fRandom;
     std::vector<Fill> fFills;
     std::vector<Plug> fPlugs;

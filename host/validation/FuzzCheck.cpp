@@ -2,7 +2,6 @@
 #include "host/validation/Checks.h"
 #include "host/validation/FuzzCase.h"
 #include "host/validation/Inspection.h"
-#include "host/validation/Sheet.h"
 #include <fmt/format.h>
 #include <sstream>
 
@@ -14,43 +13,6 @@ namespace fernwick::validation {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr int kSamples = 16;
-
-/// Two objects in memory that held different bytes get the same record and the same samples.
-/// @return the fault; empty for none
-std::string Try(
-    const Subject& subject, const ParameterTable& table, uint64_t seed, const std::vector<bool>* kept)
-{
-    FuzzCase fuzz(table, seed);
-    {
-        const GUID& classID = table.fClassIDs.front();
-        const Specimen left = subject.MakeIn(0x00, classID);
-        const Specimen right = subject.MakeIn(0xFF, classID);
-        for (const Specimen* const object : {&left, &right})
-            fuzz.Apply(*object, kept != nullptr ? *kept : std::vector<bool>(fuzz.FieldCount(), true));
-        if (left.Changed() != right.Changed())
-            return "ExtensionDataChanged answers two things for one record";
-        if (const std::string difference = DifferenceOf(table, left.Record(), right.Record());
-            !difference.empty())
-            return "ExtensionDataChanged derives two things from one record: " + difference;
-        for (int i = 0; i < kSamples; ++i) {
-            const ShadingIn sample = fuzz.NextSample();
-            Sheet leftSheet(sample);
-            Sheet rightSheet(sample);
-            leftSheet.Ask(left.Shader());
-            rightSheet.Ask(right.Shader());
-            if (const std::string wild = leftSheet.WildWrite(); !wild.empty())
-                return wild;
-            if (const char* const operation = leftSheet.DifferenceFrom(rightSheet))
-                return std::string(operation) + " answers two things for one record and sample";
-        }
-    }
-    if (!fuzz.IsLetGo())
-        return "references to plugged shaders or the scene are left over";
-    subject.utilities->Debug().Clear();
-    return subject.Remains().empty() ? "" : "after the last release " + subject.Remains();
-}
 
 class Fuzzer {
 public:
@@ -119,7 +81,9 @@ private:
         LimitProcessorTime(CaseLimit());
         std::string fault;
         try {
-            fault = Try(subject, fTable, seed, kept);
+            FuzzCase fuzz(fTable, seed);
+            fault = fuzz.Try(subject, fTable.fClassIDs.front(),
+                kept != nullptr ? *kept : std::vector<bool>(fuzz.FieldCount(), true));
         } catch (...) {
             fault = TextOfException();
         }

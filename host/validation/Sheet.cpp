@@ -116,10 +116,10 @@ ShadingIn RandomSample(Random& random, IMCUnknown* instance)
     in.fDerivU = random.Vector();
     in.fDerivV = random.Vector();
     for (uint8_t& byte : in.fHostDataA)
-        byte = static_cast<uint8_t>(random.Bits());
+        byte = static_cast<uint8_t>(random.Bits(1));
     for (uint8_t& byte : in.fHostDataB)
-        byte = static_cast<uint8_t>(random.Bits());
-    in.fChannelMask = static_cast<uint32_t>(random.Bits());
+        byte = static_cast<uint8_t>(random.Bits(1));
+    in.fChannelMask = static_cast<uint32_t>(random.Bits(4));
     in.fInstance = instance;
     return in;
 }
