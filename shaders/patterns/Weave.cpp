@@ -132,7 +132,9 @@ float Weave::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     return kFullCoverage;
 }
 
-void Weave::FindTileUV(bool& fullArea, ShadingIn& in)
+// The steps of a sample are inline: a colour runs most of them, and each would cost a call.
+
+inline void Weave::FindTileUV(bool& fullArea, ShadingIn& in)
 {
     fTileUV[0] = in.fUV[0];
     fTileUV[1] = in.fUV[1];
@@ -144,7 +146,7 @@ void Weave::FindTileUV(bool& fullArea, ShadingIn& in)
     Displace(fParams.fDisplaceAfter, fDisplaceAfterShader, fDisplaceAfterShaderKinds, fullArea, in);
 }
 
-void Weave::Displace(
+inline void Weave::Displace(
     int32_t strength, const ConnectedShader& shader, uint32_t kinds, bool& fullArea, ShadingIn& in)
 {
     if (strength == 0)
@@ -161,7 +163,7 @@ void Weave::Displace(
     fTileUV[0] += distance;
 }
 
-void Weave::FindThreads()
+inline void Weave::FindThreads()
 {
     for (const Group group : kGroups) {
         const ThreadProbe probe = WalkAcross(fTable[group], fTileUV[group], fParams.fRoundAcross);
@@ -173,7 +175,7 @@ void Weave::FindThreads()
     }
 }
 
-void Weave::FindSpans()
+inline void Weave::FindSpans()
 {
     for (const Group group : kGroups) {
         const ThreadProbe probe = WalkAlong(fHit[group], fSpans[group], fTileUV[OtherGroup(group)]);
@@ -184,7 +186,7 @@ void Weave::FindSpans()
     }
 }
 
-void Weave::ChooseTop()
+inline void Weave::ChooseTop()
 {
     const int32_t warp = fHit[kWarp];
     const int32_t weft = fHit[kWeft];
@@ -208,7 +210,7 @@ void Weave::PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     }
 }
 
-void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
+inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
     const Group top = TopGroup();
     if (top == kWeft)
