@@ -26,11 +26,15 @@ float HueChannel(float low, float high, float hue)
 
 float Fraction(float percent) { return static_cast<float>(percent / 100.0); }
 
-void CopyColor(TMCColorRGBA& target, const TMCColorRGBA& source) { target = source; }
-
 void CopyColor(TMCColorRGBA& target, const TMCColorRGB& source)
 {
     target.SetRGB(source.fRed, source.fGreen, source.fBlue);
+}
+
+void CopyColor(TMCColorRGBA& target, const TMCColorRGBA& source)
+{
+    target.SetRGB(source.fRed, source.fGreen, source.fBlue);
+    target.fAlpha = source.fAlpha;
 }
 
 } // namespace
@@ -97,17 +101,19 @@ int32_t Gray::ShadeSurface(ShadingOut& result, ShadingIn& in)
 /// Changes red, green and blue; an alpha passes through.
 template <class Color> void Gray::FilterChannel(Color& channel)
 {
-    TMCColorRGBA filtered = {0, 0, 0, 1};
     if (fParams.fMode == kGrayScale) {
         CopyColor(fScratchColor, channel);
-        filtered.SetRGB(Luminance(fScratchColor));
-    } else {
-        CopyColor(filtered, channel);
-        ShiftSaturation(filtered, filtered);
+        const float luminance = Luminance(channel);
+        channel.fRed = luminance;
+        channel.fGreen = luminance;
+        channel.fBlue = luminance;
+        return;
     }
-    channel.fRed = filtered.fRed;
-    channel.fGreen = filtered.fGreen;
-    channel.fBlue = filtered.fBlue;
+    TMCColorRGBA shifted;
+    ShiftSaturation({channel.fRed, channel.fGreen, channel.fBlue, 1}, shifted);
+    channel.fRed = shifted.fRed;
+    channel.fGreen = shifted.fGreen;
+    channel.fBlue = shifted.fBlue;
 }
 
 /// To hue, lightness and saturation, and back with the shifted saturation.
