@@ -170,10 +170,32 @@ void AddGray(const Samples& samples)
 }
 
 struct PlainLocation {
+    struct Ramp {
+        float first, second;
+        bool enabled, falling;
+    };
     LocationParams p;
     Source source;
+    Ramp ramps[3] = {RampOf(p.fAxes[0]), RampOf(p.fAxes[1]), RampOf(p.fAxes[2])};
     float disturbance = 0, last = 0;
 
+    static Ramp RampOf(const LocationAxis& axis)
+    {
+        const bool falling = axis.fDirection == Code("GRTR");
+        return {
+            falling ? axis.fEdgeA : axis.fEdgeB, falling ? axis.fEdgeB : axis.fEdgeA, axis.fEnabled, falling};
+    }
+    static float Height(const Ramp& ramp, float x)
+    {
+        const auto [first, second, enabled, falling] = ramp;
+        if (falling ? x >= second : second >= x)
+            return 0;
+        if (falling && x > first)
+            return 1.0f - (x - first) / (second - first);
+        if (!falling && first > x)
+            return (x - second) / (first - second);
+        return 1;
+    }
     float operator()(ShadingIn& in)
     {
         disturbance = 0;
@@ -184,23 +206,24 @@ struct PlainLocation {
             disturbance *= static_cast<float>(p.fDisturbPercent);
             last = disturbance;
         }
+        const TVector3& point = p.fSpace == Code("GLBL") ? in.fPointGlobal : in.fPointLocal;
         float value = 1;
         for (uint32_t k = 0; k < 3; ++k) {
-            const bool falling = k != 1;
-            const float first = falling ? p.fAxes[k].fEdgeA : p.fAxes[k].fEdgeB;
-            const float second = falling ? p.fAxes[k].fEdgeB : p.fAxes[k].fEdgeA;
-            float x = in.fPointGlobal[k];
+            const Ramp& ramp = ramps[k];
+            if (!ramp.enabled)
+                continue;
+            float x = point[k];
             if (p.fUseSubShader)
-                x = static_cast<float>(x + std::fabs(first - second) * disturbance / 100.0);
-            float ramp = 1;
-            if (falling ? x >= second : second >= x)
-                ramp = 0;
-            else if (falling && x > first)
-                ramp = 1.0f - (x - first) / (second - first);
-            else if (!falling && first > x)
-                ramp = (x - second) / (first - second);
-            if (value > ramp)
-                value = ramp;
+                x = static_cast<float>(x + std::fabs(ramp.first - ramp.second) * disturbance / 100.0);
+            const float height = Height(ramp, x);
+            if (p.fCombine == Code("ORMD")) {
+                if (value > height)
+                    value = height;
+            } else if (1 > height) {
+                value = height;
+            } else {
+                return 1;
+            }
         }
         return value;
     }
