@@ -105,6 +105,8 @@ TEST(CorrelatedTemperature, FollowsThePlanckianLocus)
     }
     EXPECT_EQ(CorrelatedTemperature(0.8647973f, 0.7874f, 0.28047067f, T), 0);
     EXPECT_EQ(T, 1 / rt[20]) << "exactly on a line";
+    EXPECT_EQ(CorrelatedTemperature(0.445112377f, 0.055583097f, 0.902589858f, T), 0);
+    EXPECT_FLOAT_EQ(T, 1 / rt[14]) << "from the other side";
 
     T = 1234;
     EXPECT_EQ(CorrelatedTemperature(1e-21f, 0, -1, T), -1);

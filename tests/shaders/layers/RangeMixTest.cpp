@@ -103,6 +103,7 @@ TYPED_TEST(RangeMixTest, ShiftsClampsAndRemembersTheShiftedControl)
             {kOutputValue, 1, 7, "4"}, {kOutputValue, 1, 1, "9"}, {kOutputValue, kNaN, 0.5f, "0"},
             {kOutputColor | kOutputValue, 0, 0.58f, "6"}};
     this->fRecord.fMixStyle = Code("SHMX");
+    this->fRecord.fRange[0][1] = 0.5f;  // below 0 is exactly 0
     EXPECT_EQ(this->Taken(0.55f), "5"); // an empty slot doesn't shift
     Plug(this->fRecord.fSubShader[1], shift);
     for (const auto& [kinds, value, control, taken] : samples) {

@@ -41,21 +41,8 @@ TEST_F(GrayTest, ShiftsSaturation)
     const struct {
         float shift, color[3], expected[3];
     } kRows[] = {
-        // Half-way hues of saturation and lightness 0.5, through the six ranges.
-        {0, {0.75f, 0.5f, 0.25f}, {0.85f, 0.5f, 0.15f}},
-        {0, {0.5f, 0.75f, 0.25f}, {0.5f, 0.875f, 0.125f}},
-        {0, {0.25f, 0.75f, 0.5f}, {0.225f, 0.775f, 0.5f}},
-        {0, {0.25f, 0.5f, 0.75f}, {0.35f, 0.5f, 0.65f}},
-        {0, {0.5f, 0.25f, 0.75f}, {0.5f, 0.375f, 0.625f}},
-        {0, {0.75f, 0.25f, 0.5f}, {0.725f, 0.275f, 0.5f}},
-        // The ends of the ranges, each of which belongs to the lower one; the last hue is rounded to 360.
-        {0, {0.75f, 0.75f, 0.25f}, {0.9f, 0.9f, 0.1f}},
-        {0, {0.25f, 0.75f, 0.25f}, {0.15f, 0.85f, 0.15f}},
-        {0, {0.25f, 0.75f, 0.75f}, {0.3f, 0.7f, 0.7f}},
-        {0, {0.25f, 0.25f, 0.75f}, {0.4f, 0.4f, 0.6f}},
-        {0, {0.75f, 0.25f, 0.75f}, {0.65f, 0.35f, 0.65f}},
-        {0, {0.75f, 0.25f, 0.25000003f}, {0.8f, 0.2f, 0.2f}},
-        {-60, {1, 0.6f, 0.6f}, {0.9f, 0.7f, 0.7f}}, // the light half
+        {0, {0.75f, 0.25f, 0.25000003f}, {0.8f, 0.2f, 0.2f}}, // a hue rounded to 360
+        {-60, {1, 0.6f, 0.6f}, {0.9f, 0.7f, 0.7f}},           // the light half
         {-200, {0.6f, 0.2f, 0.2f}, {0.4f, 0.4f, 0.4f}},
         {0, {0.4f, 0.4f, 0.4f}, {0.4f, 0.4f, 0.4f}},
         {20, {0.4f, 0.4f, 0.4f}, {0.32f, 0.32f, 0.32f}}, // a gray that gains comes out darker
@@ -67,6 +54,23 @@ TEST_F(GrayTest, ShiftsSaturation)
         fGray.Record() = {shift, 10, 20, -30, kSaturation, {}, {}};
         EXPECT_THAT(Shade(FakeColor({color[0], color[1], color[2], 0.5f})),
             IsColor(expected[0], expected[1], expected[2], 0.5f));
+    }
+}
+
+TEST_F(GrayTest, EachPrimarysShiftHoldsNearItsHueAndFades)
+{
+    fGray.Record() = {0, 10, 20, -30, kSaturation, {}, {}};
+    for (float hue = 0; hue < 360; hue += 0.25f) {
+        const auto near = [hue](float primary) {
+            return std::clamp(2 - std::fabs(std::remainder(hue - primary, 360.0f)) / 60, 0.0f, 1.0f);
+        };
+        const float red = near(0) - 0.5f, green = near(120) - 0.5f, blue = near(240) - 0.5f;
+        const TMCColorRGBA color
+            = Shade(FakeColor({0.5f + red / 2, 0.5f + green / 2, 0.5f + blue / 2, 0.5f}));
+        const float saturation = 0.5f + 0.1f * near(0) + 0.2f * near(120) - 0.3f * near(240);
+        EXPECT_NEAR(color.fRed, 0.5f + saturation * red, 1e-5f) << hue;
+        EXPECT_NEAR(color.fGreen, 0.5f + saturation * green, 1e-5f) << hue;
+        EXPECT_NEAR(color.fBlue, 0.5f + saturation * blue, 1e-5f) << hue;
     }
 }
 
