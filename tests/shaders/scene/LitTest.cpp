@@ -107,6 +107,10 @@ TEST_F(LitTest, RangeAndConeCountByTheKindOfLight)
         fState = {kind, {}, {}, {}, outer, inner, near, far};
         EXPECT_NEAR(Value(), amount, 1e-5) << kind << ": " << near << ", " << outer;
     }
+    fLamp.fLightTransform.fMatrix[0][2] = -1;
+    fLamp.fLightTransform.fMatrix[2][2] = 0;
+    fState = {3, {}, {}, {}, 90, 90, 4, 8};
+    EXPECT_EQ(Value(), 0); // exactly on the edge of the cone
 }
 
 TEST_F(LitTest, GivesTheLightsColourPerBrightnessNeverInverted)
