@@ -84,6 +84,21 @@ TEST_F(FresnelTest, AChangeOfModeOrOfLessThanAMillionthFillsNoTable)
     }
 }
 
+TEST_F(FresnelTest, EachNumberIsRememberedAsItself)
+{
+    float number = 1;
+    for (const auto field : {&Params::fIndex1Re, &Params::fIndex1Im, &Params::fIndex2Re, &Params::fIndex2Im,
+             &Params::fPermeability1, &Params::fPermeability2, &Params::fPolarization, &Params::fDispersion})
+        fRecord.*field = number += 0.25f;
+    fFresnel.Changed();
+    for (const auto offset :
+        {&Params::fIndex2ReOffset, &Params::fIndex2ImOffset, &Params::fPermeability2Offset})
+        fRecord.*offset = number += 0.25f;
+    fFresnel.Changed();
+    fRecord.fMode = kTransmittanceMode;
+    EXPECT_EQ(Shade(0), 0) << "nothing but the mode has changed, which fills no table";
+}
+
 TEST_F(FresnelTest, AFineAdjustmentCountsFromTheLastValueSet)
 {
     for (const auto& [value, offset] : {std::pair{&Params::fIndex2Re, &Params::fIndex2ReOffset},

@@ -200,6 +200,12 @@ TEST_F(FresnelLookupTest, AnOvershootTakesTheNearestEntryUnlimited)
     fTables.fReflectanceP[9] = 0.95f;
     EXPECT_FLOAT_EQ(FresnelLookup(fTables, kReflectanceMode, -100, Angle(9)), 1.0f);
     EXPECT_FLOAT_EQ(FresnelLookup(fTables, kReflectanceMode, -100, Angle(8.2)), -0.4f) << "below 0 as well";
+    fTables.fReflectanceP[8] = 0;
+    fTables.fReflectanceP[9] = 1;
+    for (const float end : {0.0f, 1.0f}) {
+        fTables.fReflectanceS[8] = fTables.fReflectanceS[9] = 0.25f + end / 2;
+        EXPECT_EQ(lookup(8.5), end) << "the ends aren't beyond";
+    }
 }
 
 } // namespace
