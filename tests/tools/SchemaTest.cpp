@@ -46,8 +46,12 @@ TEST_F(SchemaTest, AgreesWithTheReaderAboutExamplesAndMistakes)
         GTEST_SKIP() << "python3-jsonschema isn't installed";
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::directory_iterator(FERNWICK_EXAMPLES))
-        if (entry.path().extension() == ".json")
+        if (entry.path().extension() == ".json") {
             files.push_back(entry.path());
+            EXPECT_THAT(FileText(entry.path()),
+                testing::StartsWith("{\n    \"$schema\": \"../docs/graph.schema.json\""))
+                << entry;
+        }
     const auto shader = [](const std::string& members) {
         return R"({"shaders": {"a": {)" + members + R"(}, "b": {"source": "checker"}}, "output": "a"})";
     };
