@@ -118,6 +118,8 @@ TEST_P(RecordsTest, AreComparedByEachFieldThatIsntLeftOut)
             }
 }
 
+TEST(Records, AreThoseOfAllClasses) { EXPECT_EQ(std::size(kRecords), AllClasses().size()); }
+
 INSTANTIATE_TEST_SUITE_P(All, RecordsTest, testing::ValuesIn(kRecords),
     [](const auto& info) { return std::string(info.param.fClass); });
 

@@ -147,7 +147,7 @@ TEST(SurfaceCurvatureTest, GivesThePrincipalCurvaturesOfASkewedParametrisation)
         shape[x][x] = -3;
         shape[y][y] = -1;
         TVector3 derivU, derivV;
-        derivU[x] = derivV[y] = 1;
+        derivU[x] = derivU[y] = derivV[y] = 1;
         derivV[x] = 2;
         const SurfaceCurvature measured = MeasureCurvature(derivU, derivV, shape);
         EXPECT_FLOAT_EQ(measured.fMean, 2);
