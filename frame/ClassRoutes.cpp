@@ -16,12 +16,6 @@
 #include "shaders/scene/Proximity.h"
 #include "shaders/scene/Translucent.h"
 
-namespace {
-
-template <class Class> TBasicUnknown* Make() { return new Class; }
-
-} // namespace
-
 const ClassRoute kClassRoutes[] = {
     {{0x608112FA, 0x2448, 0x4404, {0x8E, 0x96, 0x17, 0xA8, 0xC6, 0xB5, 0xE9, 0xF9}}, &Make<Weave>},
     {{0xB30CC03F, 0x243F, 0x4F88, {0x9E, 0x16, 0x8B, 0x05, 0x71, 0x77, 0x1D, 0xBC}}, &Make<Gray>},

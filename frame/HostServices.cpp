@@ -113,24 +113,6 @@ void ReleaseServices()
     }
 }
 
-void DebugReport(const char* file, int32_t line, const char* message)
-{
-    if (gDebugUtilities != nullptr)
-        gDebugUtilities->Report(file, line, message);
-}
-
-void DebugReport(const char* file, int32_t line, const char* message, float number)
-{
-    if (gDebugUtilities != nullptr)
-        gDebugUtilities->ReportFloat(file, line, message, number);
-}
-
-void DebugReportWide(const char* file, int32_t line, const char16_t* message)
-{
-    if (gDebugUtilities != nullptr)
-        gDebugUtilities->ReportWide(file, line, message);
-}
-
 void* AllocateObject(size_t size)
 {
     return MemoryServiceTakes(size) ? gMemoryUtilities->AllocateObject(static_cast<uint32_t>(size)) : nullptr;

@@ -4,6 +4,7 @@
 // Kept to the digit, the rounded ones too: finished pictures depend on their bits.
 constexpr double kPi = 3.141592653589793;
 constexpr double kHalfPi = 1.5707963267948966;
+constexpr float kHalfPiInFloat = 1.5707964f;
 constexpr double kRadiansPerDegree = 0.0174532925199433;
 constexpr double kDegreesPerRadian = 57.2957795130823;
 

@@ -5,12 +5,6 @@
 #include "shaders/scene/Corners.h"
 #include "shaders/scene/Curvature.h"
 
-namespace {
-
-template <class Class> TBasicUnknown* Make() { return new Class; }
-
-} // namespace
-
 const ClassRoute kClassRoutes[] = {
     {*UnroutedClassID("Curvature"), &Make<Curvature>},
     {*UnroutedClassID("Corners"), &Make<Corners>},

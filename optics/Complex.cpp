@@ -1,9 +1,9 @@
 #include "optics/Complex.h"
+#include "frame/Numbers.h"
 #include <cmath>
 
 namespace {
 
-constexpr float kHalfPiInFloat = 1.5707964f;
 constexpr float kRealCrossover = 0.6417f;
 constexpr float kImaginaryCrossover = 1.5f;
 

@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr float kHalfPiInFloat = 1.5707964f;
 constexpr float kPresetTolerance = 0.01f;
 
 bool IsFront(float angle) { return angle <= kHalfPiInFloat; }

@@ -17,7 +17,7 @@ ShellAnswer Validate(const std::string& arguments)
 json FindingsOf(const std::string& fault, const std::string& only = "")
 {
     const ShellAnswer answer = Validate(FERNWICK_BROKEN + fault + ".so --only '" + only
-        + "' --class Key --records 500 --time-limit 10 --json 2>/dev/null");
+        + "' --class Key --records 500 --time-limit 30 --json 2>/dev/null");
     EXPECT_EQ(answer.status, 1);
     return json::parse(answer.text);
 }

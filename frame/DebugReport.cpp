@@ -1,0 +1,20 @@
+#include "frame/DebugReport.h"
+#include "frame/HostServices.h"
+
+void DebugReport(const char* file, int32_t line, const char* message)
+{
+    if (gDebugUtilities != nullptr)
+        gDebugUtilities->Report(file, line, message);
+}
+
+void DebugReport(const char* file, int32_t line, const char* message, float number)
+{
+    if (gDebugUtilities != nullptr)
+        gDebugUtilities->ReportFloat(file, line, message, number);
+}
+
+void DebugReportWide(const char* file, int32_t line, const char16_t* message)
+{
+    if (gDebugUtilities != nullptr)
+        gDebugUtilities->ReportWide(file, line, message);
+}
