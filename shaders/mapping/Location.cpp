@@ -1,4 +1,5 @@
 #include "shaders/mapping/Location.h"
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -34,8 +35,11 @@ MCErr Location::ExtensionDataChanged()
 {
     for (int i = 0; i < 3; ++i) {
         const LocationAxis& axis = fParams.fAxes[i];
-        const float lower = std::fmin(axis.fEdgeA, axis.fEdgeB); // a NaN edge counts as the other one
-        const float upper = std::fmax(axis.fEdgeA, axis.fEdgeB);
+        // A NaN edge counts as the other one. Libraries differ in what `fmin` makes of a signalling one.
+        const float edgeA = std::isnan(axis.fEdgeA) ? axis.fEdgeB : axis.fEdgeA;
+        const float edgeB = std::isnan(axis.fEdgeB) ? edgeA : axis.fEdgeB;
+        const float lower = std::min(edgeA, edgeB);
+        const float upper = std::max(edgeA, edgeB);
         const bool falling = axis.fDirection == Code("GRTR");
         LocationRamp& ramp = fRamps[i];
         ramp.fEnabled = axis.fEnabled;

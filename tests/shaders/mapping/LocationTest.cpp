@@ -21,6 +21,7 @@ protected:
 
 TEST_F(LocationTest, RampsBetweenItsEdges)
 {
+    constexpr float kSignalling = std::numeric_limits<float>::signaling_NaN();
     const struct {
         float a, b, x, falling, rising;
     } kRows[] = {
@@ -34,6 +35,8 @@ TEST_F(LocationTest, RampsBetweenItsEdges)
         {0, 0, -0.01f, 1, 0},
         {kNaN, 6, 7, 0, 1}, // a NaN edge is the other one
         {6, kNaN, 5, 1, 0},
+        {kSignalling, 6, 7, 0, 1},
+        {6, kSignalling, 5, 1, 0},
     };
     for (const auto& [a, b, x, falling, rising] : kRows)
         for (const int32_t direction : {Code("GRTR"), kOther}) {
