@@ -31,7 +31,8 @@ inline constexpr TMCColorRGB TMCColorRGB::kBlack{0, 0, 0};
 inline constexpr TMCColorRGB TMCColorRGB::kWhite{1, 1, 1};
 static_assert(sizeof(TMCColorRGB) == 12);
 
-/// Red, green, blue and alpha in float, not clamped. The default constructor leaves the channels unset.
+/// Red, green, blue and alpha in float, not clamped. The default constructor leaves the channels unset. Shading writes
+/// a colour in whole where it can: who reads all sixteen bytes at once waits for separate writes just before.
 struct TMCColorRGBA {
     static const TMCColorRGBA kOpaqueBlack;
 

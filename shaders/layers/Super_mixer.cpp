@@ -1,5 +1,14 @@
 #include "shaders/layers/Super_mixer.h"
 
+namespace {
+
+void AddGrey(TMCColorRGBA& color, float grey)
+{
+    color.SetRGB(color.fRed + grey, color.fGreen + grey, color.fBlue + grey);
+}
+
+} // namespace
+
 bool Super_mixer::SameParams(const Super_mixerParams& other) const
 {
     return SameMix(other) && fParams.fCombineMode == other.fCombineMode;
@@ -67,9 +76,4 @@ void Super_mixer::AddLayers(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
             AddGrey(sum, fValue);
         }
     color = sum;
-}
-
-void Super_mixer::AddGrey(TMCColorRGBA& color, float grey)
-{
-    color.SetRGB(color.fRed + grey, color.fGreen + grey, color.fBlue + grey);
 }

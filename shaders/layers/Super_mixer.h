@@ -44,5 +44,4 @@ public:
 private:
     void MixLayers(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);
     void AddLayers(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);
-    static void AddGrey(TMCColorRGBA& color, float grey);
 };

@@ -60,8 +60,7 @@ float Gray::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
     fullArea = false;
     color.SetRGB(0);
-    fFallbackColor
-        = {0, 0, 0, color.fAlpha}; // not from `color`: a whole read would wait for its separate writes
+    fFallbackColor = {0, 0, 0, color.fAlpha};
 
     if (fParams.fMode == kGrayScale) {
         if (!fShader)

@@ -1,4 +1,5 @@
 #include "frame/MCArray.h"
+#include "frame/Query.h"
 #include "frame/TMCException.h"
 #include "frame/TMCString.h"
 #include "tests/support/StaticServices.h"
@@ -17,7 +18,11 @@ class Probe final : public IMCUnknown {
 public:
     Probe(char name, std::string& log) : fName(name), fLog(log) { }
 
-    MCErr QueryInterface(const GUID&, void**) override { return kMCNoInterface; }
+    MCErr QueryInterface(const GUID&, void**) override
+    {
+        Note('?');
+        return kMCNoInterface;
+    }
     uint32_t AddRef() override { return Note('+'); }
     uint32_t Release() override { return Note('-'); }
 
@@ -56,6 +61,9 @@ TEST_F(UnitTypesTest, ACountedPointerCountsTheNewObjectBeforeItDropsTheOld)
         pointer = nullptr;
         EXPECT_EQ(TakeLog(), "-b");
         EXPECT_THAT(TakeReports(), IsEmpty());
+        pointer = &fB;
+        EXPECT_EQ(Query(fA, IID_IMCUnknown, pointer), kMCNoInterface);
+        EXPECT_EQ(TakeLog(), "+b-b?a") << "a query empties the slot first";
         EXPECT_EQ(pointer.operator->(), nullptr);
         EXPECT_THAT(TakeReports(), ElementsAre("Bad Pointer"));
     }
