@@ -157,7 +157,7 @@ inline void Weave::Displace(
     else if ((kinds & kAskedForValue) != 0)
         shader->ShadeValue(luma, fullArea, in);
     else
-        return;
+        strength = 0; // a move by 0 all the same: it turns -0 into 0
     const float distance = luma * static_cast<float>(strength) / 100.0f;
     fTileUV[1] += distance;
     fTileUV[0] += distance;

@@ -197,6 +197,13 @@ TEST_F(WeaveTest, DisplacesBothCoordinatesBeforeAndInsideTheTile)
     EXPECT_EQ(MaskAt(0.25f, 0.25f), 1); // from the middle of the tile back onto the first threads
     fParams.fDisplaceAfter = 300;
     EXPECT_EQ(MaskAt(0.125f, 0.125f), 0); // leaves the tile
+
+    fParams = {};
+    fParams.fDisplaceAfter = -1; // by nothing, which still turns the tile's -0 into 0
+    fParams.fWarpGap = 0;
+    fParams.fAcrossUV = true;
+    At(-1, 0);
+    EXPECT_FALSE(std::signbit(fIn.fUV[0]));
 }
 
 TEST_F(WeaveTest, BendsTheGlobalNormalAboutTheDerivatives)
