@@ -62,7 +62,7 @@ else
 fi
 )";
 
-/// Text inside of single quotes, with a backslash before what a specification reads by itself.
+/// Text inside of single quotes, with a backslash before what zsh reads by itself there.
 std::string Escaped(const std::string& text)
 {
     std::string escaped;
@@ -86,8 +86,8 @@ std::string Action(const CompletedValue& value)
     return value.isFile ? "_fernwick_source" : '(' + WordList(value.words) + ')';
 }
 
-/// The specification of an option, such as `'(-o --picture)'{-o,--picture}'[The picture]:FILE:_files' `.
-std::string Specification(const CLI::Option& option)
+/// An option as zsh takes it, such as `'(-o --picture)'{-o,--picture}'[The picture]:FILE:_files' `.
+std::string OptionArgument(const CLI::Option& option)
 {
     const std::vector<std::string> names = NamesOf(option);
     std::string value;
@@ -101,17 +101,17 @@ std::string Specification(const CLI::Option& option)
     return fmt::format("'({})'{{{}}}{}", WordList(names), fmt::join(names, ","), rest);
 }
 
-std::string Specifications(const CLI::App& command)
+std::string OptionArguments(const CLI::App& command)
 {
     std::string text;
     for (const CLI::Option* const option : OptionsOf(command))
-        text += Specification(*option);
+        text += OptionArgument(*option);
     return text;
 }
 
 std::string CommandCase(const CLI::App& command)
 {
-    std::string text = fmt::format("        {}) _arguments {}", command.get_name(), Specifications(command));
+    std::string text = fmt::format("        {}) _arguments {}", command.get_name(), OptionArguments(command));
     for (const CLI::Option* const positional : PositionalsOf(command))
         text += fmt::format(
             "'1:{}:{}' ", Escaped(positional->get_name()), Action(CompletedValueOf(*positional)));
@@ -131,5 +131,5 @@ std::string ZshCompletion(const CLI::App& app)
     }
     return kHead + FieldFunctions()
         + fmt::format(kFunctions, WordList(ClassAndSourceNames()), WordList(SourceNames()), descriptions,
-            Specifications(app), cases);
+            OptionArguments(app), cases);
 }
