@@ -2,6 +2,7 @@
 #include "host/FieldValue.h"
 #include "tests/support/ShaderTest.h"
 #include <cstring>
+#include <sstream>
 
 // Every class: what a new shader tells and its record holds, and which fields SameParameters compares.
 
@@ -19,7 +20,8 @@ struct Record {
 const Record kRecords[] = {{"Weave", 0x0A2014D5, "none", true}, {"Gray", 0x6E19602B, "fColorSwitches.*"},
     {"Super_mixer", 0xF08FBC09, "fLinearEdge"}, {"Super_mixer_top", 0xC225B2DF, "fLinearEdge"},
     {"Iridescent", 0x9F2BF2E3, "fReferenceMode|fBands.*fColor 3"}, {"Location", 0xC263CACD, "none", true},
-    {"Fresnel", 0x8C7F631C, "fPreset2|f(Wavelength|Illuminant)Color.*|fWavelengthLinear.*|fWhite[XY]"},
+    {"Fresnel", 0x8C7F631C,
+        "fPreset2|fWavelengthColor.*|fIlluminantColor.*|fWavelengthLinear.*|fWhiteX|fWhiteY"},
     {"Proximity", 0xAA41D447, "fFalloff|fSingleObject"}, {"Translucent", 0x1707FA3B}, {"Lit", 0x6E717184},
     {"Drip", 0xAD8A6E42}, {"MultiPassControl", 0xB2266623, "fPassName.*"},
     {"MultiPassManager", 0x1C8AB23A, "fPassName.*"}, {"Coordinate_Shift", 0xB951F5C4, "fObjectName"},
@@ -100,13 +102,22 @@ TEST_P(RecordsTest, StartWithTheSettledDefaults)
     EXPECT_EQ(Mark(text), GetParam().fStart) << text;
 }
 
+/// Each alternative by itself, since GoogleTest's own expressions have none on Windows.
+bool IsLeftOut(const Record& record, const std::string& name)
+{
+    std::istringstream alternatives(record.fLeftOut);
+    for (std::string one; std::getline(alternatives, one, '|');)
+        if (testing::Matches(testing::MatchesRegex(one))(name))
+            return true;
+    return false;
+}
+
 TEST_P(RecordsTest, AreComparedByEachFieldThatIsntLeftOut)
 {
     const Shader one = Make(), twin = Make(true);
     EXPECT_FALSE(one->SameParameters(nullptr));
     EXPECT_TRUE(one->SameParameters(one.operator->()));
     EXPECT_NE(one->SameParameters(twin.operator->()) != 0, GetParam().fNeverSame);
-    const testing::Matcher<std::string> leftOut = testing::MatchesRegex(GetParam().fLeftOut);
     for (const Field& field : fTable.fFields)
         for (size_t part = 0; part < std::max<size_t>(FloatsOf(field.fType), 1); ++part)
             for (const bool nan : {false, true}) {
@@ -114,7 +125,7 @@ TEST_P(RecordsTest, AreComparedByEachFieldThatIsntLeftOut)
                     continue;
                 const std::string name
                     = FloatsOf(field.fType) > 1 ? field.fName + " " + std::to_string(part) : field.fName;
-                EXPECT_EQ(IsSameWith(field, part, nan), leftOut.Matches(name)) << name;
+                EXPECT_EQ(IsSameWith(field, part, nan), IsLeftOut(GetParam(), name)) << name;
             }
 }
 
