@@ -1,5 +1,6 @@
 #include "tools/PictureOptions.h"
 #include "host/Picture.h"
+#include "tools/Interrupt.h"
 #include <charconv>
 #include <fmt/core.h>
 
@@ -62,4 +63,15 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
         ->type_name("N")
         ->check(CLI::Range(1, kMostThreads).description(""));
     return picture;
+}
+
+fernwick::RenderJob RenderJobOf(const PictureOptions& options, int samples)
+{
+    fernwick::RenderJob job;
+    ReadSize(options.size, job.width, job.height);
+    job.samples = samples;
+    job.threads = options.threads;
+    job.layers = fernwick::Picture::HoldsLayers(options.file);
+    job.cancel = &WatchForInterrupt();
+    return job;
 }

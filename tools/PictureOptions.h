@@ -1,4 +1,5 @@
 #pragma once
+#include "host/Render.h"
 #include "tools/Commands.h"
 
 /// What the commands that make a picture share.
@@ -19,3 +20,6 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options);
 
 /// Reads a size such as "640x480"; false for anything else.
 bool ReadSize(const std::string& size, int& width, int& height);
+
+/// The job of a render with these options. It is cancelled by Ctrl-C.
+fernwick::RenderJob RenderJobOf(const PictureOptions& options, int samples);

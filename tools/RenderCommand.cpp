@@ -1,7 +1,6 @@
 #include "host/GraphDocument.h"
 #include "host/Library.h"
 #include "tools/Commands.h"
-#include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 #include "tools/PictureOptions.h"
 #include "tools/ShownJob.h"
@@ -32,13 +31,8 @@ struct RenderOptions {
 
 void RunRender(const RenderOptions& options)
 {
-    fernwick::RenderJob job;
-    ReadSize(options.picture.size, job.width, job.height);
+    fernwick::RenderJob job = RenderJobOf(options.picture, options.samples);
     job.camera = options.camera;
-    job.samples = options.samples;
-    job.threads = options.picture.threads;
-    job.layers = fernwick::Picture::HoldsLayers(options.picture.file);
-    job.cancel = &WatchForInterrupt();
     const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
     if (document.Scene())
         for (const std::string& notice : document.Scene()->fNotices)

@@ -102,12 +102,7 @@ void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fern
     const ShadeOptions& options)
 {
     const PictureOptions& picture = options.bake.picture;
-    fernwick::RenderJob job;
-    ReadSize(picture.size, job.width, job.height);
-    job.samples = kSamples;
-    job.threads = picture.threads;
-    job.layers = fernwick::Picture::HoldsLayers(picture.file);
-    job.cancel = &WatchForInterrupt();
+    fernwick::RenderJob job = RenderJobOf(picture, kSamples);
     RunShown(job, reports, options.settings.name, [&] {
         return fernwick::Render(library, document, job);
     }).Save(picture.file);
