@@ -37,7 +37,7 @@ void CastRays(const SceneDescription& description)
 {
     const auto scene = MakeCounted<Scene>(description);
     const World world(*scene);
-    for (const SceneElement* const element : world.Shapes()) {
+    for (const SceneElement* const element : scene->Shapes()) {
         element->Shape()->Shape().Bounds();
         element->Shape()->Shape().LayOutNormals(8, [](int, int, const TVector3&) {});
     }
@@ -45,7 +45,7 @@ void CastRays(const SceneDescription& description)
         {TVector3(0, 0, 0), TVector3(0.25f, 0.5f, -0.125f), TVector3(-0.5f, 0.25f, 0.5f)}) {
         const TVector3 origin(1, 2, 3);
         if (const auto hit = world.Cast(origin, target - origin, 0)) {
-            const Geometry& shape = world.Shapes()[hit->fIndex]->Shape()->Shape();
+            const Geometry& shape = scene->Shapes()[hit->fIndex]->Shape()->Shape();
             shape.PointAt(hit->fSurface);
             shape.ShapeAt(hit->fSurface);
         }

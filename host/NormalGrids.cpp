@@ -23,7 +23,7 @@ Corners& CornersAt(const Graph& graph, size_t shader)
 } // namespace
 
 NormalGrids::NormalGrids(
-    const GraphDocument& document, const Graph& graph, const World& world, const std::vector<size_t>& shaders)
+    const GraphDocument& document, const Graph& graph, const Scene& scene, const std::vector<size_t>& shaders)
 {
     for (size_t shader = 0; shader < document.Shaders().size(); ++shader) {
         if (document.Shaders()[shader].fTable->fName != "Corners")
@@ -32,7 +32,7 @@ NormalGrids::NormalGrids(
         const int edge = CornersAt(graph, shader).GridSize();
         for (size_t i = 0; i < shaders.size(); ++i)
             if (Uses(document, shaders[i], shader))
-                world.Shapes()[i]->Shape()->Shape().LayOutNormals(
+                scene.Shapes()[i]->Shape()->Shape().LayOutNormals(
                     edge, [&grid](int u, int v, const TVector3& normal) {
                         grid.cells.push_back({u, v, normal});
                     });

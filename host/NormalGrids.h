@@ -1,6 +1,6 @@
 #pragma once
 #include "host/Graph.h"
-#include "host/World.h"
+#include "host/Scene.h"
 
 namespace fernwick {
 
@@ -9,8 +9,8 @@ namespace fernwick {
 class NormalGrids {
 public:
     /// @param graph    any one of the document, with all shaders
-    /// @param shaders  by shape of the world, the place of its shader in the document
-    NormalGrids(const GraphDocument& document, const Graph& graph, const World& world,
+    /// @param shaders  by shape of the scene, the place of its shader in the document
+    NormalGrids(const GraphDocument& document, const Graph& graph, const Scene& scene,
         const std::vector<size_t>& shaders);
 
     /// Fills the grids of another graph of the same document.

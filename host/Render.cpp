@@ -81,16 +81,19 @@ struct Shown {
     ShadingOut result;
 };
 
-/// A shader with what it offers.
+/// An element with a shape and the shader that it shows.
 class Surface {
 public:
-    Surface(const Graph& graph, size_t shader, bool isLit)
-        : fShader(graph.Shader(shader)), fExtension(graph.Extension(shader)),
-          fKinds(fShader.GetOutputKinds()), fIsLit(isLit)
+    Surface(SceneElement& element, const Graph& graph, size_t shader)
+        : fElement(element), fShader(graph.Shader(shader)), fExtension(graph.Extension(shader)),
+          fKinds(fShader.GetOutputKinds()), fIsLit(element.Look().fLit.value_or(false))
     { }
 
-    Shown ShadeAt(const ShadingIn& sample, const Eye& eye) const
+    Shown ShadeAt(const SurfaceHit& hit, const Eye& eye) const
     {
+        ShadingIn sample;
+        FillSample(fElement.Shape()->Shape().PointAt(hit), fElement.Transform(), sample);
+        sample.fInstance = &fElement;
         Shown shown = Ask(sample);
         if (fIsLit) {
             const float lamp = LampAt(sample, eye);
@@ -102,6 +105,7 @@ public:
     }
 
 private:
+    SceneElement& fElement;
     IShellShader& fShader;
     I3DExShader* fExtension; // null for a source
     uint32_t fKinds;
@@ -185,9 +189,10 @@ struct PixelSum {
 class Renderer {
 public:
     Renderer(const Library& library, const GraphDocument& document, const RenderJob& job)
-        : fLibrary(library), fDocument(document), fJob(job), fScene(MakeScene(document, job)),
-          fWorld(*fScene), fEye(FindCamera(*fScene, fScene->CameraName()), job), fPattern(job.samples),
-          fShaders(FindShaders()), fGrids(document, *MakeGraph(library, document, fScene), fWorld, fShaders)
+        : fLibrary(library), fDocument(document), fJob(job), fDescription(DescribeScene(document, job)),
+          fScene(MakeScene()), fWorld(*fScene), fEye(FindCamera(*fScene, fScene->CameraName()), job),
+          fPattern(job.samples), fShaders(FindShaders()),
+          fGrids(document, *MakeGraph(library, document, fScene), *fScene, fShaders)
     { }
 
     std::optional<Picture> Run()
@@ -210,11 +215,12 @@ private:
     const Library& fLibrary;
     const GraphDocument& fDocument;
     const RenderJob& fJob;
-    MCCountedPtr<Scene> fScene;
+    SceneDescription fDescription;
+    MCCountedPtr<Scene> fScene; // of the rays; samples lie on those of the tiles
     World fWorld;
     Eye fEye;
     PixelPattern fPattern;
-    std::vector<size_t> fShaders; // by shape of the world, its place in the document
+    std::vector<size_t> fShaders; // by shape of the scene, its place in the document
     NormalGrids fGrids;
 
     static std::vector<std::string> CameraNames(const Scene& scene)
@@ -226,7 +232,10 @@ private:
         return names;
     }
 
-    static MCCountedPtr<Scene> MakeScene(const GraphDocument& document, const RenderJob& job)
+    MCCountedPtr<Scene> MakeScene() const { return MakeCounted<Scene>(fDescription, Scene::Shaded::kNone); }
+
+    /// The scene of the document with the camera of the job.
+    static SceneDescription DescribeScene(const GraphDocument& document, const RenderJob& job)
     {
         if (!document.Scene())
             throw RenderError("the document has no \"scene\" to render");
@@ -239,7 +248,7 @@ private:
                 throw RenderError("the scene has no camera; give an element a \"camera\"");
             description.fCamera = names.front();
         }
-        return MakeCounted<Scene>(description, Scene::Shaded::kNone);
+        return description;
     }
 
     static const SceneElement& FindCamera(const Scene& scene, const std::string& name)
@@ -255,7 +264,7 @@ private:
     std::vector<size_t> FindShaders() const
     {
         std::vector<size_t> places;
-        for (const SceneElement* const element : fWorld.Shapes()) {
+        for (const SceneElement* const element : fScene->Shapes()) {
             const std::optional<std::string>& name = element->Look().fShader;
             const auto& all = fDocument.Shaders();
             const auto found = std::find_if(all.begin(), all.end(),
@@ -268,11 +277,13 @@ private:
 
     void ShadeTile(const Tile& tile, Picture& picture, std::vector<std::vector<float>>& layers) const
     {
-        const OwnGraph graph = MakeGraph(fLibrary, fDocument, fScene);
+        // Shaders that ask the scene count its parts several times a sample: threads that share one are slower.
+        const MCCountedPtr<Scene> scene = MakeScene();
+        const OwnGraph graph = MakeGraph(fLibrary, fDocument, scene);
         fGrids.Fill(*graph);
         std::vector<Surface> surfaces;
         for (size_t i = 0; i < fShaders.size(); ++i)
-            surfaces.emplace_back(*graph, fShaders[i], fWorld.Shapes()[i]->Look().fLit.value_or(false));
+            surfaces.emplace_back(*scene->Shapes()[i], *graph, fShaders[i]);
         std::vector<double> layerSums(layers.size());
         for (int y = tile.fTop; y < tile.fBottom; ++y)
             for (int x = tile.fLeft; x < tile.fRight; ++x) {
@@ -299,11 +310,7 @@ private:
             const auto hit = fWorld.Cast(fEye.Origin(), direction, nearLimit);
             if (!hit)
                 break;
-            SceneElement& element = *fWorld.Shapes()[hit->fIndex];
-            ShadingIn in;
-            FillSample(element.Shape()->Shape().PointAt(hit->fSurface), element.Transform(), in);
-            in.fInstance = &element;
-            const Shown shown = surfaces[hit->fIndex].ShadeAt(in, fEye);
+            const Shown shown = surfaces[hit->fIndex].ShadeAt(hit->fSurface, fEye);
             sum.Add(shown.color, left);
             if (depth == 0)
                 for (size_t i = 0; i < layerSums.size(); ++i)

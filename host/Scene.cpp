@@ -157,6 +157,8 @@ void Scene::Add(const ElementDescription& description, SceneElement* parent)
     fElements.push_back(std::make_unique<SceneElement>(*this, description, parent));
     SceneElement& element = *fElements.back();
     fByName.emplace(element.Name(), &element); // the first of a name stays
+    if (element.Shape() != nullptr)
+        fShapes.push_back(&element);
     for (const ElementDescription& child : description.fChildren)
         Add(child, &element);
 }

@@ -124,12 +124,14 @@ public:
     {
         return fElements;
     } ///< in tree order
+    const std::vector<SceneElement*>& Shapes() const { return fShapes; } ///< those with a shape, in tree order
 
 private:
     class RootGroup;
     class RenderingModule;
 
     std::vector<std::unique_ptr<SceneElement>> fElements; // in tree order
+    std::vector<SceneElement*> fShapes;
     std::map<std::string, SceneElement*, std::less<>> fByName;
     std::string fCameraName;
     std::unique_ptr<RootGroup> fRootGroup;

@@ -7,9 +7,8 @@ namespace fernwick {
 World::World(const Scene& scene) : fRays(rtcNewScene(EmbreeDevice()))
 {
     rtcSetSceneFlags(fRays, RTC_SCENE_FLAG_ROBUST);
-    for (const auto& element : scene.Elements()) {
-        if (element->Shape() == nullptr)
-            continue;
+    unsigned index = 0;
+    for (const SceneElement* const element : scene.Shapes()) {
         const RTCGeometry instance = rtcNewGeometry(EmbreeDevice(), RTC_GEOMETRY_TYPE_INSTANCE);
         rtcSetGeometryInstancedScene(instance, element->Shape()->Shape().Rays());
         const TTransform3D& place = element->Transform();
@@ -21,9 +20,8 @@ World::World(const Scene& scene) : fRays(rtcNewScene(EmbreeDevice()))
         }
         rtcSetGeometryTransform(instance, 0, RTC_FORMAT_FLOAT3X4_ROW_MAJOR, rows);
         rtcCommitGeometry(instance);
-        rtcAttachGeometryByID(fRays, instance, static_cast<unsigned>(fShapes.size()));
+        rtcAttachGeometryByID(fRays, instance, index++);
         rtcReleaseGeometry(instance);
-        fShapes.push_back(element.get());
     }
     rtcCommitScene(fRays);
 }

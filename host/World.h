@@ -7,7 +7,7 @@ namespace fernwick {
 class World {
 public:
     struct Hit {
-        size_t fIndex; ///< of the element among `Shapes`
+        size_t fIndex; ///< of the element among the scene's `Shapes`
         SurfaceHit fSurface;
     };
 
@@ -16,14 +16,10 @@ public:
     World(const World&) = delete;
     World& operator=(const World&) = delete;
 
-    /// The elements that have a shape, in tree order.
-    const std::vector<SceneElement*>& Shapes() const { return fShapes; }
-
     /// The nearest hit beyond `nearLimit`, in lengths of `direction`. For any thread.
     std::optional<Hit> Cast(const TVector3& origin, const TVector3& direction, float nearLimit) const;
 
 private:
-    std::vector<SceneElement*> fShapes;
     RTCSceneTy* fRays;
 };
 
