@@ -8,17 +8,17 @@ namespace {
 /// @param disturbance  moves `x`, in percent of the ramp's width
 float RampValue(float first, float second, float x, bool falling, float disturbance)
 {
-    const float moved = std::fabs(first - second) * disturbance;
+    const float moved = std::fabs(first - second) * disturbance; // NaN where an endless ramp isn't disturbed
     if (moved != 0) // no division where nothing disturbs
         x = static_cast<float>(x + moved / 100.0);
-    if (falling) {
-        if (second > x && x > first)
-            return 1.0f - (x - first) / (second - first);
-        return x >= second && !(first >= x) ? 0.0f : 1.0f;
+    const float lower = falling ? first : second;
+    const float upper = falling ? second : first;
+    if (upper > x && x > lower) {
+        const float way = (x - lower) / (upper - lower);
+        return falling ? 1.0f - way : way;
     }
-    if (x > second && first > x)
-        return (x - second) / (first - second);
-    return second >= x && !(x >= first) ? 0.0f : 1.0f;
+    const bool isZero = falling ? x >= second && !(first >= x) : second >= x && !(x >= first);
+    return isZero ? 0.0f : 1.0f;
 }
 
 } // namespace
@@ -53,13 +53,10 @@ MCErr Location::ExtensionDataChanged()
 float Location::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
 {
     fullArea = false;
-    fDisturbance = 0;
-    if (fParams.fUseSubShader)
-        Disturb(fullArea, in);
+    const float disturbance = fParams.fUseSubShader ? Disturb(fullArea, in) : 0;
 
     const TVector3& point = fParams.fSpace == Code("GLBL") ? in.fPointGlobal : in.fPointLocal;
     const bool takeSmallest = fParams.fCombine == Code("ORMD");
-    const float disturbance = fDisturbance;
     float mask = 1;
     for (uint32_t i = 0; i < 3; ++i) {
         const LocationRamp& ramp = fRamps[i];
@@ -80,12 +77,14 @@ float Location::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
     return kFullCoverage;
 }
 
-void Location::Disturb(bool& fullArea, ShadingIn& in)
+float Location::Disturb(bool& fullArea, ShadingIn& in)
 {
+    float disturbance = 0;
     TMCColorRGBA subColor = {0, 0, 0, 0};
-    ReadNumber(fShader, fShaderKinds, kOutputColor, fDisturbance, subColor, fullArea, in);
-    if (fDisturbance > 1.0)
-        fDisturbance = fLastDisturbance;
-    fDisturbance *= static_cast<float>(fParams.fDisturbPercent);
-    fLastDisturbance = fDisturbance; // kept: the scaled amount, so a repeated one is scaled once more
+    ReadNumber(fShader, fShaderKinds, kOutputColor, disturbance, subColor, fullArea, in);
+    if (disturbance > 1.0)
+        disturbance = fLastDisturbance;
+    disturbance *= static_cast<float>(fParams.fDisturbPercent);
+    fLastDisturbance = disturbance; // kept: the scaled amount, so a repeated one is scaled once more
+    return disturbance;
 }

@@ -53,8 +53,8 @@ private:
     ConnectedShader fShader;
     LocationRamp fRamps[3];
     uint32_t fShaderKinds = 0;
-    float fDisturbance = 0; ///< percent of a ramp's width
-    float fLastDisturbance = 0;
+    float fLastDisturbance = 0; ///< percent of a ramp's width
 
-    void Disturb(bool& fullArea, ShadingIn& in);
+    /// @return percent of a ramp's width
+    float Disturb(bool& fullArea, ShadingIn& in);
 };
