@@ -35,6 +35,7 @@ TEST_F(LocationTest, RampsBetweenItsEdges)
         {0, 0, -0.01f, 1, 0},
         {kNaN, 6, 7, 0, 1}, // a NaN edge is the other one
         {6, kNaN, 5, 1, 0},
+        {-kInfinity, 6, 9, 1, 1}, // an endless ramp has no place for its samples
         {kSignalling, 6, 7, 0, 1},
         {6, kSignalling, 5, 1, 0},
     };
