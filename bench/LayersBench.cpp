@@ -104,7 +104,7 @@ struct PlainTop {
             }
         if (ranges.active >= 2 && !ranges.p.fSmooth)
             sum *= static_cast<float>(1.0 / ranges.active);
-        const ShadingOut result = sum;
+        ShadingOut result = sum;
         return ChannelsOf(result);
     }
 };

@@ -75,7 +75,8 @@ float Gray::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     if (!fShader || (fShaderKinds & kOutputColor) == 0)
         return kFullCoverage;
     fShader->ShadeColor(fScratchColor, fullArea, in);
-    ShiftSaturation(fScratchColor, color);
+    const TMCColorRGB shifted = Shifted(fScratchColor.fRed, fScratchColor.fGreen, fScratchColor.fBlue);
+    color = {shifted.fRed, shifted.fGreen, shifted.fBlue, fScratchColor.fAlpha};
     return kFullCoverage;
 }
 
@@ -108,24 +109,17 @@ template <class Color> void Gray::FilterChannel(Color& channel)
         channel.fBlue = luminance;
         return;
     }
-    TMCColorRGBA shifted;
-    ShiftSaturation({channel.fRed, channel.fGreen, channel.fBlue, 1}, shifted);
+    const TMCColorRGB shifted = Shifted(channel.fRed, channel.fGreen, channel.fBlue);
     channel.fRed = shifted.fRed;
     channel.fGreen = shifted.fGreen;
     channel.fBlue = shifted.fBlue;
 }
 
 /// To hue, lightness and saturation, and back with the shifted saturation.
-void Gray::ShiftSaturation(const TMCColorRGBA& color, TMCColorRGBA& shifted) const
+TMCColorRGB Gray::Shifted(float red, float green, float blue) const
 {
-    const float red = color.fRed;
-    const float green = color.fGreen;
-    const float blue = color.fBlue;
-    const float alpha = color.fAlpha;
-    if (std::isnan(green)) {
-        shifted = {red, green, blue, alpha};
-        return;
-    }
+    if (std::isnan(green))
+        return {red, green, blue};
 
     const float largest = std::max({green, red, blue}); // green first: a NaN red or blue takes no part
     const float smallest = std::min({green, red, blue});
@@ -148,16 +142,14 @@ void Gray::ShiftSaturation(const TMCColorRGBA& color, TMCColorRGBA& shifted) con
     saturation = WithHueShift(saturation + fParams.fSaturationShift / 100.0f, hue);
     if (saturation < 0)
         saturation = 0;
-    if (saturation == 0) {
-        shifted = {lightness, lightness, lightness, alpha};
-        return;
-    }
+    if (saturation == 0)
+        return {lightness, lightness, lightness};
 
     const float high = 0.5 >= lightness ? lightness * (1.0f + saturation)
                                         : lightness + saturation - lightness * saturation;
     const float low = 2.0f * lightness - high;
-    shifted = {HueChannel(low, high, hue + 120.0f), HueChannel(low, high, hue),
-        HueChannel(low, high, hue - 120.0f), alpha};
+    return {HueChannel(low, high, hue + 120.0f), HueChannel(low, high, hue),
+        HueChannel(low, high, hue - 120.0f)};
 }
 
 /// Each primary's shift holds within 60 degrees of its hue and fades over the next 60; `kNoHue` gets none.

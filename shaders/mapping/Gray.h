@@ -43,6 +43,6 @@ private:
     TMCColorRGBA fFallbackColor = {0, 0, 0, 0};
 
     template <class Color> void FilterChannel(Color& channel);
-    void ShiftSaturation(const TMCColorRGBA& color, TMCColorRGBA& shifted) const;
+    TMCColorRGB Shifted(float red, float green, float blue) const;
     float WithHueShift(float saturation, float hue) const;
 };
