@@ -87,22 +87,24 @@ int32_t Gray::ShadeSurface(ShadingOut& result, ShadingIn& in)
     fShader->ShadeSurface(result, in);
     in.fChannelMask = kAllChannels;
 
+    TMCColorRGBA scratch = fScratchColor; // a local: members would be written for each channel
     if (fSwitches[0])
-        FilterChannel(result.fColor);
+        FilterChannel(result.fColor, scratch);
     if (fSwitches[1])
-        FilterChannel(result.fThirdColor);
+        FilterChannel(result.fThirdColor, scratch);
     if (fSwitches[2])
-        FilterChannel(result.fSecondColor);
+        FilterChannel(result.fSecondColor, scratch);
     if (fSwitches[3])
-        FilterChannel(result.fFourthColor);
+        FilterChannel(result.fFourthColor, scratch);
+    fScratchColor = scratch;
     return 1;
 }
 
 /// Changes red, green and blue; an alpha passes through.
-template <class Color> void Gray::FilterChannel(Color& channel)
+template <class Color> void Gray::FilterChannel(Color& channel, TMCColorRGBA& scratch) const
 {
     if (fParams.fMode == kGrayScale) {
-        CopyColor(fScratchColor, channel);
+        CopyColor(scratch, channel);
         const float luminance = Luminance(channel);
         channel.fRed = luminance;
         channel.fGreen = luminance;

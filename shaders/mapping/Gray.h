@@ -42,7 +42,7 @@ private:
     TMCColorRGBA fScratchColor = {0, 0, 0, 0};
     TMCColorRGBA fFallbackColor = {0, 0, 0, 0};
 
-    template <class Color> void FilterChannel(Color& channel);
+    template <class Color> void FilterChannel(Color& channel, TMCColorRGBA& scratch) const;
     TMCColorRGB Shifted(float red, float green, float blue) const;
     float WithHueShift(float saturation, float hue) const;
 };
