@@ -171,7 +171,6 @@ inline void Weave::FindThreads()
         fAcross[group] = probe.fOffset;
         fAcrossHalf[group] = probe.fHalf;
         fAcrossT[group] = probe.fT;
-        fProbe = probe;
     }
 }
 
@@ -182,7 +181,6 @@ inline void Weave::FindSpans()
         fAlong[group] = probe.fOffset;
         fAlongHalf[group] = probe.fHalf;
         fAlongT[group] = probe.fT;
-        fProbe = probe;
     }
 }
 

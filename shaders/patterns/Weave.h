@@ -103,7 +103,6 @@ private:
     float fAcrossScale = 0;
     float fAlongScale = 0;
     ThreadTable fTable[2];
-    ThreadProbe fProbe; ///< scratch of the walks
     ThreadSpans fSpans[2][kThreadsPerGroup];
 
     bool IsBasic() const { return fParams.fWeaveMode == Code("BSCM"); }
