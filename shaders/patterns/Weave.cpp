@@ -15,6 +15,9 @@ constexpr uint32_t kAskedForColor = kOutputValue | kOutputColor | kOutputSurface
 /// None of the output kinds; asked for a value all the same (kept).
 constexpr uint32_t kAskedForValue = 1;
 
+/// Where the walk along doesn't run.
+constexpr ThreadProbe kNoSpan = {.fT = 1};
+
 float Squared(float number) { return number * number; }
 
 /// Rodrigues' rotation about `axis`, whose length scales the effect, by the angle whose sine is given.
@@ -113,13 +116,6 @@ float Weave::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 
     FindTileUV(fullArea, in);
     FindThreads();
-    for (const Group group : kGroups) {
-        fAlong[group] = 0;
-        fAlongHalf[group] = 1;
-        fAlongT[group] = 1;
-    }
-    if (fParams.fRoundAlong || fParams.fAlongUV)
-        FindSpans();
     ChooseTop();
 
     const bool isGap = fTopThread == 0;
@@ -165,35 +161,26 @@ inline void Weave::Displace(
 
 inline void Weave::FindThreads()
 {
-    for (const Group group : kGroups) {
-        const ThreadProbe probe = WalkAcross(fTable[group], fTileUV[group], fParams.fRoundAcross);
-        fHit[group] = probe.fThread;
-        fAcross[group] = probe.fOffset;
-        fAcrossHalf[group] = probe.fHalf;
-        fAcrossT[group] = probe.fT;
-    }
-}
-
-inline void Weave::FindSpans()
-{
-    for (const Group group : kGroups) {
-        const ThreadProbe probe = WalkAlong(fHit[group], fSpans[group], fTileUV[OtherGroup(group)]);
-        fAlong[group] = probe.fOffset;
-        fAlongHalf[group] = probe.fHalf;
-        fAlongT[group] = probe.fT;
-    }
+    for (const Group group : kGroups)
+        fAcross[group] = WalkAcross(fTable[group], fTileUV[group], fParams.fRoundAcross);
 }
 
 inline void Weave::ChooseTop()
 {
-    const int32_t warp = fHit[kWarp];
-    const int32_t weft = fHit[kWeft];
+    const int32_t warp = fAcross[kWarp].fThread;
+    const int32_t weft = fAcross[kWeft].fThread;
     if (warp == 0 && weft == 0) {
         fTopThread = 0;
         return;
     }
     fTopIsWarp = weft == 0 || (warp != 0 && fParams.fPattern[weft - 1][warp - 1]);
-    fTopThread = fHit[TopGroup()];
+    fTopThread = fTopIsWarp ? warp : weft;
+}
+
+/// The place along the thread on top.
+inline ThreadProbe Weave::FindSpan() const
+{
+    return WalkAlong(fTopThread, fSpans[TopGroup()], fTileUV[OtherGroup(TopGroup())]);
 }
 
 void Weave::PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
@@ -211,12 +198,14 @@ void Weave::PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
     const Group top = TopGroup();
+    const ThreadProbe& across = fAcross[top];
+    const ThreadProbe along = fParams.fRoundAlong || fParams.fAlongUV ? FindSpan() : kNoSpan;
     if (top == kWeft)
         in.fUV = {in.fUV[1], in.fUV[0]}; // U across the thread, V along it
     if (fParams.fAcrossUV)
-        in.fUV[0] = fAcrossT[top];
+        in.fUV[0] = across.fT;
     if (fParams.fAlongUV)
-        in.fUV[1] = fAlongT[top];
+        in.fUV[1] = along.fT;
 
     const int32_t thread = fTopThread - 1;
     const ConnectedShader& shader = fShader[top][IsBasic() ? 0 : thread];
@@ -226,7 +215,7 @@ inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& i
         paint = fLayerColor;
     }
     if (fParams.fRoundAcross || fParams.fRoundAlong) {
-        const float darkening = Darkening();
+        const float darkening = Darkening(across, along);
         paint.SetRGB(paint.fRed * darkening, paint.fGreen * darkening, paint.fBlue * darkening);
     }
     color = paint;
@@ -234,12 +223,10 @@ inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& i
 
 /// The elliptic cross-section of the top thread: 1 in the middle of a span. The term along counts whenever the
 /// walk along ran, so `fAlongUV` alone brings it in too.
-float Weave::Darkening() const
+float Weave::Darkening(const ThreadProbe& across, const ThreadProbe& along) const
 {
-    const Group top = TopGroup();
-    const float along = Squared(fAlong[top]) / Squared(fAlongHalf[top] * fAlongScale);
-    const float across = Squared(fAcross[top]) / Squared(fAcrossHalf[top] * fAcrossScale);
-    const float sum = along + across;
+    const float sum = Squared(along.fOffset) / Squared(along.fHalf * fAlongScale)
+        + Squared(across.fOffset) / Squared(across.fHalf * fAcrossScale);
     return static_cast<float>(1.0 - sum);
 }
 
@@ -261,8 +248,7 @@ float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
     bool fullArea = false;
     FindTileUV(fullArea, in);
     FindThreads();
-    FindSpans();
-    if (fHit[kWarp] == 0 && fHit[kWeft] == 0) {
+    if (fAcross[kWarp].fThread == 0 && fAcross[kWeft].fThread == 0) {
         vector = in.fNormalLocal; // kept: threads bend the global normal, a gap answers the local one
         return kFullCoverage;
     }
@@ -273,11 +259,11 @@ float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
     const Group top = TopGroup();
     TVector3 bent = in.fNormalGlobal;
     if (fParams.fRoundAlong)
-        bent = Bent(bent, OtherGroup(top), fAlong[top], fAlongScale, in);
+        bent = Bent(bent, OtherGroup(top), FindSpan().fOffset, fAlongScale, in);
     if (fParams.fRoundAlong && fParams.fRoundAcross)
         Normalize(bent);
     if (fParams.fRoundAcross)
-        bent = Bent(bent, top, fAcross[top], fAcrossScale, in);
+        bent = Bent(bent, top, fAcross[top].fOffset, fAcrossScale, in);
     vector = bent;
     return kFullCoverage;
 }

@@ -89,16 +89,10 @@ private:
     uint32_t fDisplaceBeforeShaderKinds = 0;
     uint32_t fDisplaceAfterShaderKinds = 0;
     uint32_t fGapShaderKinds = 0;
-    float fTileUV[2] = {};     ///< the sample in its tile
-    float fInvRepeat[2] = {};  ///< a tile's size in U and in V
-    int32_t fHit[2] = {};      ///< thread under the sample, from 1; 0 for a gap
-    float fAcross[2] = {};     ///< signed distance from the centre line of the thread
-    float fAlong[2] = {};      ///< signed distance from the middle of the span
-    float fAcrossHalf[2] = {}; ///< half the width that goes with it
-    float fAlongHalf[2] = {};  ///< half the length that goes with it
-    float fAcrossT[2] = {};    ///< 0 to 1 across the thread
-    float fAlongT[2] = {};     ///< 0 to 1 along the span
-    int32_t fTopThread = 0;    ///< from 1; 0 for a gap
+    float fTileUV[2] = {};    ///< the sample in its tile
+    float fInvRepeat[2] = {}; ///< a tile's size in U and in V
+    ThreadProbe fAcross[2];   ///< of the thread under the sample, from its centre line
+    int32_t fTopThread = 0;   ///< from 1; 0 for a gap
     bool fTopIsWarp = false;
     float fAcrossScale = 0;
     float fAlongScale = 0;
@@ -117,12 +111,12 @@ private:
     void Displace(
         int32_t strength, const ConnectedShader& shader, uint32_t kinds, bool& fullArea, ShadingIn& in);
     void FindThreads();
-    void FindSpans();
     void ChooseTop();
+    ThreadProbe FindSpan() const;
 
     void PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);
     void PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);
-    float Darkening() const;
+    float Darkening(const ThreadProbe& across, const ThreadProbe& along) const;
     TVector3 Bent(
         const TVector3& normal, int alongCoordinate, float offset, float scale, const ShadingIn& in) const;
 };
