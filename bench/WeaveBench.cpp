@@ -43,7 +43,7 @@ struct PlainCloth {
         return x > center ? -(x - center) : center > x ? center - x : 0;
     }
 
-    Hit Find(int group, float across, float along) const
+    Hit Find(int group, float across) const
     {
         Hit hit;
         float previousEnd = 0;
@@ -56,12 +56,15 @@ struct PlainCloth {
                 hit.offset = Offset(table[group].fCenter[k], across);
                 hit.half = table[group].fHalfWidth[k];
                 hit.t = (across - start) / (end - start);
-                break;
+                return hit;
             }
             previousEnd = end;
         }
-        if (hit.thread == 0)
-            return hit;
+        return hit;
+    }
+
+    void FindAlong(Hit& hit, int group, float along) const
+    {
         const ThreadSpans& own = spans[group][hit.thread - 1];
         const auto& first = own.fSpan[0];
         const auto& last = own.fSpan[own.fCrossings];
@@ -77,9 +80,8 @@ struct PlainCloth {
             hit.along = Offset(center, along);
             const double from = found == 0 ? -(last.fHalfLength * 2.0) : span.fStart;
             hit.alongT = static_cast<float>((along - from) / (hit.alongHalf * 2.0));
-            break;
+            return;
         }
-        return hit;
     }
 
     void Sample(const TVector2& uv)
@@ -90,8 +92,8 @@ struct PlainCloth {
             tile[0] = std::fmod(tile[0], inverseRepeat[0]) * static_cast<float>(p.fRepeatU);
         if (tile[1] != 0)
             tile[1] = std::fmod(tile[1], inverseRepeat[1]) * static_cast<float>(p.fRepeatV);
-        hits[0] = Find(0, tile[0], tile[1]);
-        hits[1] = Find(1, tile[1], tile[0]);
+        hits[0] = Find(0, tile[0]);
+        hits[1] = Find(1, tile[1]);
         if (hits[0].thread == 0 && hits[1].thread == 0) {
             top = -1;
             return;
@@ -99,6 +101,7 @@ struct PlainCloth {
         const bool warpOnTop = hits[1].thread == 0
             || (hits[0].thread != 0 && p.fPattern[hits[1].thread - 1][hits[0].thread - 1]);
         top = warpOnTop ? 0 : 1;
+        FindAlong(hits[top], top, tile[1 - top]);
     }
 
     TMCColorRGBA Color(ShadingIn& in)
