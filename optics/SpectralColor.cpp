@@ -10,10 +10,31 @@ namespace {
 
 double PowerOfE(double exponent) { return std::pow(2.718281828459, exponent); }
 
-double Exponent6500(float lambda) { return 2213.52 / lambda; }
+/// A wavelength in nm, with what doesn't depend on the illuminant.
+struct Wavelength {
+    float fLambda;
+    float fD65;
+    Float3 fMatching;     ///< x, y and z of the observer
+    double fExponent6500; ///< of Planck's curve of 6500 K
+    double fPower6500;
 
-/// What Planck's curves of all temperatures share at a wavelength.
-double PowerOf6500(float lambda) { return PowerOfE(Exponent6500(lambda)); }
+    Wavelength() = default;
+    explicit Wavelength(float lambda)
+        : fLambda(lambda), fExponent6500(2213.52 / lambda), fPower6500(PowerOfE(fExponent6500))
+    {
+        // Past its ends a table goes on with its end entry; NaN gives NaN from entry 0.
+        const double place = std::clamp((lambda - 380.0) * 511.0 / 445.0, 0.0, kSpectralEntries - 1.0);
+        const int32_t below = std::max(CutToInt32(place), 0);
+        const auto index = static_cast<size_t>(below);
+        const size_t next = std::min<size_t>(index + 1, kSpectralEntries - 1);
+        const float fraction = static_cast<float>(place) - static_cast<float>(below);
+        const auto in = [=](const SpectralTable& table) {
+            return table[index] + (table[next] - table[index]) * fraction;
+        };
+        fD65 = in(D65Array);
+        fMatching = {in(XBar), in(YBar), in(ZBar)};
+    }
+};
 
 // The steps of an integration over the spectrum, in nm. The rounding of each is part of the stepping.
 constexpr float kFirstLambda = 380;
@@ -27,44 +48,21 @@ constexpr size_t CountSteps()
     return count;
 }
 
-using StepPowers = std::array<double, CountSteps()>;
+using Steps = std::array<Wavelength, CountSteps()>;
 
-StepPowers ComputePowersOfSteps()
+Steps ComputeSteps()
 {
-    StepPowers powers;
+    Steps steps;
     float lambda = kFirstLambda;
-    for (double& power : powers) {
-        power = PowerOf6500(lambda);
+    for (Wavelength& step : steps) {
+        step = Wavelength(lambda);
         lambda = NextLambda(lambda);
     }
-    return powers;
+    return steps;
 }
 
-/// `PowerOf6500` of each step, computed when the library is loaded: made at its first use it would take a lock.
-const StepPowers kPowersOfSteps = ComputePowersOfSteps();
-
-/// The place of a wavelength in the spectral tables.
-class TablePlace {
-public:
-    explicit TablePlace(float lambda)
-    {
-        // Past its ends a table goes on with its end entry; NaN gives NaN from entry 0.
-        const double place = std::clamp((lambda - 380.0) * 511.0 / 445.0, 0.0, kSpectralEntries - 1.0);
-        const int32_t below = std::max(CutToInt32(place), 0);
-        fIndex = static_cast<size_t>(below);
-        fNext = std::min<size_t>(fIndex + 1, kSpectralEntries - 1);
-        fFraction = static_cast<float>(place) - static_cast<float>(below);
-    }
-    float In(const SpectralTable& table) const
-    {
-        return table[fIndex] + (table[fNext] - table[fIndex]) * fFraction;
-    }
-
-private:
-    size_t fIndex;
-    size_t fNext;
-    float fFraction;
-};
+/// Computed when the library is loaded: made at its first use it would take a lock.
+const Steps kSteps = ComputeSteps();
 
 /// An illuminant together with what depends on its temperature alone.
 class Spectrum {
@@ -73,28 +71,27 @@ public:
         : fIlluminant(illuminant), fExponent(25924.1 / illuminant.fTemperature), fPower(PowerOfE(fExponent))
     { }
 
-    /// @param power6500  PowerOf6500(lambda)
-    float Weight(float lambda, const TablePlace& place, double power6500) const
+    float Weight(const Wavelength& wave) const
     {
-        const float ratio = PlanckRatio(lambda, power6500);
-        return fIlluminant.fCustomIlluminant ? ratio : ratio * place.In(D65Array);
+        const float ratio = PlanckRatio(wave);
+        return fIlluminant.fCustomIlluminant ? ratio : ratio * wave.fD65;
     }
 
-    Float3 XYZ(float lambda, double power6500) const
+    Float3 XYZ(const Wavelength& wave) const
     {
-        const TablePlace place(lambda);
-        const float weight = Weight(lambda, place, power6500);
-        return {place.In(XBar) * weight, place.In(YBar) * weight, place.In(ZBar) * weight};
+        const float weight = Weight(wave);
+        const auto [x, y, z] = wave.fMatching;
+        return {x * weight, y * weight, z * weight};
     }
 
 private:
     /// Planck's curve over that of 6500 K, 1 at 555 nm. 1.43879e7 is the second radiation constant in nm K;
     /// 25924.1 and 2213.52 are that over 555 nm and over 6500 K; 0.0188807 is 1 / (e^(25924.1 / 6500) - 1).
-    float PlanckRatio(float lambda, double power6500) const
+    float PlanckRatio(const Wavelength& wave) const
     {
-        const double upper = 0.0188807 + 0.0188807 * PowerOfE(fExponent + Exponent6500(lambda))
-            - 0.0188807 * power6500 - 0.0188807 * fPower;
-        const float temperatureLambda = fIlluminant.fTemperature * lambda;
+        const double upper = 0.0188807 + 0.0188807 * PowerOfE(fExponent + wave.fExponent6500)
+            - 0.0188807 * wave.fPower6500 - 0.0188807 * fPower;
+        const float temperatureLambda = fIlluminant.fTemperature * wave.fLambda;
         return static_cast<float>(upper / (PowerOfE(1.43879e7 / temperatureLambda) - 1));
     }
 
@@ -132,12 +129,12 @@ float Mix(double weight, float full, float none)
 
 float SpectralWeight(float lambda, const Illuminant& illuminant)
 {
-    return Spectrum(illuminant).Weight(lambda, TablePlace(lambda), PowerOf6500(lambda));
+    return Spectrum(illuminant).Weight(Wavelength(lambda));
 }
 
 Stimulus MonochromaticStimulus(float lambda, const Illuminant& illuminant)
 {
-    const Float3 xyz = Spectrum(illuminant).XYZ(lambda, PowerOf6500(lambda));
+    const Float3 xyz = Spectrum(illuminant).XYZ(Wavelength(lambda));
     return {Chromaticity(xyz), xyz};
 }
 
@@ -145,11 +142,8 @@ ColorSystem SystemWithIlluminant(const ColorSystem& base, const Illuminant& illu
 {
     const Spectrum spectrum(illuminant);
     Float3 sum = {0, 0, 0};
-    float lambda = kFirstLambda;
-    for (const double power6500 : kPowersOfSteps) {
-        sum = sum + spectrum.XYZ(lambda, power6500);
-        lambda = NextLambda(lambda);
-    }
+    for (const Wavelength& step : kSteps)
+        sum = sum + spectrum.XYZ(step);
 
     const auto [x, y, z] = Chromaticity(sum);
     ColorSystem system = base;
