@@ -14,6 +14,7 @@ public:
     float fValue = 0;
     ShadingOut fSurface;
     bool fFullArea = true; ///< what each call leaves in the caller's flag
+    bool fSilent = false;  ///< leaves the value or the colour as it is handed it
     std::function<void(ShadingIn&)>
         fOn; ///< runs first in each shading call, for answers that follow the sample
 
@@ -39,7 +40,8 @@ public:
         ++fValueCalls;
         Note(in);
         Answer(fullArea);
-        value = fValue;
+        if (!fSilent)
+            value = fValue;
         return kFullCoverage;
     }
     float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) override
@@ -47,7 +49,8 @@ public:
         ++fColorCalls;
         Note(in);
         Answer(fullArea);
-        color = fColor;
+        if (!fSilent)
+            color = fColor;
         return kFullCoverage;
     }
 

@@ -9,6 +9,7 @@ struct ColorMixer {
     static constexpr GUID kID
         = {0x2B82DA60, 0xA115, 0x11D7, {0xA9, 0x26, 0x54, 0x55, 0x43, 0x44, 0x52, 0x00}};
     static constexpr float kCurve = 0x1.872208p-4f; // the float sine
+    static constexpr float kOwnAlpha = 0.5f;        // of the caller's colour, below all layers
     static bool Shade(I3DExShader& mixer, ShadingOut& result, bool& fullArea, ShadingIn& in)
     {
         return mixer.ShadeColor(result.fColor, fullArea, in) != 0.0f;
@@ -20,6 +21,7 @@ struct SurfaceMixer {
     static constexpr GUID kID
         = {0x490D324B, 0xB207, 0x4B1D, {0xA2, 0xAF, 0xE8, 0xCA, 0xB3, 0xC9, 0xD1, 0x06}};
     static constexpr float kCurve = 0x1.872216p-4f; // the double sine
+    static constexpr float kOwnAlpha = 0;
     static bool Shade(I3DExShader& mixer, ShadingOut& result, bool&, ShadingIn& in)
     {
         return mixer.ShadeSurface(result, in) != 0;
@@ -112,6 +114,22 @@ TYPED_TEST(RangeMixTest, ShiftsClampsAndRemembersTheShiftedControl)
         shift->fValue = value;
         EXPECT_EQ(this->Taken(control), taken) << control;
     }
+}
+
+TYPED_TEST(RangeMixTest, ASilentShiftIsThatOfNoneAndASilentLayerTheOneBefore)
+{
+    const auto shift = FakeValue(0.5f);
+    this->fRecord.fMixStyle = Code("SHMX");
+    Plug(this->fRecord.fSubShader[1], shift);
+    this->fLayers[5]->fSilent = true;
+    this->fLayers[4]->fColor = {0.25f, 0.5f, 0.75f, 1};
+    this->fMixer.Changed();
+    EXPECT_THAT(this->Shade(0.55f), IsColor(0, 0, 0, TypeParam::kOwnAlpha)); // no layer so far
+    EXPECT_EQ(this->Taken(0.45f), "4");
+    EXPECT_THAT(this->Shade(0.55f), IsColor(0.25f, 0.5f, 0.75f, 1 + TypeParam::kOwnAlpha));
+    shift->fSilent = true; // 0, whatever it was before: 5 percent less
+    EXPECT_EQ(this->Taken(0.36f), "3");
+    EXPECT_EQ(this->Taken(0.34f), "2");
 }
 
 TYPED_TEST(RangeMixTest, TheTenthLayerStandsInOnlyWhereNoEarlierOneTookTheSample)

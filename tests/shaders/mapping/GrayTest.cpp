@@ -104,4 +104,29 @@ TEST_F(GrayTest, FiltersTheSwitchedColoursOfASurface)
     EXPECT_EQ(fIn.fChannelMask, 5u);
 }
 
+TEST_F(GrayTest, WhatASilentShaderLeavesIsOfTheSampleBefore)
+{
+    const auto color = FakeColor({1, 0.5f, 0.25f, 0.75f}, kOutputColor | kOutputSurface);
+    const auto value = FakeValue(2.5f);
+    const auto shade = [&](const MCCountedPtr<FakeShader>& plugged, bool silent) {
+        plugged->fSilent = silent;
+        return Shade(plugged);
+    };
+    EXPECT_THAT(shade(color, true), IsColor(0, 0, 0, 0));
+    EXPECT_THAT(shade(color, false), IsColor(0.6225f, 0.6225f, 0.6225f, 0.75f));
+    EXPECT_THAT(shade(color, true), IsColor(0.6225f, 0.6225f, 0.6225f, 0.75f));
+    EXPECT_THAT(shade(value, true), IsColor(0.6225f, 0.6225f, 0.6225f, 0.125f));
+    EXPECT_THAT(shade(value, false), IsColor(2.5f, 2.5f, 2.5f, 0.125f));
+    EXPECT_THAT(shade(value, true), IsColor(2.5f, 2.5f, 2.5f, 0.125f));
+
+    // The last switched colour of a surface is one too, with the alpha of the first.
+    color->fSurface.fColor = {0, 1, 0, 0.5f};
+    color->fSurface.fSecondColor = {0, 0, 1};
+    fGray.Record().fColorSwitches[0] = fGray.Record().fColorSwitches[2] = true;
+    shade(color, true);
+    ShadingOut result;
+    fGray->ShadeSurface(result, fIn);
+    EXPECT_THAT(Shade(color), IsColor(0.11f, 0.11f, 0.11f, 0.5f));
+}
+
 } // namespace
