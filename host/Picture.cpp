@@ -155,7 +155,8 @@ void Picture::Write(const std::filesystem::path& path, const std::string& format
             layout.channelnames.push_back(name);
         }
     layout.attribute("oiio:UnassociatedAlpha", 1);
-    layout.attribute("DateTime", "1970:01:01 00:00:00"); // the present one would make equal pictures unequal files
+    // The present time would make equal pictures unequal files.
+    layout.attribute("DateTime", "1970:01:01 00:00:00");
     if (!isFloat && fContent == PictureContent::kColor)
         layout.attribute("oiio:ColorSpace", "sRGB");
     const bool written = output->open(path.string(), layout)

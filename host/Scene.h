@@ -120,11 +120,10 @@ public:
     const std::string& CameraName() const { return fCameraName; }
     SceneElement& Root() const { return *fElements.front(); }
     SceneElement& ShadedObject() const { return *fElements.back(); } ///< where there is one
-    const std::vector<std::unique_ptr<SceneElement>>& Elements() const
-    {
-        return fElements;
-    } ///< in tree order
-    const std::vector<SceneElement*>& Shapes() const { return fShapes; } ///< those with a shape, in tree order
+    /// In tree order.
+    const std::vector<std::unique_ptr<SceneElement>>& Elements() const { return fElements; }
+    /// Those with a shape, in tree order.
+    const std::vector<SceneElement*>& Shapes() const { return fShapes; }
 
 private:
     class RootGroup;

@@ -150,8 +150,8 @@ TMCColorRGB Gray::Shifted(float red, float green, float blue) const
     const float high = 0.5 >= lightness ? lightness * (1.0f + saturation)
                                         : lightness + saturation - lightness * saturation;
     const float low = 2.0f * lightness - high;
-    return {HueChannel(low, high, hue + 120.0f), HueChannel(low, high, hue),
-        HueChannel(low, high, hue - 120.0f)};
+    return {
+        HueChannel(low, high, hue + 120.0f), HueChannel(low, high, hue), HueChannel(low, high, hue - 120.0f)};
 }
 
 /// Each primary's shift holds within 60 degrees of its hue and fades over the next 60; `kNoHue` gets none.

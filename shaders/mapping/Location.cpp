@@ -8,8 +8,9 @@ namespace {
 /// @param disturbance  moves `x`, in percent of the ramp's width
 float RampValue(float first, float second, float x, bool falling, float disturbance)
 {
-    const float moved = std::fabs(first - second) * disturbance; // NaN where an endless ramp isn't disturbed
-    if (moved != 0) // no division where nothing disturbs
+    // Undisturbed, an endless ramp has NaN here, which moves its samples to nowhere; others need no division.
+    const float moved = std::fabs(first - second) * disturbance;
+    if (moved != 0)
         x = static_cast<float>(x + moved / 100.0);
     const float lower = falling ? first : second;
     const float upper = falling ? second : first;
