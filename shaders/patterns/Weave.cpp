@@ -248,11 +248,11 @@ float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
     bool fullArea = false;
     FindTileUV(fullArea, in);
     FindThreads();
-    if (fAcross[kWarp].fThread == 0 && fAcross[kWeft].fThread == 0) {
+    ChooseTop();
+    if (fTopThread == 0) {
         vector = in.fNormalLocal; // kept: threads bend the global normal, a gap answers the local one
         return kFullCoverage;
     }
-    ChooseTop();
     if (!fParams.fRoundAcross && !fParams.fRoundAlong)
         return kFullCoverage;
 
