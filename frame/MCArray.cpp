@@ -15,6 +15,8 @@ MCArrayBase::MCArrayBase(uint32_t elemSize, void* memory, uint32_t count)
     fCapacity = count;
     fElemCount = count;
     CheckValid();
+    if (memory == nullptr)
+        fCapacity = fElemCount = 0;
 }
 
 MCArrayBase::~MCArrayBase()

@@ -28,7 +28,7 @@ protected:
     using Mover = void (*)(void* to, void* from, uint32_t count);
 
     MCArrayBase(uint32_t elemSize, uint32_t flags);
-    /// An array over outside memory of `count` elements.
+    /// An array over outside memory of `count` elements; over null it has none, after a report.
     MCArrayBase(uint32_t elemSize, void* memory, uint32_t count);
     ~MCArrayBase();
 
@@ -57,7 +57,7 @@ public:
         Resize(count, "Array allocation failed in constructor!");
     }
     MCClassArray(T* memory, uint32_t count) : MCArrayBase(sizeof(T), memory, count) { }
-    MCClassArray(const MCClassArray& other) : MCClassArray() { *this = other; }
+    MCClassArray(const MCClassArray& other) : MCClassArray(0u, other.fFlags & kClearNew) { *this = other; }
     ~MCClassArray()
     {
         if ((fFlags & kExternalMemory) == 0)
@@ -140,9 +140,7 @@ private:
 
     bool Resize(uint32_t count, const char* failure)
     {
-        if (count == fElemCount)
-            return true;
-        if (!Reserve(count, &Move, failure))
+        if (count != fElemCount && !Reserve(count, &Move, failure))
             return false;
         if (count < fElemCount)
             Destroy(count, fElemCount);

@@ -100,7 +100,11 @@ TEST_F(UnitTypesTest, AnArrayStaysAsItWasWhenMemoryIsRefused)
     fServices.Memory().RefuseAfter(-1);
     EXPECT_TRUE(array.SetElemCount(3));
     EXPECT_EQ(array[1], 5);
-    EXPECT_EQ(array[2], 0);                       // cleared, as the array was made to
+    EXPECT_EQ(array[2], 0); // cleared, as the array was made to
+    MCArray<int32_t> copy(array);
+    EXPECT_TRUE(copy.SetElemCount(4));
+    EXPECT_EQ(copy[3], 0); // and its copy too
+
     EXPECT_FALSE(array.SetElemCount(0x60000000)); // 6 GiB
     EXPECT_THAT(TakeReports(), ElementsAre("size <= UINT32_MAX", "Array allocation failed!"));
 }
@@ -116,7 +120,8 @@ TEST_F(UnitTypesTest, AnArrayOverOutsideMemoryIsNeitherResizedNorFreed)
         EXPECT_THAT(TakeReports(), AllOf(SizeIs(2), Each("Can't resize array with external memory")));
     }
     EXPECT_THAT(memory, ElementsAre(1, 2, 3));
-    EXPECT_FALSE(MCArray<int32_t>(static_cast<int32_t*>(nullptr), 3).IsValid());
+    const MCArray<int32_t> none(static_cast<int32_t*>(nullptr), 3);
+    EXPECT_EQ(MCArray<int32_t>(none).GetElemCount(), 0u);
     EXPECT_THAT(TakeReports(), ElementsAre("IsValid()"));
 }
 
@@ -171,7 +176,14 @@ TEST_F(UnitTypesTest, AStringKeepsWhatFits)
     base.Truncate(2);
     EXPECT_STREQ(base.GetText(), "ab");
 
-    constexpr size_t kTable = sizeof(void*); // random numbers and characters, and no closing zero
+    constexpr size_t kTable = sizeof(void*);
+    const TMCString255 head("abc");
+    uint32_t counts[3];
+    std::memcpy(counts, reinterpret_cast<const char*>(&head) + kTable, sizeof counts);
+    EXPECT_THAT(counts, ElementsAre(3u, 3u, 255u));
+    EXPECT_STREQ(reinterpret_cast<const char*>(&head) + kTable + sizeof counts, "abc");
+
+    // Random numbers and characters, and no closing zero.
     std::memset(reinterpret_cast<char*>(&name) + kTable, 'w', sizeof name - kTable);
     EXPECT_EQ(name.GetLength(), 255u);
     const TMCString255 copy(name);
