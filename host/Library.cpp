@@ -3,6 +3,24 @@
 
 namespace fernwick {
 
+namespace {
+
+/// Keeps reports from whoever listens, for as long as it lives.
+class Silence {
+public:
+    explicit Silence(DebugService& debug) : fDebug(debug), fListener(std::exchange(debug.fListener, nullptr))
+    { }
+    ~Silence() { fDebug.fListener = std::move(fListener); }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+private:
+    DebugService& fDebug;
+    std::function<void(const Report&)> fListener;
+};
+
+} // namespace
+
 void Library::Closer::operator()(void* handle) const { CloseModule(handle); }
 
 Library::Library(const std::filesystem::path& path, MCCountedPtr<Utilities> utilities)
@@ -43,10 +61,9 @@ const Library& Library::Unrouted() const
 {
     if (!fUnrouted) {
         // It misses the same services as the library did, which is no news to whoever listens by now.
-        auto listener = std::exchange(fUtilities->Debug().fListener, nullptr);
+        const Silence silence(fUtilities->Debug());
         fUnrouted = std::make_unique<Library>(
             (fPath.parent_path() / "Fernwick_unrouted").replace_extension(fPath.extension()), fUtilities);
-        fUtilities->Debug().fListener = std::move(listener);
     }
     return *fUnrouted;
 }
