@@ -8,18 +8,22 @@ namespace {
 /// @param disturbance  moves `x`, in percent of the ramp's width
 float RampValue(float first, float second, float x, bool falling, float disturbance)
 {
-    // Undisturbed, an endless ramp has NaN here, which moves its samples to nowhere; others need no division.
+    // 0 unless disturbed; NaN (infinity times 0) for an endless ramp, whose samples then get 1.
     const float moved = std::fabs(first - second) * disturbance;
     if (moved != 0)
         x = static_cast<float>(x + moved / 100.0);
-    const float lower = falling ? first : second;
-    const float upper = falling ? second : first;
-    if (upper > x && x > lower) {
-        const float way = (x - lower) / (upper - lower);
-        return falling ? 1.0f - way : way;
+    if (falling) {
+        if (first >= x)
+            return 1.0f;
+        if (x >= second)
+            return 0.0f;
+        return second > x ? 1.0f - (x - first) / (second - first) : 1.0f;
     }
-    const bool isZero = falling ? x >= second && !(first >= x) : second >= x && !(x >= first);
-    return isZero ? 0.0f : 1.0f;
+    if (x >= first)
+        return 1.0f;
+    if (second >= x)
+        return 0.0f;
+    return first > x ? (x - second) / (first - second) : 1.0f;
 }
 
 } // namespace
@@ -53,11 +57,13 @@ MCErr Location::ExtensionDataChanged()
 
 float Location::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
 {
+    value = 1;
     fullArea = false;
-    const float disturbance = fParams.fUseSubShader ? Disturb(fullArea, in) : 0;
+    fDisturbance = fParams.fUseSubShader ? Disturb(fullArea, in) : 0;
 
     const TVector3& point = fParams.fSpace == Code("GLBL") ? in.fPointGlobal : in.fPointLocal;
     const bool takeSmallest = fParams.fCombine == Code("ORMD");
+    const float disturbance = fDisturbance;
     float mask = 1;
     for (uint32_t i = 0; i < 3; ++i) {
         const LocationRamp& ramp = fRamps[i];

@@ -17,8 +17,8 @@ static_assert(sizeof(LocationAxis) == 16);
 /// Parameters of Location, as the host writes and saves them.
 struct LocationParams {
     LocationAxis fAxes[3]; ///< X, Y and Z
-    int32_t fCombine
-        = Code("ORMD"); ///< "ORMD": the smallest ramp; any other: the last axis, or 1 once an axis reaches it
+    /// "ORMD": the smallest ramp. Any other: the last axis, or 1 once one reaches it.
+    int32_t fCombine = Code("ORMD");
     int32_t fSpace = Code("GLBL"); ///< "GLBL": world coordinates; any other: the object's
     TMCBool fUseSubShader = false; ///< the sub-shader disturbs the ramps
     int32_t fDisturbPercent = 0;   ///< how far, in percent of a ramp's width
@@ -53,7 +53,8 @@ private:
     ConnectedShader fShader;
     LocationRamp fRamps[3];
     uint32_t fShaderKinds = 0;
-    float fLastDisturbance = 0; ///< percent of a ramp's width
+    float fDisturbance = 0; ///< percent of a ramp's width
+    float fLastDisturbance = 0;
 
     /// @return percent of a ramp's width
     float Disturb(bool& fullArea, ShadingIn& in);
