@@ -75,7 +75,8 @@ float Gray::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     if (!fShader || (fShaderKinds & kOutputColor) == 0)
         return kFullCoverage;
     fShader->ShadeColor(fScratchColor, fullArea, in);
-    const TMCColorRGB shifted = Shifted(fScratchColor.fRed, fScratchColor.fGreen, fScratchColor.fBlue);
+    const TMCColorRGB shifted
+        = ShiftSaturation(fScratchColor.fRed, fScratchColor.fGreen, fScratchColor.fBlue);
     color = {shifted.fRed, shifted.fGreen, shifted.fBlue, fScratchColor.fAlpha};
     return kFullCoverage;
 }
@@ -87,7 +88,7 @@ int32_t Gray::ShadeSurface(ShadingOut& result, ShadingIn& in)
     fShader->ShadeSurface(result, in);
     in.fChannelMask = kAllChannels;
 
-    TMCColorRGBA scratch = fScratchColor; // a local: members would be written for each channel
+    TMCColorRGBA scratch = fScratchColor;
     if (fSwitches[0])
         FilterChannel(result.fColor, scratch);
     if (fSwitches[1])
@@ -96,7 +97,7 @@ int32_t Gray::ShadeSurface(ShadingOut& result, ShadingIn& in)
         FilterChannel(result.fSecondColor, scratch);
     if (fSwitches[3])
         FilterChannel(result.fFourthColor, scratch);
-    fScratchColor = scratch;
+    fScratchColor = scratch; // a sub-shader that leaves its colour finds the last switched one here
     return 1;
 }
 
@@ -111,14 +112,14 @@ template <class Color> void Gray::FilterChannel(Color& channel, TMCColorRGBA& sc
         channel.fBlue = luminance;
         return;
     }
-    const TMCColorRGB shifted = Shifted(channel.fRed, channel.fGreen, channel.fBlue);
+    const TMCColorRGB shifted = ShiftSaturation(channel.fRed, channel.fGreen, channel.fBlue);
     channel.fRed = shifted.fRed;
     channel.fGreen = shifted.fGreen;
     channel.fBlue = shifted.fBlue;
 }
 
 /// To hue, lightness and saturation, and back with the shifted saturation.
-TMCColorRGB Gray::Shifted(float red, float green, float blue) const
+TMCColorRGB Gray::ShiftSaturation(float red, float green, float blue) const
 {
     if (std::isnan(green))
         return {red, green, blue};

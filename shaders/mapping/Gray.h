@@ -43,6 +43,6 @@ private:
     TMCColorRGBA fFallbackColor = {0, 0, 0, 0};
 
     template <class Color> void FilterChannel(Color& channel, TMCColorRGBA& scratch) const;
-    TMCColorRGB Shifted(float red, float green, float blue) const;
+    TMCColorRGB ShiftSaturation(float red, float green, float blue) const;
     float WithHueShift(float saturation, float hue) const;
 };
