@@ -35,7 +35,7 @@ ITreeElement* TreeWalker::Next()
 void TreeWalker::GoTo(const MCCountedPtr<ITreeElement>& tree, int levels)
 {
     fHeld = tree;
-    fDepth = static_cast<int16_t>(fDepth + levels);
+    fDepth += levels;
     fCurrent = tree.Get();
 }
 

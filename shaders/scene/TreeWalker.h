@@ -17,8 +17,8 @@ public:
     /// The next element, valid up to the call after; null when the walk has ended.
     ITreeElement* Next();
 
-    int32_t VisitedCount() const { return fVisitedCount; } ///< elements given out so far
-    int16_t Depth() const { return fDepth; }               ///< levels below the root
+    int32_t VisitedCount() const { return fVisitedCount; }         ///< elements given out so far
+    int16_t Depth() const { return static_cast<int16_t>(fDepth); } ///< levels below the root
 
 private:
     ITreeElement* fCurrent = nullptr; // not counted; null when the walk has ended
@@ -27,7 +27,7 @@ private:
     bool fDescend = true; // into the root's children
     [[maybe_unused]] bool fSecondFlag = false;
     int32_t fVisitedCount = 0;
-    int16_t fDepth = 0;
+    int32_t fDepth = 0;               // wide enough for any scene: the climb stops by it
     MCCountedPtr<ITreeElement> fHeld; // the current one, for hosts that make elements as they are asked for
 
     void GoTo(const MCCountedPtr<ITreeElement>& tree, int levels);

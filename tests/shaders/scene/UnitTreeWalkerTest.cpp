@@ -36,4 +36,14 @@ TEST(TreeWalkerTest, GoesThroughTheRootAndItsDescendantsInOrder)
     EXPECT_EQ(Walk(&a), "a0 b1 c2 ");
 }
 
+TEST(TreeWalkerTest, FindsItsWayBackFromAnyDepth)
+{
+    FakeScene scene;
+    FakeElement* deepest = nullptr;
+    for (int level = 0; level < 33000; ++level)
+        deepest = &scene.Add("a", deepest);
+    scene.Add("last");
+    EXPECT_TRUE(Walk(scene.fRoot).ends_with(" last1 "));
+}
+
 } // namespace
