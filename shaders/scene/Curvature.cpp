@@ -1,5 +1,4 @@
 #include "shaders/scene/Curvature.h"
-#include "frame/Query.h"
 #include "shaders/scene/SurfaceCurvature.h"
 
 namespace {
@@ -72,8 +71,10 @@ float Curvature::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     if (!target)
         return kFullCoverage;
 
+    void* face = nullptr;
+    target->QueryInterface(IID_IInstance, &face); // kept: what is stored counts, whatever the status
     MCCountedPtr<IInstance> instance;
-    Query(*target, IID_IInstance, instance);
+    *instance.Address() = static_cast<IInstance*>(face);
     AskForPlace(*target);
     RayHitRecord hit(kHitKind);
     const bool isHit = CastAt(instance.Get(), in, hit);
@@ -88,11 +89,12 @@ float Curvature::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
         return kFullCoverage;
     }
 
+    // Kept: the bands are worked out and never shown. The curvature takes their place.
     WeighBands(fParams.fBands, fParams.fSharedWidth, fParams.fClampTop, fRunningAngle, fBandWeights);
     const TMCColorRGB bands = SumBands(fParams.fBands, fBandWeights);
     color.SetRGB(bands.fRed, bands.fGreen, bands.fBlue);
 
-    color.SetRGB(0); // the curvature takes the place of the bands' colour
+    color.SetRGB(0);
     if (!isHit)
         color.fGreen = 1;
     else if (gaussian >= 0)

@@ -33,15 +33,19 @@ public:
     float fBrightness = 1;
 
     bool fIsInstance = false;
+    MCErr fInstanceStatus = MC_S_OK; ///< told beside the instance
     std::function<bool(RayHitParams&)> fOnRay;
 
     MCErr QueryInterface(const GUID& id, void** out) override
     {
         *out = nullptr;
+        if (SameGuid(id, IID_IInstance) && fIsInstance) {
+            *out = Noted("IInstance", static_cast<IInstance*>(this));
+            AddRef();
+            return fInstanceStatus;
+        }
         if (SameGuid(id, IID_ILight) && fIsLight)
             *out = Noted("ILight", static_cast<ILight*>(this));
-        else if (SameGuid(id, IID_IInstance) && fIsInstance)
-            *out = Noted("IInstance", static_cast<IInstance*>(this));
         else if (SameGuid(id, IID_ITreeElement) && fIsElement)
             *out = Noted("ITreeElement", static_cast<ITreeElement*>(this));
         else if (SameGuid(id, IID_IMCUnknown))

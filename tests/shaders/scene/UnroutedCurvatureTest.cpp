@@ -104,6 +104,8 @@ TEST_F(CurvatureTest, FinishesAHitBeforeItIsMeasured)
         record->fShapeMatrix[0][0] = record->fShapeMatrix[1][1] = 0.5f;
     };
     EXPECT_EQ(Color().fRed, 0.25f);
+    fSurface.fInstanceStatus = 1; // not looked at
+    EXPECT_EQ(Color().fRed, 0.25f);
 }
 
 TEST_F(CurvatureTest, WithoutASurfaceTheColourStaysAndNothingOfAnEarlierSampleStandsIn)
