@@ -16,8 +16,6 @@ namespace {
 constexpr int kLives = 1000;
 
 constexpr GUID kUnknownID = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
-/// Set aside for the pack, and used by no class.
-constexpr GUID kUnusedID = {0xF7055AEE, 0x6CEB, 0x4DDA, {0x91, 0x69, 0x04, 0x43, 0x2B, 0x16, 0xF2, 0x25}};
 
 /// What the library still holds of a host that it has been cleaned up with, or has released too often; empty for
 /// nothing.
@@ -130,7 +128,7 @@ void CheckWithheldServices(Inspection& inspection)
 void CheckRefusals(Inspection& inspection)
 {
     const Subject subject(inspection.fJob.library);
-    std::vector<GUID> unknown = {GUID{}, kUnknownID, kUnusedID, IID_IMCUnknown, IID_I3DExShader};
+    std::vector<GUID> unknown = {GUID{}, kUnknownID, kUnusedClassID, IID_IMCUnknown, IID_I3DExShader};
     for (const ParameterTable& table : AllClasses())
         for (const GUID& classID : table.fClassIDs)
             for (size_t byte = 0; byte < sizeof(GUID); ++byte) { // near misses of every class

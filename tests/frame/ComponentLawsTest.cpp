@@ -223,8 +223,7 @@ class FactoryTest : public ShaderTest { };
 
 TEST_F(FactoryTest, TakesAnyIdentifierAndMakesNothingOfAnUnknownOne)
 {
-    constexpr GUID kUnusedID = {0xF7055AEE, 0x6CEB, 0x4DDA, {0x91, 0x69, 0x04, 0x43, 0x2B, 0x16, 0xF2, 0x25}};
-    for (const GUID& id : {GUID{}, kUnknownID, kUnusedID}) {
+    for (const GUID& id : {GUID{}, kUnknownID, kUnusedClassID}) {
         const auto factory = TestedLibrary().Factory(id);
         ASSERT_TRUE(factory);
         void* out = this;
