@@ -7,12 +7,6 @@ void DebugReport(const char* file, int32_t line, const char* message)
         gDebugUtilities->Report(file, line, message);
 }
 
-void DebugReport(const char* file, int32_t line, const char* message, float number)
-{
-    if (gDebugUtilities != nullptr)
-        gDebugUtilities->ReportFloat(file, line, message, number);
-}
-
 void DebugReportWide(const char* file, int32_t line, const char16_t* message)
 {
     if (gDebugUtilities != nullptr)

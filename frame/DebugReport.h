@@ -6,9 +6,6 @@
 /// @param file  source file, may be null
 void DebugReport(const char* file, int32_t line, const char* message);
 
-/// The same with a number that belongs to the message.
-void DebugReport(const char* file, int32_t line, const char* message, float number);
-
 /// The wide-character report that the service forwarders raise with the name of a missing service.
 void DebugReportWide(const char* file, int32_t line, const char16_t* message);
 

@@ -1,15 +1,7 @@
 #include "frame/ExceptionTranslators.h"
 
-namespace {
+// This platform has no translator to install.
 
-using Translator = void (*)();
+void InstallExceptionTranslators() { }
 
-/// This platform has no translator of its own, so the one in force is always null.
-Translator gTranslatorInForce = nullptr;
-Translator gSavedTranslator = nullptr;
-
-} // namespace
-
-void InstallExceptionTranslators() { gSavedTranslator = gTranslatorInForce; }
-
-void RestoreExceptionTranslator() { gTranslatorInForce = gSavedTranslator; }
+void RestoreExceptionTranslator() { }
