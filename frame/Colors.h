@@ -1,6 +1,7 @@
 #pragma once
 #include "frame/DebugReport.h"
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 /// Red, green and blue in float, not clamped. The default constructor leaves the channels unset.
@@ -29,10 +30,11 @@ struct TMCColorRGB {
 };
 inline constexpr TMCColorRGB TMCColorRGB::kBlack{0, 0, 0};
 inline constexpr TMCColorRGB TMCColorRGB::kWhite{1, 1, 1};
-static_assert(sizeof(TMCColorRGB) == 12);
+static_assert(offsetof(TMCColorRGB, fRed) == 0 && offsetof(TMCColorRGB, fGreen) == 4);
+static_assert(offsetof(TMCColorRGB, fBlue) == 8 && sizeof(TMCColorRGB) == 12);
 
-/// Red, green, blue and alpha in float, not clamped. The default constructor leaves the channels unset. Shading writes
-/// a colour in whole where it can: who reads all sixteen bytes at once waits for separate writes just before.
+/// Red, green, blue and alpha in float, not clamped. The default constructor leaves the channels unset. Shading assigns
+/// all four at once where it can: a load of sixteen bytes right behind four stores of four stalls.
 struct TMCColorRGBA {
     static const TMCColorRGBA kOpaqueBlack;
 
@@ -100,6 +102,8 @@ private:
 inline constexpr TMCColorRGBA TMCColorRGBA::kOpaqueBlack{0, 0, 0, 1};
 inline constexpr TMCColorRGBA::Channel TMCColorRGBA::kChannels[4]
     = {&TMCColorRGBA::fRed, &TMCColorRGBA::fGreen, &TMCColorRGBA::fBlue, &TMCColorRGBA::fAlpha};
+static_assert(offsetof(TMCColorRGBA, fRed) == 0 && offsetof(TMCColorRGBA, fGreen) == 4);
+static_assert(offsetof(TMCColorRGBA, fBlue) == 8 && offsetof(TMCColorRGBA, fAlpha) == 12);
 static_assert(sizeof(TMCColorRGBA) == 16);
 
 /// 0.3 red + 0.59 green + 0.11 blue, summed in double.

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 
 /// Extra data that an exception can carry.
@@ -29,3 +30,5 @@ public:
     int32_t fLine;
     mutable TMCExceptionData* fData; ///< mutable because a throw copies from a const source
 };
+static_assert(offsetof(TMCException, fErrorCode) == 0 && offsetof(TMCException, fFile) == 8);
+static_assert(offsetof(TMCException, fLine) == 16 && offsetof(TMCException, fData) == 24);
