@@ -91,7 +91,7 @@ struct PlainFresnel {
 
     PlainFresnel()
     {
-        RefreshOptics({1, 0, 1, 0}, {1.51673f, 1e-5f, 1, 0.017f}, 589.3f, kReflectanceMode, tables);
+        DeriveOptics({1, 0, 1, 0}, {1.51673f, 1e-5f, 1, 0.017f}, 589.3f, kReflectanceMode, tables);
     }
     TVector3 CameraPosition(const ShadingIn& in) const
     {

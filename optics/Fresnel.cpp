@@ -173,8 +173,7 @@ void Fresnel::RefreshOptics()
     const OpticalMedium medium1 = {fParams.fIndex1Re, fParams.fIndex1Im, fParams.fPermeability1, 0};
     const OpticalMedium medium2
         = {fParams.fIndex2Re, fParams.fIndex2Im, fParams.fPermeability2, fParams.fDispersion};
-    const RefreshedOptics found
-        = ::RefreshOptics(medium1, medium2, fParams.fWavelength, fParams.fMode, fTables);
+    const DerivedOptics found = DeriveOptics(medium1, medium2, fParams.fWavelength, fParams.fMode, fTables);
     fParams.fIndex2ReAtWavelength = found.fIndex2ReAtWavelength;
     fParams.fIndex2ImAtWavelength = found.fIndex2ImAtWavelength;
     fParams.fPreset1 = found.fPreset1;

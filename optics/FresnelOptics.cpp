@@ -132,10 +132,10 @@ float DispersedIndex(float wavelength, float index, float dispersion)
     return static_cast<float>(-188.246 * d * n + 124.113 * d * n * s + 188.246 * d - 124.113 * d * s + n);
 }
 
-RefreshedOptics RefreshOptics(const OpticalMedium& medium1, const OpticalMedium& medium2, float wavelength,
+DerivedOptics DeriveOptics(const OpticalMedium& medium1, const OpticalMedium& medium2, float wavelength,
     uint32_t mode, AngleTables& tables)
 {
-    RefreshedOptics refreshed;
+    DerivedOptics refreshed;
     refreshed.fIndex2ReAtWavelength = DispersedIndex(wavelength, medium2.fIndexRe, medium2.fDispersion);
     // The wavelength is mirrored about the reference, so the imaginary part moves the other way.
     const float mirrored = static_cast<float>(1178.6 - wavelength);

@@ -45,8 +45,8 @@ struct AngleTables {
     float fTransmittanceS[kEntries] = {};
 };
 
-/// What RefreshOptics finds out about two media besides the tables.
-struct RefreshedOptics {
+/// What DeriveOptics finds out about two media besides the tables.
+struct DerivedOptics {
     float fIndex2ReAtWavelength;
     float fIndex2ImAtWavelength;
     int32_t fPreset1; ///< row of kOpticalPresets like medium 1, its dispersion aside, or kNoPreset
@@ -54,7 +54,7 @@ struct RefreshedOptics {
 };
 
 /// Disperses medium 2 to `wavelength` (nm) and fills the two tables of `mode`; the others stay as they are.
-RefreshedOptics RefreshOptics(const OpticalMedium& medium1, const OpticalMedium& medium2, float wavelength,
+DerivedOptics DeriveOptics(const OpticalMedium& medium1, const OpticalMedium& medium2, float wavelength,
     uint32_t mode, AngleTables& tables);
 
 /// Share at an angle in radians, between table entries along a straight line. `polarization` is the per cent

@@ -117,29 +117,29 @@ TEST(DispersedIndex, FollowsTheGlassCurve)
     EXPECT_NEAR(DispersedIndex(430, 2, 0.04f) - 2, 2 * (DispersedIndex(430, 1.5f, 0.04f) - 1.5f), 1e-5);
 }
 
-TEST(RefreshOptics, FindsTheFirstPresetWithinItsTolerance)
+TEST(DeriveOptics, FindsTheFirstPresetWithinItsTolerance)
 {
     AngleTables tables;
     for (int32_t row = 0; row < kNoPreset; ++row) {
         const OpticalMedium& medium = kOpticalPresets[row];
-        const auto found = RefreshOptics(medium, medium, 589.3f, 0, tables);
+        const auto found = DeriveOptics(medium, medium, 589.3f, 0, tables);
         // 29 and 30 lie within 0.01 of row 0; 28 lies within it of row 14 but for its dispersion.
         EXPECT_EQ(found.fPreset2, row >= 29 ? 0 : row);
         EXPECT_EQ(found.fPreset1, row >= 29 ? 0 : row == 28 ? 14 : row);
     }
-    const auto found = RefreshOptics({1.02f, 0, 1, 0}, {1.00027f, 0, 1, 0.1f}, 589.3f, 0, tables);
+    const auto found = DeriveOptics({1.02f, 0, 1, 0}, {1.00027f, 0, 1, 0.1f}, 589.3f, 0, tables);
     EXPECT_EQ(found.fPreset1, kNoPreset);
     EXPECT_EQ(found.fPreset2, kNoPreset);
 }
 
-TEST(RefreshOptics, FillsTheTablesOfItsModeAlone)
+TEST(DeriveOptics, FillsTheTablesOfItsModeAlone)
 {
     AngleTables tables;
-    RefreshOptics(kAir, kGlass, 450, 0, tables);
+    DeriveOptics(kAir, kGlass, 450, 0, tables);
     EXPECT_EQ(tables.fReflectanceS[0], 0);
-    const auto found = RefreshOptics(kAir, kGlass, 450, kReflectanceMode, tables);
+    const auto found = DeriveOptics(kAir, kGlass, 450, kReflectanceMode, tables);
     EXPECT_EQ(tables.fTransmittanceS[0], 0);
-    RefreshOptics(kAir, {1.3f, 0, 1, 0}, 450, kTransmittanceMode, tables);
+    DeriveOptics(kAir, {1.3f, 0, 1, 0}, 450, kTransmittanceMode, tables);
     EXPECT_NEAR(tables.fTransmittanceP[0], 0.98299, 1e-4);
 
     EXPECT_GT(found.fIndex2ReAtWavelength, 1.52f);
@@ -152,7 +152,7 @@ TEST(RefreshOptics, FillsTheTablesOfItsModeAlone)
         EXPECT_EQ(tables.fReflectanceS[i], shares.fS);
         EXPECT_EQ(tables.fReflectanceP[i], shares.fP);
     }
-    RefreshOptics(kAir, {0, 0, 1, 1}, 450, kReflectanceMode, tables); // an index of 0 must not crash
+    DeriveOptics(kAir, {0, 0, 1, 1}, 450, kReflectanceMode, tables); // an index of 0 must not crash
 }
 
 class FresnelLookupTest : public testing::Test {
