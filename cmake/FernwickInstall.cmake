@@ -11,7 +11,8 @@ install(TARGETS fernwick_types ARCHIVE DESTINATION lib)
 install(DIRECTORY frame optics shaders DESTINATION ${include}
     FILES_MATCHING PATTERN *.h
     PATTERN ClassRoutes.h EXCLUDE
-    PATTERN ExceptionTranslators.h EXCLUDE)
+    PATTERN ExceptionTranslators.h EXCLUDE
+    PATTERN UnroutedClassIDs.h EXCLUDE)
 
 set(module Fernwick_shaders${CMAKE_SHARED_MODULE_SUFFIX})
 set(types ${CMAKE_STATIC_LIBRARY_PREFIX}fernwick_types${CMAKE_STATIC_LIBRARY_SUFFIX})
@@ -26,7 +27,7 @@ install(FILES ${PROJECT_BINARY_DIR}/fernwick_shaders.pc DESTINATION lib/pkgconfi
 
 # What people read.
 install(FILES README.md DESTINATION ${documents} OPTIONAL)
-install(DIRECTORY docs/ DESTINATION ${documents}/docs 
+install(DIRECTORY docs/ DESTINATION ${documents}/docs
     FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN *.schema.json)
 install(DIRECTORY examples DESTINATION ${documents} PATTERN CMakeLists.txt EXCLUDE)
 install(FILES docs/graph.schema.json DESTINATION share/fernwick)

@@ -4,7 +4,7 @@ set(CPACK_PACKAGE_CONTACT "Fernwick_shaders engineers")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGE_DESCRIPTION
     "A loadable library of shaders for colour keys, masks, optics, scene probes, layers and patterns, the headers for \
-hosts that load it, and the fernwick command, which lists, describes and bakes.")
+hosts that load it, and the fernwick command, which describes, bakes, renders and validates.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_GENERATOR DEB)

@@ -26,9 +26,11 @@ MC_EXPORT MCErr MCDllInit(IMCUnknown* utilities);
 /// @return 0
 MC_EXPORT MCErr MCDllCleanUp();
 
+/// Switches the exception translators on. The one in force until then is kept: called twice in turn, the pack's own.
 /// @return 0
 MC_EXPORT MCErr MCDllInitExceptionTranslator();
 
+/// Puts back the translator that was kept; the other handlers stay.
 /// @return 0
 MC_EXPORT MCErr MCDllCleanUpExceptionTranslator();
 

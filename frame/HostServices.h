@@ -38,7 +38,7 @@ class IShellUtilities : public IMCUnknown { };
 class IShSafeUtilities : public IMCUnknown {
 public:
     virtual void GetHostRecord(uint32_t& record) = 0; ///< the four bytes by which the host tells its release
-    virtual int32_t QueryHost(uint32_t question) = 0; ///< for the layers above the shaders; not called here
+    virtual int32_t QueryHost(uint32_t question) = 0; ///< not called by the pack
 };
 
 extern IShellUtilities* gShellUtilities;

@@ -78,7 +78,7 @@ private:
         return IsMarked(reinterpret_cast<uintptr_t>(object)) || IsMarked(FirstWord(object));
     }
 
-    // Out of line, so that every use of a pointer costs two comparisons and no more.
+    // Out of line and cold: what is left of the checks where a pointer is used are three comparisons.
     [[gnu::cold, gnu::noinline]] static void ReportNull() { MC_REPORT("Bad Pointer"); }
     [[gnu::cold, gnu::noinline]] static void ReportDeceased(const T* object)
     {

@@ -108,7 +108,7 @@ static_assert(offsetof(ShadingOut, fSingleBlock) == 136 && offsetof(ShadingOut, 
 static_assert(offsetof(ShadingOut, fFourthColor) == 212 && offsetof(ShadingOut, fFullArea) == 224);
 static_assert(offsetof(ShadingOut, fShadingNormal) == 228 && sizeof(ShadingOut) == 240);
 
-// In the header, so that what a shader overwrites at once is not set first.
+// Inline, so that the compiler can drop defaults that are overwritten at once.
 
 inline void ShadingTripleBlock::Clear()
 {

@@ -84,7 +84,7 @@ public:
     void Withhold(int32_t number) { fWithheld[static_cast<size_t>(number - 1)] = true; }
     void WithholdAll() { fWithheld.fill(true); }
 
-    /// The services asked for so far, by number, 0 for an unknown one.
+    /// The services asked for so far, by number; other identifiers aren't noted.
     const std::vector<int32_t>& Asked() const { return fAsked; }
 
     MemoryService& Memory() { return *fMemory; }

@@ -52,7 +52,7 @@ inline void ShadeLayer(const ConnectedShader& shader, uint32_t kinds, ShadingOut
 }
 
 /// Reads the level of a pass: as `ReadNumber` does from a colour or a value, else the luminance of a surface's
-/// colour. The channel mask of `in` stays as it is.
+/// colour. No channel of that surface is passed on, so the channel mask of `in` stays as it is.
 /// @return false, with nothing touched, when there is no shader or it has none of the three
 inline bool ReadLevel(const ConnectedShader& shader, uint32_t kinds, float& level, TMCColorRGBA& layerColor,
     bool& fullArea, ShadingIn& in)

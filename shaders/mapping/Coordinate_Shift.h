@@ -35,7 +35,7 @@ public:
 
 private:
     ConnectedShader fShader;
-    MCCountedPtr<ITreeElement> fOwnTree; ///< these three are this sample's
+    MCCountedPtr<ITreeElement> fOwnTree; ///< kept with the next two until a sample looks them up again
     MCCountedPtr<IScene> fScene;
     MCCountedPtr<ITreeElement> fTargetTree;
     uint32_t fShaderKinds = 0;

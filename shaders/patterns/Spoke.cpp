@@ -15,7 +15,7 @@ bool Spoke::SameParams(const SpokeParams& other) const
         && fParams.fSoftness == other.fSoftness && fParams.fInnerRadius == other.fInnerRadius
         && fParams.fOuterRadius == other.fOuterRadius && fParams.fInnerFade == other.fInnerFade
         && fParams.fOuterFade == other.fOuterFade && fParams.fConstantWidth == other.fConstantWidth
-        && fParams.fFillCenter == other.fFillCenter; // kept: not the taper
+        && fParams.fFillCenter == other.fFillCenter;
 }
 
 MCErr Spoke::ExtensionDataChanged()

@@ -31,7 +31,7 @@ static_assert(sizeof(SpokeParams) == 52);
 /// A wheel in UV space: soft-edged spokes around a centre, faded between an inner and an outer radius.
 class Spoke final : public ShaderOf<Spoke, SpokeParams> {
 public:
-    /// The taper takes no part.
+    /// The taper takes no part (kept).
     bool SameParams(const SpokeParams& other) const;
     MCErr ReportNeeds(ShadingFlags& flags) override { return Ask(flags, kNeedsUV); }
     bool QueryBooleanTrait() override { return false; }

@@ -128,7 +128,7 @@ float Weave::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     return kFullCoverage;
 }
 
-// The steps of a sample are inline: a colour runs most of them, and each would cost a call.
+// What every sample on a thread runs is inline: each step would cost a call.
 
 inline void Weave::FindTileUV(bool& fullArea, ShadingIn& in)
 {
@@ -178,7 +178,7 @@ inline void Weave::ChooseTop()
 }
 
 /// The place along the thread on top.
-inline ThreadProbe Weave::FindSpan() const
+inline ThreadProbe Weave::ProbeAlongTop() const
 {
     return WalkAlong(fTopThread, fSpans[TopGroup()], fTileUV[OtherGroup(TopGroup())]);
 }
@@ -199,7 +199,7 @@ inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& i
 {
     const Group top = TopGroup();
     const ThreadProbe& across = fAcross[top];
-    const ThreadProbe along = fParams.fRoundAlong || fParams.fAlongUV ? FindSpan() : kNoSpan;
+    const ThreadProbe along = fParams.fRoundAlong || fParams.fAlongUV ? ProbeAlongTop() : kNoSpan;
     if (top == kWeft)
         in.fUV = {in.fUV[1], in.fUV[0]}; // U across the thread, V along it
     if (fParams.fAcrossUV)
@@ -223,7 +223,7 @@ inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& i
 
 /// The elliptic cross-section of the top thread: 1 in the middle of a span. The term along counts whenever the
 /// walk along ran, so `fAlongUV` alone brings it in too.
-float Weave::Darkening(const ThreadProbe& across, const ThreadProbe& along) const
+inline float Weave::Darkening(const ThreadProbe& across, const ThreadProbe& along) const
 {
     const float sum = Squared(along.fOffset) / Squared(along.fHalf * fAlongScale)
         + Squared(across.fOffset) / Squared(across.fHalf * fAcrossScale);
@@ -259,7 +259,7 @@ float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
     const Group top = TopGroup();
     TVector3 bent = in.fNormalGlobal;
     if (fParams.fRoundAlong)
-        bent = Bent(bent, OtherGroup(top), FindSpan().fOffset, fAlongScale, in);
+        bent = Bent(bent, OtherGroup(top), ProbeAlongTop().fOffset, fAlongScale, in);
     if (fParams.fRoundAlong && fParams.fRoundAcross)
         Normalize(bent);
     if (fParams.fRoundAcross)

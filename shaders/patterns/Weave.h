@@ -112,7 +112,7 @@ private:
         int32_t strength, const ConnectedShader& shader, uint32_t kinds, bool& fullArea, ShadingIn& in);
     void FindThreads();
     void ChooseTop();
-    ThreadProbe FindSpan() const;
+    ThreadProbe ProbeAlongTop() const;
 
     void PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);
     void PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);

@@ -119,14 +119,14 @@ Corners::Boundary Corners::BoundaryAround(int32_t u, int32_t v) const
     const int64_t highUStrides = StridesBack(highU - last, fStep);
     const int64_t highVStrides = StridesBack(highV - last, fStep);
     const auto cells = [](int64_t number) { return static_cast<int32_t>(number); };
-    // The count of high u is negative and that of high v is not (kept: saved documents rely on it).
+    // The count of high u is negative and that of high v is not (kept: it is part of the measure).
     return {cells(lowU + lowUStrides * fStep), cells(lowV + lowVStrides * fStep),
         cells(highU - highUStrides * fStep), cells(highV - highVStrides * fStep), cells(lowUStrides),
         cells(lowVStrides), cells(-highUStrides), cells(highVStrides)};
 }
 
 /// The counts pin the first probes of a line, at least the very first one, to the low corner of the grid. So
-/// the place of the sample tells in the centre and the counts alone (kept: saved documents rely on it).
+/// the place of the sample tells in the centre and the counts alone (kept: it is part of the measure).
 void Corners::ProbeLine(int32_t index, Line line, const Boundary& in_bounds)
 {
     for (int32_t i = 0; i < fSampleCount; ++i) {

@@ -39,14 +39,14 @@ float Proximity::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
     }
 
     const TVector3 origin = GlobalPosition(*shaded);
-    TMCString255 scratch;
-    shaded->GetNameScratch(scratch); // hosts see this call and the parent's; nothing reads the answers
+    TMCString255 name;
+    shaded->GetNameScratch(name); // hosts see this call and the parent's; nothing reads the answers
     const TVector3 hotPoint = HotPointAt(*shaded, origin);
-    MCCountedPtr<ITreeElement> target;
-    shaded->GetParent(target.Address());
+    MCCountedPtr<ITreeElement> parent;
+    shaded->GetParent(parent.Address());
     fLocation = ReferencePoint(fParams.fReference, in, origin, hotPoint);
 
-    float distance = fParams.fSingleObject ? DistanceToTarget(scene, target) : DistanceToGroup(scene);
+    float distance = fParams.fSingleObject ? DistanceToTarget(scene) : DistanceToGroup(scene);
     distance -= fParams.fOffset;
     if (fParams.fUseShader)
         distance += ShaderShift(fullArea, in);
@@ -55,8 +55,9 @@ float Proximity::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
 }
 
 /// A missing target reads as touching.
-float Proximity::DistanceToTarget(const MCCountedPtr<IScene>& scene, MCCountedPtr<ITreeElement>& target) const
+float Proximity::DistanceToTarget(const MCCountedPtr<IScene>& scene) const
 {
+    MCCountedPtr<ITreeElement> target;
     if (!HasScene(scene) || !FindTreeByName(scene, fTargetNameCopy, "objecttree", target))
         return 0;
     return DistanceTo(*target);

@@ -31,7 +31,7 @@ static_assert(offsetof(ProximityParams, fSubShader) == 312 && sizeof(ProximityPa
 /// origins; no mesh is looked at, and nothing of the scene is kept between samples.
 class Proximity final : public ShaderOf<Proximity, ProximityParams> {
 public:
-    /// Falloff and mode take no part (kept: saved documents rely on it).
+    /// Falloff and mode take no part (kept: hosts share shaders that compare equal).
     bool SameParams(const ProximityParams& other) const;
     MCErr ReportNeeds(ShadingFlags& flags) override
     {
@@ -51,7 +51,7 @@ private:
     TVector3 fLocation; ///< the reference point of the current sample
     float fRampStart = 0;
 
-    float DistanceToTarget(const MCCountedPtr<IScene>& scene, MCCountedPtr<ITreeElement>& target) const;
+    float DistanceToTarget(const MCCountedPtr<IScene>& scene) const;
     float DistanceToGroup(const MCCountedPtr<IScene>& scene) const;
     float DistanceTo(ITreeElement& tree) const;
     float ShaderShift(bool& fullArea, ShadingIn& in);

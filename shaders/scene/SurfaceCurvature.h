@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/Vectors.h"
 
-/// How a surface bends at a point, from its first and second fundamental forms.
+/// How a surface bends at a point, from its first and second fundamental forms. Pictures show the Gaussian one only.
 struct SurfaceCurvature {
     float fGaussian;
     float fMean;
