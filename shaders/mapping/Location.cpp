@@ -12,18 +12,15 @@ float RampValue(float first, float second, float x, bool falling, float disturba
     const float moved = std::fabs(first - second) * disturbance;
     if (moved != 0)
         x = static_cast<float>(x + moved / 100.0);
-    if (falling) {
-        if (first >= x)
-            return 1.0f;
-        if (x >= second)
-            return 0.0f;
-        return second > x ? 1.0f - (x - first) / (second - first) : 1.0f;
+    const float lower = falling ? first : second;
+    const float upper = falling ? second : first;
+    if (upper > x && x > lower) {
+        const float way = (x - lower) / (upper - lower);
+        return falling ? 1.0f - way : way;
     }
-    if (x >= first)
-        return 1.0f;
-    if (second >= x)
-        return 0.0f;
-    return first > x ? (x - second) / (first - second) : 1.0f;
+    const bool beyondFirst = falling ? first >= x : x >= first;
+    const bool beyondSecond = falling ? x >= second : second >= x;
+    return beyondSecond && !beyondFirst ? 0.0f : 1.0f;
 }
 
 } // namespace
