@@ -33,8 +33,8 @@ inline constexpr TMCColorRGB TMCColorRGB::kWhite{1, 1, 1};
 static_assert(offsetof(TMCColorRGB, fRed) == 0 && offsetof(TMCColorRGB, fGreen) == 4);
 static_assert(offsetof(TMCColorRGB, fBlue) == 8 && sizeof(TMCColorRGB) == 12);
 
-/// Red, green, blue and alpha in float, not clamped. The default constructor leaves the channels unset. Shading assigns
-/// all four at once where it can: a load of sixteen bytes right behind four stores of four stalls.
+/// Red, green, blue and alpha in float, not clamped. The default constructor leaves the channels unset. Shading
+/// assigns all four at once where it can: a load of sixteen bytes right behind four stores of four stalls.
 struct TMCColorRGBA {
     static const TMCColorRGBA kOpaqueBlack;
 

@@ -26,7 +26,8 @@ MC_EXPORT MCErr MCDllInit(IMCUnknown* utilities);
 /// @return 0
 MC_EXPORT MCErr MCDllCleanUp();
 
-/// Switches the exception translators on. The one in force until then is kept: called twice in turn, the pack's own.
+/// Switches the exception translators on and keeps the one in force until then; a second call keeps the pack's
+/// own.
 /// @return 0
 MC_EXPORT MCErr MCDllInitExceptionTranslator();
 

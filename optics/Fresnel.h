@@ -84,7 +84,8 @@ private:
     static constexpr float kUnseen = std::numeric_limits<float>::infinity();
 
     /// The parameters that ExtensionDataChanged last worked from. Fresh, each float is infinitely far from any
-    /// that a host writes and 15 is no chosen illuminant, so the first change derives all but the illuminant of an unknown preset.
+    /// that a host writes and 15 is no chosen illuminant, so the first change derives all but the illuminant of
+    /// an unknown preset.
     struct Seen {
         float fIndex1Re = kUnseen;
         float fIndex1Im = kUnseen;

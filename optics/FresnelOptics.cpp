@@ -135,30 +135,30 @@ float DispersedIndex(float wavelength, float index, float dispersion)
 DerivedOptics DeriveOptics(const OpticalMedium& medium1, const OpticalMedium& medium2, float wavelength,
     uint32_t mode, AngleTables& tables)
 {
-    DerivedOptics refreshed;
-    refreshed.fIndex2ReAtWavelength = DispersedIndex(wavelength, medium2.fIndexRe, medium2.fDispersion);
+    DerivedOptics derived;
+    derived.fIndex2ReAtWavelength = DispersedIndex(wavelength, medium2.fIndexRe, medium2.fDispersion);
     // The wavelength is mirrored about the reference, so the imaginary part moves the other way.
     const float mirrored = static_cast<float>(1178.6 - wavelength);
-    refreshed.fIndex2ImAtWavelength = DispersedIndex(
+    derived.fIndex2ImAtWavelength = DispersedIndex(
         mirrored, medium2.fIndexIm, medium2.fIndexIm / medium2.fIndexRe * medium2.fDispersion);
 
     const auto isLike = [](const OpticalMedium& medium, const OpticalMedium& row) {
         return IsNear(medium.fIndexRe, row.fIndexRe) && IsNear(medium.fIndexIm, row.fIndexIm)
             && IsNear(medium.fPermeability, row.fPermeability);
     };
-    refreshed.fPreset1 = FirstPreset([&](const OpticalMedium& row) { return isLike(medium1, row); });
-    refreshed.fPreset2 = FirstPreset([&](const OpticalMedium& row) {
+    derived.fPreset1 = FirstPreset([&](const OpticalMedium& row) { return isLike(medium1, row); });
+    derived.fPreset2 = FirstPreset([&](const OpticalMedium& row) {
         return isLike(medium2, row) && IsNear(medium2.fDispersion, row.fDispersion);
     });
 
     const OpticalInterface boundary = {{medium1.fIndexRe, medium1.fIndexIm},
-        {refreshed.fIndex2ReAtWavelength, refreshed.fIndex2ImAtWavelength}, medium1.fPermeability,
+        {derived.fIndex2ReAtWavelength, derived.fIndex2ImAtWavelength}, medium1.fPermeability,
         medium2.fPermeability};
     if (mode == kTransmittanceMode)
         FillTables(tables.fTransmittanceS, tables.fTransmittanceP, boundary, Transmittance);
     if (mode == kReflectanceMode)
         FillTables(tables.fReflectanceS, tables.fReflectanceP, boundary, Reflectance);
-    return refreshed;
+    return derived;
 }
 
 float FresnelLookup(const AngleTables& tables, uint32_t mode, float polarization, float angle)

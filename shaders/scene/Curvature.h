@@ -40,7 +40,8 @@ static_assert(offsetof(CurvatureParams, fSubShader) == 744 && sizeof(CurvaturePa
 /// it is positive, in blue where it is negative, and green where the ray misses.
 class Curvature final : public UnsizedShaderOf<Curvature, CurvatureParams, TBasicShader> {
 public:
-    /// The measured surface takes no part, nor do the bands' alphas (kept: hosts share shaders that compare equal).
+    /// The measured surface takes no part, nor do the bands' alphas (kept: hosts share shaders that compare
+    /// equal).
     bool SameParams(const CurvatureParams& other) const;
     MCErr ReportNeeds(ShadingFlags& flags) override { return Ask(flags, kNeedsAll & ~kNeedsExtraC); }
     bool QueryBooleanTrait() override { return false; }

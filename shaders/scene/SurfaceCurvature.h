@@ -1,7 +1,8 @@
 #pragma once
 #include "frame/Vectors.h"
 
-/// How a surface bends at a point, from its first and second fundamental forms. Pictures show the Gaussian one only.
+/// How a surface bends at a point, from its first and second fundamental forms. Pictures show the Gaussian one
+/// only.
 struct SurfaceCurvature {
     float fGaussian;
     float fMean;

@@ -121,6 +121,7 @@ TEST_F(UnitTypesTest, AnArrayOverOutsideMemoryIsNeitherResizedNorFreed)
     }
     EXPECT_THAT(memory, ElementsAre(1, 2, 3));
     const MCArray<int32_t> none(static_cast<int32_t*>(nullptr), 3);
+    EXPECT_TRUE(none.IsValid());
     EXPECT_EQ(MCArray<int32_t>(none).GetElemCount(), 0u);
     EXPECT_THAT(TakeReports(), ElementsAre("IsValid()"));
 }
