@@ -1,7 +1,5 @@
 // Everything that a host and the library share beyond the six functions, within reach of an exported function, so
 // that a description of the binary interface holds it. See scripts/abi.
-#include "frame/ClassFactory.h"
-#include "frame/Exports.h"
 #include "frame/HostServices.h"
 #include "frame/I3DExShader.h"
 #include "frame/IExDataExchanger.h"
@@ -10,8 +8,8 @@
 #include "frame/IShellShader.h"
 #include "frame/SceneServices.h"
 #include "frame/TMCException.h"
-#include "optics/Fresnel.h"
-#include "optics/Iridescent.h"
+#include "module/ClassFactory.h"
+#include "module/Exports.h"
 #include "shaders/layers/MultiPassControl.h"
 #include "shaders/layers/MultiPassManager.h"
 #include "shaders/layers/Shadow_pass.h"
@@ -21,6 +19,8 @@
 #include "shaders/mapping/Gray.h"
 #include "shaders/mapping/Key.h"
 #include "shaders/mapping/Location.h"
+#include "shaders/optics/Fresnel.h"
+#include "shaders/optics/Iridescent.h"
 #include "shaders/patterns/Drip.h"
 #include "shaders/patterns/Spoke.h"
 #include "shaders/patterns/Weave.h"

@@ -2,10 +2,10 @@
 #include "frame/I3DExShader.h"
 #include "frame/Query.h"
 #include "frame/SubShader.h"
-#include "frame/UnroutedClassIDs.h"
-#include "host/Library.h"
-#include "host/ParameterTable.h"
-#include "host/ShaderWrapper.h"
+#include "host/library/Library.h"
+#include "host/library/ShaderWrapper.h"
+#include "host/parameters/ParameterTable.h"
+#include "module/UnroutedClassIDs.h"
 #include <benchmark/benchmark.h>
 #include <cstring>
 #include <memory>

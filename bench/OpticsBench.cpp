@@ -1,7 +1,7 @@
 #include "bench/Bench.h"
-#include "host/Scene.h"
-#include "optics/Fresnel.h"
-#include "optics/Iridescent.h"
+#include "host/scene/Scene.h"
+#include "shaders/optics/Fresnel.h"
+#include "shaders/optics/Iridescent.h"
 #include <algorithm>
 
 namespace {

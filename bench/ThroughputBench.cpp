@@ -1,7 +1,7 @@
 #include "bench/Bench.h"
-#include "host/Bake.h"
-#include "host/GraphDocument.h"
-#include "host/Render.h"
+#include "host/documents/GraphDocument.h"
+#include "host/shading/Bake.h"
+#include "host/shading/Render.h"
 
 namespace {
 

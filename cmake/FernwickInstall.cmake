@@ -9,10 +9,8 @@ set(documents share/doc/fernwick)
 install(TARGETS Fernwick_shaders LIBRARY DESTINATION lib/fernwick)
 install(TARGETS fernwick_types ARCHIVE DESTINATION lib)
 install(DIRECTORY frame optics shaders DESTINATION ${include}
-    FILES_MATCHING PATTERN *.h
-    PATTERN ClassRoutes.h EXCLUDE
-    PATTERN ExceptionTranslators.h EXCLUDE
-    PATTERN UnroutedClassIDs.h EXCLUDE)
+    FILES_MATCHING PATTERN *.h)
+install(FILES module/Exports.h DESTINATION ${include}/module)
 
 set(module Fernwick_shaders${CMAKE_SHARED_MODULE_SUFFIX})
 set(types ${CMAKE_STATIC_LIBRARY_PREFIX}fernwick_types${CMAKE_STATIC_LIBRARY_SUFFIX})

@@ -1,7 +1,7 @@
 // A whole host: opens the library that the command line names, makes a wheel of spokes and draws it in letters.
-#include "frame/Exports.h"
 #include "frame/HostServices.h"
 #include "frame/IExClassFactory.h"
+#include "module/Exports.h"
 #include "shaders/patterns/Spoke.h"
 #include <cstdio>
 #include <cstdlib>

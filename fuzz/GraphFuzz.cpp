@@ -1,7 +1,7 @@
 // Bytes are the text of a graph document. It is refused with a GraphError, or it can be made live and shaded.
-#include "host/Graph.h"
-#include "host/JsonNode.h"
-#include "host/Library.h"
+#include "host/json/JsonNode.h"
+#include "host/library/Library.h"
+#include "host/shading/Graph.h"
 #include "host/validation/Sheet.h"
 #include <string_view>
 

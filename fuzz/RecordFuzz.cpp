@@ -1,6 +1,6 @@
 // Bytes are a class, a parameter record, what is plugged into it, and samples.
-#include "frame/UnroutedClassIDs.h"
 #include "host/validation/FuzzCase.h"
+#include "module/UnroutedClassIDs.h"
 #include <cstdio>
 #include <cstdlib>
 

@@ -1,9 +1,9 @@
 // Bytes are a scene file, glTF when they start with a brace, else OBJ. It is refused with a SceneFileError, or it makes
 // a scene that rays can be cast into.
-#include "host/Instance.h"
-#include "host/Scene.h"
-#include "host/SceneFile.h"
-#include "host/World.h"
+#include "host/documents/SceneFile.h"
+#include "host/scene/Instance.h"
+#include "host/scene/Scene.h"
+#include "host/scene/World.h"
 #include <assimp/IOSystem.hpp>
 #include <assimp/Importer.hpp>
 #include <assimp/MemoryIOWrapper.h>

@@ -1,5 +1,5 @@
 #include "tools/BakeOptions.h"
-#include "host/Sources.h"
+#include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/ShownJob.h"

@@ -1,7 +1,7 @@
 #pragma once
-#include "host/Bake.h"
-#include "host/GraphDocument.h"
-#include "host/Library.h"
+#include "host/documents/GraphDocument.h"
+#include "host/library/Library.h"
+#include "host/shading/Bake.h"
 #include "tools/PictureOptions.h"
 #include "tools/ReportSummary.h"
 

@@ -1,5 +1,5 @@
 #include "tools/Completion.h"
-#include "host/Plots.h"
+#include "host/shading/Plots.h"
 #include "host/validation/Validation.h"
 #include "tools/BakeOptions.h"
 #include "tools/Names.h"

@@ -1,5 +1,5 @@
 #pragma once
-#include "host/ParameterTable.h"
+#include "host/parameters/ParameterTable.h"
 
 /// What is told of one row of a record: of a field, or of all elements of an array.
 struct FieldLine {

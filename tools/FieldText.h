@@ -1,5 +1,5 @@
 #pragma once
-#include "host/FieldValue.h"
+#include "host/parameters/FieldValue.h"
 
 /// A settled value and what it stands for, such as `"KEYM" = Mask`.
 std::string ChoiceText(const fernwick::Field& field, const fernwick::Choice& choice);

@@ -1,5 +1,5 @@
 #include "tools/LibraryOption.h"
-#include "host/Library.h"
+#include "host/library/Library.h"
 #include <cstdlib>
 
 #ifdef _WIN32

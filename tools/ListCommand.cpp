@@ -1,4 +1,4 @@
-#include "host/Sources.h"
+#include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Kinds.h"
 #include "tools/Names.h"

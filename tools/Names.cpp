@@ -1,6 +1,6 @@
 #include "tools/Names.h"
-#include "host/Nearest.h"
-#include "host/Sources.h"
+#include "host/json/Nearest.h"
+#include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Kinds.h"
 #include <fmt/core.h>

@@ -1,6 +1,6 @@
 #pragma once
-#include "host/JsonNode.h"
-#include "host/ParameterTable.h"
+#include "host/json/JsonNode.h"
+#include "host/parameters/ParameterTable.h"
 
 /// The table of a class or source; null when there is none of this name.
 const fernwick::ParameterTable* FindTable(std::string_view name);

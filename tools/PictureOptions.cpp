@@ -1,5 +1,5 @@
 #include "tools/PictureOptions.h"
-#include "host/Picture.h"
+#include "host/pictures/Picture.h"
 #include "tools/Interrupt.h"
 #include <charconv>
 #include <fmt/core.h>

@@ -1,5 +1,5 @@
 #pragma once
-#include "host/Render.h"
+#include "host/shading/Render.h"
 #include "tools/Commands.h"
 
 /// What the commands that make a picture share.

@@ -1,5 +1,5 @@
-#include "host/Library.h"
-#include "host/Plots.h"
+#include "host/library/Library.h"
+#include "host/shading/Plots.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"

@@ -1,5 +1,5 @@
-#include "host/Graph.h"
-#include "host/Library.h"
+#include "host/library/Library.h"
+#include "host/shading/Graph.h"
 #include "tools/Commands.h"
 #include "tools/Kinds.h"
 #include "tools/LibraryOption.h"

@@ -1,5 +1,5 @@
 #include "tools/ReferencePage.h"
-#include "host/Sources.h"
+#include "host/sources/Sources.h"
 #include "tools/FieldLines.h"
 #include "tools/Kinds.h"
 #include <fmt/format.h>

@@ -1,5 +1,5 @@
 #pragma once
-#include "host/ParameterTable.h"
+#include "host/parameters/ParameterTable.h"
 #include "tools/Showcase.h"
 
 /// What a page of the reference tells beside the table of parameters.

@@ -1,5 +1,5 @@
-#include "host/GraphDocument.h"
-#include "host/Library.h"
+#include "host/documents/GraphDocument.h"
+#include "host/library/Library.h"
 #include "tools/Commands.h"
 #include "tools/LibraryOption.h"
 #include "tools/PictureOptions.h"

@@ -1,5 +1,5 @@
 #pragma once
-#include "host/Services.h"
+#include "host/library/Services.h"
 #include <map>
 #include <mutex>
 #include <string>

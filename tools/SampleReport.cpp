@@ -1,7 +1,7 @@
 #include "tools/SampleReport.h"
-#include "host/Answers.h"
-#include "host/Graph.h"
-#include "host/UVSquare.h"
+#include "host/shading/Answers.h"
+#include "host/shading/Graph.h"
+#include "host/shading/UVSquare.h"
 #include <algorithm>
 #include <chrono>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
-#include "host/GraphDocument.h"
-#include "host/Library.h"
+#include "host/documents/GraphDocument.h"
+#include "host/library/Library.h"
 #include <functional>
 
 /// Prints all that a document's output answers for the sample at U and V. Every operation is asked by a graph of

@@ -1,4 +1,4 @@
-#include "host/GraphSchema.h"
+#include "host/documents/GraphSchema.h"
 #include "tools/Commands.h"
 #include <fmt/core.h>
 #include <fstream>

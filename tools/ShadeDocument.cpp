@@ -1,7 +1,7 @@
 #include "tools/ShadeDocument.h"
-#include "host/HexColor.h"
-#include "host/JsonNode.h"
-#include "host/Sources.h"
+#include "host/documents/HexColor.h"
+#include "host/json/JsonNode.h"
+#include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Names.h"
 #include <algorithm>

@@ -1,5 +1,5 @@
 #pragma once
-#include "host/GraphDocument.h"
+#include "host/documents/GraphDocument.h"
 
 /// The shape that is baked; the others are rendered.
 constexpr const char* kUVSquareShape = "uv";

@@ -1,5 +1,5 @@
 #include "tools/Showcase.h"
-#include "host/GraphDocument.h"
+#include "host/documents/GraphDocument.h"
 #include <algorithm>
 #include <fstream>
 #include <iterator>

@@ -1,7 +1,7 @@
 #pragma once
-#include "host/Bake.h"
-#include "host/GraphError.h"
-#include "host/Render.h"
+#include "host/json/GraphError.h"
+#include "host/shading/Bake.h"
+#include "host/shading/Render.h"
 #include "tools/Commands.h"
 #include "tools/ProgressBar.h"
 #include "tools/ReportSummary.h"

@@ -1,4 +1,4 @@
-#include "optics/Fresnel.h"
+#include "shaders/optics/Fresnel.h"
 #include "host/parameters/Notation.h"
 
 fernwick::ParameterTable FresnelTable()

@@ -1,4 +1,4 @@
-#include "optics/Iridescent.h"
+#include "shaders/optics/Iridescent.h"
 #include "host/parameters/Notation.h"
 
 fernwick::ParameterTable IridescentTable()

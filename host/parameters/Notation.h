@@ -6,7 +6,7 @@
 #include "frame/TMCBool.h"
 #include "frame/TMCString.h"
 #include "frame/Vectors.h"
-#include "host/ParameterTable.h"
+#include "host/parameters/ParameterTable.h"
 #include <array>
 #include <cstddef>
 #include <filesystem>

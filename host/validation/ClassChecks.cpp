@@ -1,6 +1,6 @@
 #include "frame/Query.h"
 #include "frame/TMCException.h"
-#include "host/ShaderWrapper.h"
+#include "host/library/ShaderWrapper.h"
 #include "host/validation/Checks.h"
 #include "host/validation/Inspection.h"
 #include "host/validation/Probes.h"

@@ -1,4 +1,4 @@
-#include "host/FieldValue.h"
+#include "host/parameters/FieldValue.h"
 #include "host/validation/Checks.h"
 #include "host/validation/FuzzCase.h"
 #include "host/validation/Inspection.h"

@@ -1,5 +1,5 @@
 #include "frame/Query.h"
-#include "host/Module.h"
+#include "host/library/Module.h"
 #include "host/validation/Checks.h"
 #include "host/validation/ElfSymbols.h"
 #include "host/validation/Inspection.h"

@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/IShellShader.h"
 #include "frame/SceneServices.h"
-#include "host/Component.h"
+#include "host/library/Component.h"
 #include "host/validation/Random.h"
 #include <vector>
 

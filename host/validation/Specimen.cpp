@@ -1,6 +1,6 @@
 #include "host/validation/Specimen.h"
 #include "frame/Query.h"
-#include "host/FieldValue.h"
+#include "host/parameters/FieldValue.h"
 #include <fmt/format.h>
 
 namespace fernwick::validation {

@@ -2,8 +2,8 @@
 #include "frame/I3DExShader.h"
 #include "frame/IExDataExchanger.h"
 #include "frame/SubShader.h"
-#include "host/Library.h"
-#include "host/ParameterTable.h"
+#include "host/library/Library.h"
+#include "host/parameters/ParameterTable.h"
 
 namespace fernwick::validation {
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "host/ParameterTable.h"
+#include "host/parameters/ParameterTable.h"
 #include <chrono>
 #include <filesystem>
 #include <span>

@@ -1,9 +1,9 @@
 #pragma once
-#include "frame/AngleBands.h"
 #include "frame/SceneLookup.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCBool.h"
+#include "shaders/AngleBands.h"
 
 using CurvatureBand = AngleBand;
 

@@ -91,4 +91,4 @@ class TalkativeKey : public Key { };
 extern "C" __attribute__((visibility("default"))) int KeyTalks() { return 1; }
 
 #define Key FERNWICK_FAULT
-#include "frame/ClassRoutes.cpp"
+#include "module/ClassRoutes.cpp"

@@ -1,5 +1,5 @@
-#include "frame/UnroutedClassIDs.h"
-#include "host/FieldValue.h"
+#include "host/parameters/FieldValue.h"
+#include "module/UnroutedClassIDs.h"
 #include "tests/support/ShaderTest.h"
 #include <cstring>
 #include <sstream>

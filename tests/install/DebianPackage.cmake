@@ -10,7 +10,7 @@ run(log ${CMAKE_CPACK_COMMAND} -G DEB --config ${BUILD}/CPackConfig.cmake -B ${W
 file(GLOB package ${WORK}/fernwick-shaders_*.deb)
 run(contents dpkg-deb --contents ${package})
 foreach(file
-        bin/fernwick lib/fernwick/Fernwick_shaders.so lib/libfernwick_types.a include/fernwick/frame/Exports.h
+        bin/fernwick lib/fernwick/Fernwick_shaders.so lib/libfernwick_types.a include/fernwick/module/Exports.h
         lib/cmake/Fernwick_shaders/Fernwick_shadersConfig.cmake lib/pkgconfig/fernwick_shaders.pc
         share/doc/fernwick/docs/hosting.md share/doc/fernwick/docs/reference/Key.md
         share/doc/fernwick/docs/graph.schema.json share/doc/fernwick/examples/key.json

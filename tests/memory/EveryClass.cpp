@@ -1,7 +1,7 @@
 // Lives the life of the library and of every class, in memory that holds nothing, for scripts/memcheck to watch.
-#include "frame/UnroutedClassIDs.h"
 #include "host/validation/FuzzCase.h"
 #include "host/validation/Sheet.h"
+#include "module/UnroutedClassIDs.h"
 #include <cstdio>
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #pragma once
-#include "host/Bake.h"
-#include "host/Graph.h"
+#include "host/shading/Bake.h"
+#include "host/shading/Graph.h"
 #include "tests/support/ShaderTest.h"
 #include <random>
 

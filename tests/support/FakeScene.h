@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/Numbers.h"
 #include "frame/SceneServices.h"
-#include "host/Component.h"
+#include "host/library/Component.h"
 #include <functional>
 #include <string>
 #include <utility>

@@ -1,6 +1,6 @@
 #pragma once
 #include "frame/IShellShader.h"
-#include "host/Component.h"
+#include "host/library/Component.h"
 #include <functional>
 #include <vector>
 

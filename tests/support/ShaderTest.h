@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/SubShader.h"
-#include "host/Library.h"
-#include "host/ShaderWrapper.h"
+#include "host/library/Library.h"
+#include "host/library/ShaderWrapper.h"
 #include "tests/support/FakeShader.h"
 #include <cmath>
 #include <gmock/gmock.h>

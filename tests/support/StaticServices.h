@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/HostServices.h"
 #include "frame/TBasicUnknown.h"
-#include "host/Services.h"
+#include "host/library/Services.h"
 #include "tests/support/ShaderTest.h"
 
 /// For programs that link the pack itself: as long as this lives, the program's own copy of the pack has the

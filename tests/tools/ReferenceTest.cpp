@@ -1,4 +1,4 @@
-#include "host/ParameterTable.h"
+#include "host/parameters/ParameterTable.h"
 #include "tests/support/BakeText.h"
 #include "tests/support/Shell.h"
 

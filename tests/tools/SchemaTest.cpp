@@ -1,4 +1,4 @@
-#include "host/GraphDocument.h"
+#include "host/documents/GraphDocument.h"
 #include "tests/support/CommandTest.h"
 
 namespace {

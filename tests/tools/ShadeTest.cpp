@@ -1,5 +1,5 @@
-#include "host/JsonNode.h"
-#include "host/ParameterTable.h"
+#include "host/json/JsonNode.h"
+#include "host/parameters/ParameterTable.h"
 #include "tests/support/CommandTest.h"
 #include <set>
 

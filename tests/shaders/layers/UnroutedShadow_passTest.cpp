@@ -1,4 +1,4 @@
-#include "host/Services.h"
+#include "host/library/Services.h"
 #include "shaders/layers/Shadow_pass.h"
 #include "tests/shaders/layers/LayerTest.h"
 

@@ -1,7 +1,0 @@
-#include "frame/ExceptionTranslators.h"
-
-// This platform has no translator to install.
-
-void InstallExceptionTranslators() { }
-
-void RestoreExceptionTranslator() { }

@@ -1,0 +1,189 @@
+#include "host/documents/GraphDocument.h"
+#include "host/documents/SceneReader.h"
+#include "host/json/FieldReader.h"
+#include "host/json/Nearest.h"
+#include "host/sources/Sources.h"
+#include <algorithm>
+#include <fmt/format.h>
+#include <fstream>
+#include <iterator>
+
+namespace fernwick {
+
+namespace {
+
+constexpr size_t kDeepest = 256; // shaders call each other as deep as they are plugged
+
+/// The table that `name` is the name of.
+template <class Tables, class TableOf>
+const ParameterTable& FindTable(const JsonNode& node, const char* what, const Tables& all, TableOf tableOf)
+{
+    const std::string name = node.Name();
+    std::vector<std::string> known;
+    for (const auto& entry : all) {
+        if (tableOf(entry).fName == name)
+            return tableOf(entry);
+        known.push_back(tableOf(entry).fName);
+    }
+    node.Fail(fmt::format("there is no {} \"{}\"{}", what, name, NearestHint(name, known)));
+}
+
+const ParameterTable& ReadTable(const JsonNode& shader)
+{
+    const auto className = shader.Find("class");
+    const auto sourceName = shader.Find("source");
+    if (className.has_value() == sourceName.has_value())
+        shader.Fail("expected either a \"class\" or a \"source\"");
+    if (sourceName)
+        return FindTable(*sourceName, "source", AllSources(),
+            [](const SourceKind& kind) -> const ParameterTable& { return kind.fTable; });
+    return FindTable(*className, "class", AllClasses(),
+        [](const ParameterTable& entry) -> const ParameterTable& { return entry; });
+}
+
+/// Puts shaders behind those that they plug in.
+class Sorter {
+public:
+    explicit Sorter(const std::vector<DocumentShader>& shaders) : fShaders(shaders), fStates(shaders.size())
+    { }
+
+    /// Adds a shader behind everything below it. Throws `GraphError` for a circle.
+    void Add(size_t place)
+    {
+        if (fStates[place] == State::kDone)
+            return;
+        fPath.push_back(place);
+        if (fStates[place] == State::kOpen)
+            FailCircle();
+        if (fPath.size() > kDeepest)
+            throw GraphError(
+                fmt::format("{}: shaders are plugged more than {} deep", fShaders[place].fName, kDeepest));
+        fStates[place] = State::kOpen;
+        for (const size_t below : PluggedIn(fShaders[place]))
+            Add(below);
+        fStates[place] = State::kDone;
+        fPath.pop_back();
+        fOrder.push_back(place);
+    }
+
+    const std::vector<size_t>& Order() const { return fOrder; }
+
+private:
+    enum class State { kNew, kOpen, kDone };
+
+    const std::vector<DocumentShader>& fShaders;
+    std::vector<State> fStates;
+    std::vector<size_t> fPath;
+    std::vector<size_t> fOrder;
+
+    [[noreturn]] void FailCircle() const
+    {
+        std::string circle;
+        const auto start = std::find(fPath.begin(), fPath.end(), fPath.back());
+        for (auto place = start; place != fPath.end(); ++place)
+            circle += (place == start ? "" : " -> ") + fShaders[*place].fName;
+        throw GraphError(
+            fmt::format("{}: the shaders are plugged in a circle: {}", fShaders[fPath.back()].fName, circle));
+    }
+};
+
+/// The shaders in the given order, with the places in their slots moved along.
+std::vector<DocumentShader> Reordered(
+    const std::vector<DocumentShader>& shaders, const std::vector<size_t>& order)
+{
+    std::vector<size_t> newPlaces(order.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        newPlaces[order[i]] = i;
+    std::vector<DocumentShader> sorted;
+    for (const size_t place : order) {
+        DocumentShader& shader = sorted.emplace_back(shaders[place]);
+        for (FieldSetting& setting : shader.fSettings)
+            if (auto* const plugged = std::get_if<PluggedShader>(&setting.fValue); plugged && plugged->fIndex)
+                plugged->fIndex = newPlaces[*plugged->fIndex];
+    }
+    return sorted;
+}
+
+void MakeSource(DocumentShader& shader)
+{
+    const SourceKind* const kind = FindSource(shader.fTable->fName);
+    if (kind == nullptr || &kind->fTable != shader.fTable)
+        return;
+    try {
+        shader.fSource = kind->fMake(shader.fSettings);
+    } catch (const SourceError& error) {
+        throw GraphError(fmt::format("{}.{}", shader.fName, error.what()));
+    }
+}
+
+} // namespace
+
+std::vector<size_t> PluggedIn(const DocumentShader& shader)
+{
+    std::map<const Field*, std::optional<size_t>> slots;
+    for (const FieldSetting& setting : shader.fSettings)
+        if (const auto* const plugged = std::get_if<PluggedShader>(&setting.fValue))
+            slots[setting.fField] = plugged->fIndex;
+    std::vector<size_t> places;
+    for (const auto& [field, place] : slots)
+        if (place)
+            places.push_back(*place);
+    return places;
+}
+
+GraphDocument GraphDocument::Read(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream || std::filesystem::is_directory(file))
+        throw GraphError(file.string() + ": can't be read");
+    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    try {
+        return Parse(text, std::filesystem::absolute(file).parent_path());
+    } catch (const GraphError& error) {
+        throw GraphError(fmt::format("{}: {}", file.string(), error.what()));
+    }
+}
+
+GraphDocument GraphDocument::Parse(const std::string& text, const std::filesystem::path& folder)
+{
+    const Json json = JsonNode::Parse(text);
+    const JsonNode root(json, "");
+    root.RequireKeys({"$schema", "shaders", "output", "scene"});
+    const auto shaders = root.Find("shaders");
+    const auto output = root.Find("output");
+    if (!shaders || !output)
+        root.Fail("a graph needs \"shaders\" and the name of the \"output\"");
+
+    ShaderNames names;
+    for (const auto& [name, node] : shaders->Members())
+        names.emplace(name, names.size());
+    if (names.contains(""))
+        shaders->Fail("a shader needs a name");
+
+    std::vector<DocumentShader> read;
+    for (const auto& [name, member] : shaders->Members()) {
+        const JsonNode node = member.At(name);
+        DocumentShader& shader = read.emplace_back();
+        shader.fName = name;
+        shader.fTable = &ReadTable(node);
+        const FieldReader reader(*shader.fTable, names, folder);
+        for (const auto& [address, value] : node.Members())
+            if (address != "class" && address != "source")
+                reader.Read(address, value, shader.fSettings);
+    }
+
+    Sorter sorter(read);
+    sorter.Add(FindShader(*output, names));
+    GraphDocument document;
+    document.fOutputIndex = sorter.Order().size() - 1;
+    for (size_t place = 0; place < read.size(); ++place)
+        sorter.Add(place);
+    document.fShaders = Reordered(read, sorter.Order());
+    if (const auto scene = root.Find("scene"))
+        document.fScene = ReadScene(*scene, names, folder);
+    for (DocumentShader& shader : document.fShaders)
+        MakeSource(shader);
+    return document;
+}
+
+} // namespace fernwick

@@ -1,0 +1,62 @@
+#pragma once
+#include "frame/IShellShader.h"
+#include "frame/MCCountedPtr.h"
+#include "host/json/GraphError.h"
+#include "host/parameters/FieldValue.h"
+#include "host/scene/Scene.h"
+
+namespace fernwick {
+
+/// One shader of a document.
+struct DocumentShader {
+    std::string fName;
+    const ParameterTable* fTable;        ///< of its class, or of its kind of source
+    std::vector<FieldSetting> fSettings; ///< in the order of the document; a later one counts
+    MCCountedPtr<IShellShader> fSource;  ///< ready to be asked by any thread; null for a class of the library
+};
+
+/// What a shader plugs in by place, in the order of the record. An emptied slot plugs in nothing.
+std::vector<size_t> PluggedIn(const DocumentShader& shader);
+
+/// A graph of shaders as a file describes it, read and checked against the tables. Plain data: it needs no
+/// library, and any number of threads may make their graphs of it.
+///
+/// A document is JSON with the keys `shaders`, `output` and, if wanted, `scene`:
+///
+///     {"shaders": {"key": {"class": "Key", "fMode": "KEYM", "fRedRange": [-30, 30], "fSubShader": "backdrop"},
+///                  "backdrop": {"source": "picture", "file": "backdrop.png"}},
+///      "output": "key",
+///      "scene": {"elements": [{"name": "Lamp", "position": [0, 3, 0]}], "camera": "Lamp"}}
+///
+/// What a scene holds is told at `ReadScene`.
+///
+/// Fields that aren't set keep the defaults of the object. An array is given whole or by element
+/// (`"fRange[3]": [30, 50]`), a nested record as an object, in part if wanted, or by field (`"fX.fEdgeA": 2`). A
+/// code is given as its four characters or a choice's label, or as an integer, which is taken unseen. A slot
+/// takes the name of another shader; null or "" leaves it empty. A colour with alpha may go without it and is
+/// opaque then. Files are found from the document's folder. A key `$schema` is for editors, which find the schema
+/// of documents by it (see `GraphSchema`), and isn't read.
+class GraphDocument {
+public:
+    /// Reads a file. Throws `GraphError`, which names it.
+    static GraphDocument Read(const std::filesystem::path& file);
+    /// Reads a text. Throws `GraphError`.
+    /// @param folder  where relative file names start
+    static GraphDocument Parse(const std::string& text, const std::filesystem::path& folder);
+
+    /// All shaders, each behind those that it plugs in, and those that the output doesn't need behind the output.
+    const std::vector<DocumentShader>& Shaders() const { return fShaders; }
+    size_t OutputIndex() const { return fOutputIndex; }
+    const DocumentShader& Output() const { return fShaders[fOutputIndex]; }
+    uint32_t OutputKinds() const { return static_cast<uint32_t>(Output().fTable->fOutputKinds); }
+    const std::optional<SceneDescription>& Scene() const { return fScene; }
+
+private:
+    std::vector<DocumentShader> fShaders;
+    size_t fOutputIndex = 0;
+    std::optional<SceneDescription> fScene;
+
+    GraphDocument() = default;
+};
+
+} // namespace fernwick

@@ -1,0 +1,37 @@
+#pragma once
+#include "host/scene/Scene.h"
+#include <filesystem>
+#include <stdexcept>
+
+namespace Assimp {
+class Importer;
+}
+
+namespace fernwick {
+
+/// A file that holds no scene, or one that can't be taken. The text names the file.
+class SceneFileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct SceneFile {
+    std::vector<ElementDescription> fElements;
+    std::vector<std::string> fNotices; ///< what the file lacks and what stands in for it
+};
+
+/// Reads a scene with Assimp: glTF, OBJ and whatever else it knows. Each node becomes an element, with its meshes
+/// as one shape, its light and its camera. Lengths stay as they are in the file.
+///
+/// An element's transform is rigid; scale, mirroring and shear of the nodes go into the points of the shapes, and
+/// `GetTreeTransform` tells the scale. Hot points are at the origin. A mesh without UV gets its place in its
+/// bounding box along X and Y; one without normals gets smooth ones, with creases above 60 degrees. A light's
+/// brightness is its strongest channel; its range is taken where the file gives one (glTF), with the fading
+/// from the light on. Cones are taken as angles from the axis. Lines and points are left out.
+///
+/// Throws `SceneFileError`.
+SceneFile ReadSceneFile(const std::filesystem::path& file);
+/// The same by an importer that has files of its own.
+SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& importer);
+
+} // namespace fernwick

@@ -1,0 +1,68 @@
+#include "host/shading/Graph.h"
+#include "frame/SubShader.h"
+#include "host/library/Library.h"
+#include "module/UnroutedClassIDs.h"
+#include <fmt/format.h>
+
+namespace fernwick {
+
+MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTable& table)
+{
+    const GUID* const unrouted = UnroutedClassID(table.fName);
+    return unrouted != nullptr ? ShaderWrapper::Make(library.Unrouted(), *unrouted)
+                               : ShaderWrapper::Make(library, table.fClassIDs.front());
+}
+
+Graph::Graph(const Library& library, const GraphDocument& document) : fOutputIndex(document.OutputIndex())
+{
+    if (document.Scene())
+        fScene = MakeCounted<Scene>(*document.Scene());
+    for (size_t i = 0; i <= fOutputIndex; ++i)
+        fShaders.push_back(Make(library, document.Shaders()[i]));
+}
+
+Graph::Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene)
+    : fScene(scene), fOutputIndex(document.OutputIndex())
+{
+    for (const DocumentShader& shader : document.Shaders())
+        fShaders.push_back(Make(library, shader));
+}
+
+I3DExShader* Graph::Extension(size_t index) const
+{
+    const MCCountedPtr<ShaderWrapper>& wrapper = fShaders[index].fWrapper;
+    return wrapper ? &wrapper->Shader() : nullptr;
+}
+
+IMCUnknown* Graph::Instance() const { return fScene ? &fScene->ShadedObject() : nullptr; }
+
+Graph::LiveShader Graph::Make(const Library& library, const DocumentShader& shader) const
+{
+    const ParameterTable& table = *shader.fTable;
+    if (shader.fSource)
+        return {shader.fSource, {}};
+    const auto wrapper = MakeShader(library, table);
+    if (!wrapper)
+        throw GraphError(fmt::format("{}: the library doesn't make a {}", shader.fName, table.fName));
+    IExDataExchanger& exchanger = wrapper->Exchanger();
+    // A class without a route may not tell the size of its record.
+    if (!table.fClassIDs.empty() && exchanger.GetParamsBufferSize() != table.fRecordSize)
+        throw GraphError(fmt::format("{}: the library's {} has a record of {} bytes, expected {}",
+            shader.fName, table.fName, exchanger.GetParamsBufferSize(), table.fRecordSize));
+
+    char* const record = static_cast<char*>(exchanger.GetExtensionDataBuffer());
+    for (const FieldSetting& setting : shader.fSettings) {
+        WriteField(setting, record);
+        if (const auto* const plugged = std::get_if<PluggedShader>(&setting.fValue)) {
+            auto& slot = *reinterpret_cast<SubShaderSlot*>(record + setting.fField->fOffset);
+            slot = plugged->fIndex ? fShaders[*plugged->fIndex].fFace.Get() : nullptr;
+        }
+    }
+    const MCErr status = exchanger.ExtensionDataChanged();
+    if (status != MC_S_OK)
+        throw GraphError(
+            fmt::format("{}: the shader refused its parameters with {:#010x}", shader.fName, status));
+    return {MCCountedPtr<IShellShader>(wrapper.Get()), wrapper};
+}
+
+} // namespace fernwick

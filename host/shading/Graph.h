@@ -1,0 +1,52 @@
+#pragma once
+#include "host/documents/GraphDocument.h"
+#include "host/library/ShaderWrapper.h"
+
+namespace fernwick {
+
+class Library;
+
+/// Makes an object of a class of the pack; one without a route is made by the module that has it. Null when the
+/// library refuses. Throws `LibraryError` when there is no such module.
+MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTable& table);
+
+/// The live objects of a document's output and of everything below it, or of all its shaders. A shader serves one thread at a time, so
+/// every thread makes its own graph; making and releasing is for one thread at a time.
+class Graph {
+public:
+    /// Makes the objects by the change protocol, children before parents. Throws `GraphError`, and then leaves
+    /// nothing behind.
+    Graph(const Library& library, const GraphDocument& document);
+    /// Makes the objects of all shaders of the document, over a scene that graphs share. Throws `GraphError`.
+    Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene);
+    Graph(const Graph&) = delete;
+    Graph& operator=(const Graph&) = delete;
+
+    IShellShader& Output() const { return *fShaders[fOutputIndex].fFace; }
+    uint32_t OutputKinds() const { return Output().GetOutputKinds(); }
+    /// The output as the library made it; null when it is one of the host's sources.
+    I3DExShader* OutputExtension() const { return Extension(fOutputIndex); }
+
+    /// A shader by its place in the document.
+    IShellShader& Shader(size_t index) const { return *fShaders[index].fFace; }
+    /// The same as the library made it; null when it is one of the host's sources.
+    I3DExShader* Extension(size_t index) const;
+
+    /// The shaded object, for `ShadingIn::fInstance`; null when the document has no scene.
+    IMCUnknown* Instance() const;
+    Scene* SceneOrNull() const { return fScene ? &*fScene : nullptr; }
+
+private:
+    struct LiveShader {
+        MCCountedPtr<IShellShader> fFace;
+        MCCountedPtr<ShaderWrapper> fWrapper; // null for a source
+    };
+
+    MCCountedPtr<Scene> fScene;
+    size_t fOutputIndex;
+    std::vector<LiveShader> fShaders; // in the document's order
+
+    LiveShader Make(const Library& library, const DocumentShader& shader) const;
+};
+
+} // namespace fernwick

@@ -1,0 +1,332 @@
+#include "host/shading/Render.h"
+#include "frame/Numbers.h"
+#include "host/scene/Placement.h"
+#include "host/scene/World.h"
+#include "host/shading/NormalGrids.h"
+#include "host/shading/SurfaceLayers.h"
+#include "host/shading/Tiles.h"
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace fernwick {
+
+namespace {
+
+constexpr int kTileSide = 64;     // pixels
+constexpr int kMostSurfaces = 16; ///< that a ray goes through
+
+/// Where the samples of a pixel lie: a Hammersley set, moved to the middle of its cells.
+class PixelPattern {
+public:
+    explicit PixelPattern(int count)
+    {
+        const auto number = static_cast<unsigned>(count);
+        const double finest = static_cast<double>(std::bit_ceil(number));
+        for (unsigned i = 0; i < number; ++i) {
+            double reversed = 0;
+            double weight = 0.5;
+            for (unsigned bits = i; bits != 0; bits >>= 1, weight /= 2)
+                reversed += (bits & 1) * weight;
+            fPlaces.push_back({(i + 0.5) / count, reversed + 0.5 / finest});
+        }
+    }
+    const std::vector<std::pair<double, double>>& Places() const
+    {
+        return fPlaces;
+    } ///< from 0 to 1, row down
+
+private:
+    std::vector<std::pair<double, double>> fPlaces;
+};
+
+/// The rays of a camera, and the lamp beside it.
+class Eye {
+public:
+    Eye(const SceneElement& camera, const RenderJob& job)
+        : fPlace(camera.Transform()), fHigh(std::tan(camera.Camera()->fFieldOfView / 2 * kRadiansPerDegree)),
+          fWide(fHigh * job.width / job.height), fWidth(job.width), fHeight(job.height),
+          fToLamp(Turned(fPlace, {-0.5f, 0.7f, 1}))
+    {
+        Normalize(fToLamp);
+    }
+    const TVector3& Origin() const { return fPlace.fTranslation; }
+    const TVector3& ToLamp() const { return fToLamp; }
+    /// @param x, y  in pixels from the upper left
+    TVector3 Direction(double x, double y) const
+    {
+        TVector3 direction = Turned(fPlace,
+            {static_cast<float>((2 * x / fWidth - 1) * fWide),
+                static_cast<float>((1 - 2 * y / fHeight) * fHigh), -1});
+        Normalize(direction);
+        return direction;
+    }
+
+private:
+    TTransform3D fPlace;
+    double fHigh;
+    double fWide;
+    double fWidth;
+    double fHeight;
+    TVector3 fToLamp;
+};
+
+/// 0 to 1; NaN gives 0.
+float Share(float number) { return number >= 0 ? std::min(number, 1.0f) : 0.0f; }
+
+/// What one surface shows.
+struct Shown {
+    TMCColorRGBA color = TMCColorRGBA::kOpaqueBlack;
+    ShadingOut result;
+};
+
+/// An element with a shape and the shader that it shows.
+class Surface {
+public:
+    Surface(SceneElement& element, const Graph& graph, size_t shader)
+        : fElement(element), fShader(graph.Shader(shader)), fExtension(graph.Extension(shader)),
+          fKinds(fShader.GetOutputKinds()), fIsLit(element.Look().fLit.value_or(false))
+    { }
+
+    Shown ShadeAt(const SurfaceHit& hit, const Eye& eye) const
+    {
+        ShadingIn sample;
+        FillSample(fElement.Shape()->Shape().PointAt(hit), fElement.Transform(), sample);
+        sample.fInstance = &fElement;
+        Shown shown = Ask(sample);
+        if (fIsLit) {
+            const float lamp = LampAt(sample, eye);
+            shown.color.fRed *= lamp;
+            shown.color.fGreen *= lamp;
+            shown.color.fBlue *= lamp;
+        }
+        return shown;
+    }
+
+private:
+    SceneElement& fElement;
+    IShellShader& fShader;
+    I3DExShader* fExtension; // null for a source
+    uint32_t fKinds;
+    bool fIsLit;
+
+    bool Offers(OutputKinds kind) const { return (fKinds & static_cast<uint32_t>(kind)) != 0; }
+
+    /// @param sample  copied, since shaders may change it
+    Shown Ask(ShadingIn sample) const
+    {
+        Shown shown;
+        if (Offers(kOutputSurface)) {
+            if (fShader.ShadeSurface(shown.result, sample) == 0)
+                shown.result.Clear();
+            shown.color = shown.result.fColor;
+            return shown;
+        }
+        const TVector3 normal = sample.fNormalLocal;
+        bool fullArea = false;
+        float coverage = kFullCoverage;
+        if (Offers(kOutputColor)) {
+            coverage = fShader.ShadeColor(shown.color, fullArea, sample);
+        } else if (Offers(kOutputValue)) {
+            float value = 0;
+            coverage = fShader.ShadeValue(value, fullArea, sample);
+            shown.color.SetRGB(value);
+        } else {
+            shown.color.SetRGB(1);
+        }
+        shown.result.Clear();
+        shown.result.fColor = shown.color;
+        shown.result.fCoverage = coverage;
+        shown.result.fFullArea = fullArea;
+        shown.result.fShadingNormal = normal;
+        return shown;
+    }
+
+    /// How much light of the lamp falls on the side towards the eye.
+    float LampAt(ShadingIn sample, const Eye& eye) const
+    {
+        constexpr float kAmbient = 0.12f;
+        const bool isBehind = Dot(sample.fNormalGlobal, eye.Origin() - sample.fPointGlobal) < 0;
+        TVector3 normal = sample.fNormalGlobal;
+        if (Offers(kOutputVector) && fExtension != nullptr)
+            fExtension->ShadeVector(normal, sample);
+        Normalize(normal);
+        const auto straight = static_cast<float>(Dot(isBehind ? -normal : normal, eye.ToLamp()));
+        return kAmbient + (1 - kAmbient) * Share(straight);
+    }
+};
+
+/// The sum of one pixel's samples, colours times alpha.
+struct PixelSum {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 0;
+
+    /// Puts a colour behind what a sample has met so far.
+    /// @param left  share of the sample that still shows what lies behind
+    void Add(const TMCColorRGBA& color, double& left)
+    {
+        const double share = left * Share(color.fAlpha);
+        if (!(share > 0)) // what is hidden may be anything
+            return;
+        red += share * color.fRed;
+        green += share * color.fGreen;
+        blue += share * color.fBlue;
+        alpha += share;
+        left -= share;
+    }
+    TMCColorRGBA Color(int samples) const
+    {
+        if (!(alpha > 0))
+            return {0, 0, 0, 0};
+        return {static_cast<float>(red / alpha), static_cast<float>(green / alpha),
+            static_cast<float>(blue / alpha), static_cast<float>(alpha / samples)};
+    }
+};
+
+class Renderer {
+public:
+    Renderer(const Library& library, const GraphDocument& document, const RenderJob& job)
+        : fLibrary(library), fDocument(document), fJob(job), fDescription(DescribeScene(document, job)),
+          fScene(MakeScene()), fWorld(*fScene), fEye(FindCamera(*fScene, fScene->CameraName()), job),
+          fPattern(job.samples), fShaders(FindShaders()),
+          fGrids(document, *MakeGraph(library, document, fScene), *fScene, fShaders)
+    { }
+
+    std::optional<Picture> Run()
+    {
+        Picture picture(fJob.width, fJob.height, PictureContent::kColor);
+        std::vector<std::vector<float>> layers;
+        if (fJob.layers)
+            layers.assign(SurfaceLayers().size(),
+                std::vector<float>(static_cast<size_t>(fJob.width) * static_cast<size_t>(fJob.height)));
+        const TileJob tiles
+            = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel};
+        if (!ForEachTile(tiles, [&](const Tile& tile) { ShadeTile(tile, picture, layers); }))
+            return std::nullopt;
+        for (size_t i = 0; i < layers.size(); ++i)
+            picture.AddChannel(SurfaceLayers()[i].fName, std::move(layers[i]));
+        return picture;
+    }
+
+private:
+    const Library& fLibrary;
+    const GraphDocument& fDocument;
+    const RenderJob& fJob;
+    SceneDescription fDescription;
+    MCCountedPtr<Scene> fScene; // of the rays; samples lie on those of the tiles
+    World fWorld;
+    Eye fEye;
+    PixelPattern fPattern;
+    std::vector<size_t> fShaders; // by shape of the scene, its place in the document
+    NormalGrids fGrids;
+
+    static std::vector<std::string> CameraNames(const Scene& scene)
+    {
+        std::vector<std::string> names;
+        for (const auto& element : scene.Elements())
+            if (element->Camera())
+                names.push_back(element->Name());
+        return names;
+    }
+
+    MCCountedPtr<Scene> MakeScene() const { return MakeCounted<Scene>(fDescription, Scene::Shaded::kNone); }
+
+    /// The scene of the document with the camera of the job.
+    static SceneDescription DescribeScene(const GraphDocument& document, const RenderJob& job)
+    {
+        if (!document.Scene())
+            throw RenderError("the document has no \"scene\" to render");
+        SceneDescription description = *document.Scene();
+        if (!job.camera.empty())
+            description.fCamera = job.camera;
+        if (description.fCamera.empty()) {
+            const auto names = CameraNames(*MakeCounted<Scene>(description, Scene::Shaded::kNone));
+            if (names.empty())
+                throw RenderError("the scene has no camera; give an element a \"camera\"");
+            description.fCamera = names.front();
+        }
+        return description;
+    }
+
+    static const SceneElement& FindCamera(const Scene& scene, const std::string& name)
+    {
+        for (const auto& element : scene.Elements())
+            if (element->Name() == name && element->Camera())
+                return *element;
+        const auto names = CameraNames(scene);
+        throw RenderError(fmt::format("there is no camera \"{}\"; {}", name,
+            names.empty() ? "the scene has none" : fmt::format("the scene has {}", fmt::join(names, ", "))));
+    }
+
+    std::vector<size_t> FindShaders() const
+    {
+        std::vector<size_t> places;
+        for (const SceneElement* const element : fScene->Shapes()) {
+            const std::optional<std::string>& name = element->Look().fShader;
+            const auto& all = fDocument.Shaders();
+            const auto found = std::find_if(all.begin(), all.end(),
+                [&name](const DocumentShader& shader) { return shader.fName == name; });
+            places.push_back(
+                found != all.end() ? static_cast<size_t>(found - all.begin()) : fDocument.OutputIndex());
+        }
+        return places;
+    }
+
+    void ShadeTile(const Tile& tile, Picture& picture, std::vector<std::vector<float>>& layers) const
+    {
+        // Shaders that ask the scene count its parts several times a sample: threads that share one are slower.
+        const MCCountedPtr<Scene> scene = MakeScene();
+        const OwnGraph graph = MakeGraph(fLibrary, fDocument, scene);
+        fGrids.Fill(*graph);
+        std::vector<Surface> surfaces;
+        for (size_t i = 0; i < fShaders.size(); ++i)
+            surfaces.emplace_back(*scene->Shapes()[i], *graph, fShaders[i]);
+        std::vector<double> layerSums(layers.size());
+        for (int y = tile.fTop; y < tile.fBottom; ++y)
+            for (int x = tile.fLeft; x < tile.fRight; ++x) {
+                PixelSum sum;
+                std::fill(layerSums.begin(), layerSums.end(), 0);
+                for (const auto& [right, down] : fPattern.Places())
+                    Trace(fEye.Direction(x + right, y + down), surfaces, sum, layerSums);
+                picture.At(x, y) = sum.Color(fJob.samples);
+                const size_t pixel
+                    = static_cast<size_t>(y) * static_cast<size_t>(fJob.width) + static_cast<size_t>(x);
+                for (size_t i = 0; i < layers.size(); ++i)
+                    layers[i][pixel] = static_cast<float>(layerSums[i] / fJob.samples);
+            }
+    }
+
+    void Trace(const TVector3& direction, const std::vector<Surface>& surfaces, PixelSum& sum,
+        std::vector<double>& layerSums) const
+    {
+        constexpr float kStep = 1e-4f;   // of the distance, to get off a surface
+        constexpr double kOpaque = 1e-3; // less isn't worth a ray
+        double left = 1;
+        float nearLimit = 0;
+        for (int depth = 0; depth < kMostSurfaces && left > kOpaque; ++depth) {
+            const auto hit = fWorld.Cast(fEye.Origin(), direction, nearLimit);
+            if (!hit)
+                break;
+            const Shown shown = surfaces[hit->fIndex].ShadeAt(hit->fSurface, fEye);
+            sum.Add(shown.color, left);
+            if (depth == 0)
+                for (size_t i = 0; i < layerSums.size(); ++i)
+                    layerSums[i] += SurfaceLayers()[i].Read(shown.result);
+            const auto distance = static_cast<float>(hit->fSurface.fDistance);
+            nearLimit = distance + std::max(distance * kStep, kStep * kStep);
+        }
+        sum.Add(fDocument.Scene()->fBackground, left);
+    }
+};
+
+} // namespace
+
+std::optional<Picture> Render(const Library& library, const GraphDocument& document, const RenderJob& job)
+{
+    return Renderer(library, document, job).Run();
+}
+
+} // namespace fernwick

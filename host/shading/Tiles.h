@@ -1,0 +1,44 @@
+#pragma once
+#include "host/shading/Graph.h"
+#include <atomic>
+#include <functional>
+#include <memory>
+
+namespace fernwick {
+
+// Pictures are cut into square tiles, each shaded row by row from the top by a graph of its own. So an object
+// serves one thread, and what shaders carry from sample to sample begins anew with each tile: a picture is the
+// same to the bit for any number of threads.
+
+struct GraphRelease {
+    void operator()(Graph* graph) const;
+};
+using OwnGraph = std::unique_ptr<Graph, GraphRelease>;
+
+/// Makes a graph, from any thread: graphs are made and released one at a time, since the library's counts are
+/// plain numbers. The arguments are those of `Graph`. Throws `GraphError`.
+OwnGraph MakeGraph(const Library& library, const GraphDocument& document);
+OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene);
+
+/// A tile in pixels; the ends aren't in it.
+struct Tile {
+    int fLeft;
+    int fTop;
+    int fRight;
+    int fBottom;
+};
+
+struct TileJob {
+    int width;
+    int height;
+    int side;                                      ///< of a tile
+    int threads;                                   ///< 0 for one a processor
+    const std::function<void(double)>& onProgress; ///< gets the done share; from any thread, one at a time
+    const std::atomic<bool>* cancel;               ///< looked at between tiles; may be null
+};
+
+/// Shades all tiles, several at a time.
+/// @return false when cancelled before the end
+bool ForEachTile(const TileJob& job, const std::function<void(const Tile&)>& shade);
+
+} // namespace fernwick

@@ -1,0 +1,35 @@
+#include "host/shading/UVSquare.h"
+#include "host/shading/Graph.h"
+
+namespace fernwick {
+
+UVSquare::UVSquare(const Graph& graph) : fInstance(graph.Instance())
+{
+    if (graph.SceneOrNull() != nullptr)
+        fToWorld = graph.SceneOrNull()->ShadedObject().Transform();
+}
+
+ShadingIn UVSquare::SampleAt(float u, float v) const
+{
+    ShadingIn in;
+    in.fPointLocal = {u, v, 0};
+    in.fNormalLocal = {0, 0, 1};
+    in.fUV = {u, v};
+    in.fPointGlobal = Turned(in.fPointLocal) + fToWorld.fTranslation;
+    in.fNormalGlobal = Turned(in.fNormalLocal);
+    in.fDerivU = Turned({1, 0, 0});
+    in.fDerivV = Turned({0, 1, 0});
+    in.fInstance = fInstance;
+    return in;
+}
+
+TVector3 UVSquare::Turned(const TVector3& vector) const
+{
+    TVector3 turned;
+    for (uint32_t row = 0; row < 3; ++row)
+        for (uint32_t column = 0; column < 3; ++column)
+            turned[row] += fToWorld.fMatrix[row][column] * vector[column];
+    return turned;
+}
+
+} // namespace fernwick

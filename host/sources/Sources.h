@@ -1,0 +1,34 @@
+#pragma once
+#include "frame/IShellShader.h"
+#include "frame/MCCountedPtr.h"
+#include "host/parameters/FieldValue.h"
+#include <stdexcept>
+
+namespace fernwick {
+
+/// A source that can't be made of its settings. The text starts with the name of the setting.
+class SourceError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// One kind of the host's own pluggable shaders: `color`, `value`, `picture`, `checker`, `ramp`, `gradient`
+/// and `surface`.
+///
+/// A source answers from `fUV` alone. It never changes once it is made, so one object serves any number of
+/// threads. A colour source that is asked for a value gives the colour's luminance, a value source that is asked
+/// for a colour gives an opaque grey, and both answer a surface with that colour as the main colour.
+struct SourceKind {
+    ParameterTable fTable;
+    const void* fDefaults; ///< a record as it is before any setting
+
+    /// Makes a source. Throws `SourceError`.
+    MCCountedPtr<IShellShader> (*fMake)(std::span<const FieldSetting> settings);
+};
+
+std::span<const SourceKind> AllSources();
+
+/// The kind of exactly this name; null when there is none.
+const SourceKind* FindSource(std::string_view name);
+
+} // namespace fernwick
