@@ -3,7 +3,6 @@ add_library(fernwick_options INTERFACE)
 target_include_directories(fernwick_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(fernwick_options INTERFACE
     -Wall -Wextra -Wpedantic
-    $<$<COMPILE_LANGUAGE:CXX>:-Wno-invalid-offsetof> # the records hold counted pointers; their offsets are pinned on purpose
     -ffp-contract=off
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

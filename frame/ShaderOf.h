@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderBase.h"
 
 /// What each shader class does in its own name: destruction, its record's address and the comparison of

@@ -16,6 +16,8 @@
 // dimensions, and is refined by the operations of `Row`. RECORDS(record, member, label, rows...) is a member, or
 // an array, of a nested record; its label goes before the labels of its fields.
 
+#pragma GCC diagnostic ignored "-Winvalid-offsetof" // of records with a name, see frame/Layout.h
+
 #define FIELD(record, member, label, help)                                                                   \
     fernwick::RowOf<decltype(record::member)>(#member, offsetof(record, member), label, help)
 

@@ -9,8 +9,8 @@ struct MultiPassControlParams {
     int32_t fLevel = Code("LREF"); ///< "LONE" to "LTEN": the ten levels; "LREF": the sub-shader's
     SubShaderSlot fSubShader;      ///< gives the level of "LREF"
 };
-static_assert(offsetof(MultiPassControlParams, fPassName) == 0);
-static_assert(
+PIN_LAYOUT(offsetof(MultiPassControlParams, fPassName) == 0);
+PIN_LAYOUT(
     offsetof(MultiPassControlParams, fLevel) == 2800 && offsetof(MultiPassControlParams, fSubShader) == 2808);
 static_assert(sizeof(MultiPassControlParams) == 2816);
 

@@ -8,8 +8,8 @@ struct MultiPassManagerParams {
     TMCString255 fPassName[10];   ///< the user's labels, which nothing reads
     SubShaderSlot fSubShader[11]; ///< the selector, then the shaders of passes 1 to 10
 };
-static_assert(offsetof(MultiPassManagerParams, fPassName) == 0);
-static_assert(offsetof(MultiPassManagerParams, fSubShader) == 2800 && sizeof(MultiPassManagerParams) == 2888);
+PIN_LAYOUT(offsetof(MultiPassManagerParams, fPassName) == 0);
+PIN_LAYOUT(offsetof(MultiPassManagerParams, fSubShader) == 2800 && sizeof(MultiPassManagerParams) == 2888);
 
 /// A ten-way switch of surfaces: the tenth in which the selector's number falls is the pass, read anew in every
 /// sample.

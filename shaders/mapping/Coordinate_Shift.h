@@ -13,11 +13,11 @@ struct Coordinate_ShiftParams {
     TMCBool fShiftLocal[3] = {};                  ///< X, Y, Z of the object's coordinates move
     SubShaderSlot fSubShader;
 };
-static_assert(
+PIN_LAYOUT(
     offsetof(Coordinate_ShiftParams, fMode) == 0 && offsetof(Coordinate_ShiftParams, fObjectName) == 8);
-static_assert(offsetof(Coordinate_ShiftParams, fOffset) == 288
+PIN_LAYOUT(offsetof(Coordinate_ShiftParams, fOffset) == 288
     && offsetof(Coordinate_ShiftParams, fShiftGlobal) == 300);
-static_assert(offsetof(Coordinate_ShiftParams, fShiftLocal) == 303
+PIN_LAYOUT(offsetof(Coordinate_ShiftParams, fShiftLocal) == 303
     && offsetof(Coordinate_ShiftParams, fSubShader) == 312);
 static_assert(sizeof(Coordinate_ShiftParams) == 320);
 

@@ -43,25 +43,24 @@ struct FresnelParams {
     float fWhiteX = ColorSystems::sRGBSystem.xyYWhite[0];
     float fWhiteY = ColorSystems::sRGBSystem.xyYWhite[1];
 };
-static_assert(offsetof(FresnelParams, fCameraName) == 0 && offsetof(FresnelParams, fMixStyle) == 280);
-static_assert(offsetof(FresnelParams, fSubShader) == 288 && offsetof(FresnelParams, fIndex1Re) == 296);
-static_assert(offsetof(FresnelParams, fIndex1Im) == 300 && offsetof(FresnelParams, fIndex2Re) == 304);
-static_assert(offsetof(FresnelParams, fIndex2Im) == 308 && offsetof(FresnelParams, fPermeability1) == 312);
-static_assert(
-    offsetof(FresnelParams, fPermeability2) == 316 && offsetof(FresnelParams, fPolarization) == 320);
-static_assert(offsetof(FresnelParams, fMode) == 324 && offsetof(FresnelParams, fIndex2ReOffset) == 328);
-static_assert(offsetof(FresnelParams, fIndex2ImOffset) == 332);
-static_assert(offsetof(FresnelParams, fPermeability2Offset) == 336);
-static_assert(offsetof(FresnelParams, fWavelength) == 340 && offsetof(FresnelParams, fDispersion) == 344);
-static_assert(offsetof(FresnelParams, fIndex2ReAtWavelength) == 348);
-static_assert(offsetof(FresnelParams, fIndex2ImAtWavelength) == 352);
-static_assert(offsetof(FresnelParams, fPreset1) == 356 && offsetof(FresnelParams, fPreset2) == 360);
-static_assert(offsetof(FresnelParams, fIlluminantPreset) == 364 && offsetof(FresnelParams, fColored) == 368);
-static_assert(offsetof(FresnelParams, fWavelengthColor) == 372);
-static_assert(offsetof(FresnelParams, fWavelengthLinear) == 388);
-static_assert(offsetof(FresnelParams, fIlluminantColor) == 400);
-static_assert(offsetof(FresnelParams, fTemperature) == 416 && offsetof(FresnelParams, fWhiteX) == 420);
-static_assert(offsetof(FresnelParams, fWhiteY) == 424 && sizeof(FresnelParams) == 432);
+PIN_LAYOUT(offsetof(FresnelParams, fCameraName) == 0 && offsetof(FresnelParams, fMixStyle) == 280);
+PIN_LAYOUT(offsetof(FresnelParams, fSubShader) == 288 && offsetof(FresnelParams, fIndex1Re) == 296);
+PIN_LAYOUT(offsetof(FresnelParams, fIndex1Im) == 300 && offsetof(FresnelParams, fIndex2Re) == 304);
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2Im) == 308 && offsetof(FresnelParams, fPermeability1) == 312);
+PIN_LAYOUT(offsetof(FresnelParams, fPermeability2) == 316 && offsetof(FresnelParams, fPolarization) == 320);
+PIN_LAYOUT(offsetof(FresnelParams, fMode) == 324 && offsetof(FresnelParams, fIndex2ReOffset) == 328);
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2ImOffset) == 332);
+PIN_LAYOUT(offsetof(FresnelParams, fPermeability2Offset) == 336);
+PIN_LAYOUT(offsetof(FresnelParams, fWavelength) == 340 && offsetof(FresnelParams, fDispersion) == 344);
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2ReAtWavelength) == 348);
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2ImAtWavelength) == 352);
+PIN_LAYOUT(offsetof(FresnelParams, fPreset1) == 356 && offsetof(FresnelParams, fPreset2) == 360);
+PIN_LAYOUT(offsetof(FresnelParams, fIlluminantPreset) == 364 && offsetof(FresnelParams, fColored) == 368);
+PIN_LAYOUT(offsetof(FresnelParams, fWavelengthColor) == 372);
+PIN_LAYOUT(offsetof(FresnelParams, fWavelengthLinear) == 388);
+PIN_LAYOUT(offsetof(FresnelParams, fIlluminantColor) == 400);
+PIN_LAYOUT(offsetof(FresnelParams, fTemperature) == 416 && offsetof(FresnelParams, fWhiteX) == 420);
+PIN_LAYOUT(offsetof(FresnelParams, fWhiteY) == 424 && sizeof(FresnelParams) == 432);
 
 /// How much light a smooth boundary between two media reflects or lets through towards the eye, by the angle
 /// between the normal and the way to a named element; grey, or in the hue of one wavelength.

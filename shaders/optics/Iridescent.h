@@ -29,13 +29,13 @@ struct IridescentParams {
     uint32_t fReferenceMode = Code("RFVT"); ///< "OBJT": towards `fObjectName`; else the fixed direction
     SubShaderSlot fSubShader;
 };
-static_assert(offsetof(IridescentParams, fObjectName) == 0 && offsetof(IridescentParams, fBands) == 280);
-static_assert(offsetof(IridescentParams, fHoldLastBand) == 448);
-static_assert(offsetof(IridescentParams, fSameWidth) == 449 && offsetof(IridescentParams, fGrey) == 450);
-static_assert(offsetof(IridescentParams, fInvertGrey) == 451 && offsetof(IridescentParams, fAzimuth) == 452);
-static_assert(offsetof(IridescentParams, fElevation) == 456 && offsetof(IridescentParams, fMixStyle) == 460);
-static_assert(offsetof(IridescentParams, fReferenceMode) == 464);
-static_assert(offsetof(IridescentParams, fSubShader) == 472 && sizeof(IridescentParams) == 480);
+PIN_LAYOUT(offsetof(IridescentParams, fObjectName) == 0 && offsetof(IridescentParams, fBands) == 280);
+PIN_LAYOUT(offsetof(IridescentParams, fHoldLastBand) == 448);
+PIN_LAYOUT(offsetof(IridescentParams, fSameWidth) == 449 && offsetof(IridescentParams, fGrey) == 450);
+PIN_LAYOUT(offsetof(IridescentParams, fInvertGrey) == 451 && offsetof(IridescentParams, fAzimuth) == 452);
+PIN_LAYOUT(offsetof(IridescentParams, fElevation) == 456 && offsetof(IridescentParams, fMixStyle) == 460);
+PIN_LAYOUT(offsetof(IridescentParams, fReferenceMode) == 464);
+PIN_LAYOUT(offsetof(IridescentParams, fSubShader) == 472 && sizeof(IridescentParams) == 480);
 
 /// Colours a surface by the angle between its normal and a reference direction, with seven overlapping bands.
 /// There is no wave optics in it.

@@ -29,12 +29,12 @@ struct CurvatureParams {
     int32_t fMixStyle = Code("SMMX"); ///< "SHMX": the sub-shader drives the running angle
     SubShaderSlot fSubShader;
 };
-static_assert(offsetof(CurvatureParams, fObjectName) == 0 && offsetof(CurvatureParams, fSurfaceName) == 280);
-static_assert(offsetof(CurvatureParams, fBands) == 560 && offsetof(CurvatureParams, fClampTop) == 728);
-static_assert(offsetof(CurvatureParams, fSharedWidth) == 729 && offsetof(CurvatureParams, fRawAngle) == 730);
-static_assert(offsetof(CurvatureParams, fInvertRaw) == 731 && offsetof(CurvatureParams, fAngleA) == 732);
-static_assert(offsetof(CurvatureParams, fAngleB) == 736 && offsetof(CurvatureParams, fMixStyle) == 740);
-static_assert(offsetof(CurvatureParams, fSubShader) == 744 && sizeof(CurvatureParams) == 752);
+PIN_LAYOUT(offsetof(CurvatureParams, fObjectName) == 0 && offsetof(CurvatureParams, fSurfaceName) == 280);
+PIN_LAYOUT(offsetof(CurvatureParams, fBands) == 560 && offsetof(CurvatureParams, fClampTop) == 728);
+PIN_LAYOUT(offsetof(CurvatureParams, fSharedWidth) == 729 && offsetof(CurvatureParams, fRawAngle) == 730);
+PIN_LAYOUT(offsetof(CurvatureParams, fInvertRaw) == 731 && offsetof(CurvatureParams, fAngleA) == 732);
+PIN_LAYOUT(offsetof(CurvatureParams, fAngleB) == 736 && offsetof(CurvatureParams, fMixStyle) == 740);
+PIN_LAYOUT(offsetof(CurvatureParams, fSubShader) == 744 && sizeof(CurvatureParams) == 752);
 
 /// The curvature of a named surface under the sample, from one short ray: the Gaussian curvature in red where
 /// it is positive, in blue where it is negative, and green where the ray misses.

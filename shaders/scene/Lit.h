@@ -13,10 +13,10 @@ struct LitParams {
     int32_t fReference = Code("Opt1"); ///< where the light is measured from
     TMCBool fUseMinAngle;              ///< tests the lower bound too
 };
-static_assert(offsetof(LitParams, fLightName) == 0 && offsetof(LitParams, fInvert) == 280);
-static_assert(offsetof(LitParams, fUseLightColor) == 281 && offsetof(LitParams, fFoldAngle) == 282);
-static_assert(offsetof(LitParams, fAngleRange) == 284 && offsetof(LitParams, fReference) == 292);
-static_assert(offsetof(LitParams, fUseMinAngle) == 296 && sizeof(LitParams) == 304);
+PIN_LAYOUT(offsetof(LitParams, fLightName) == 0 && offsetof(LitParams, fInvert) == 280);
+PIN_LAYOUT(offsetof(LitParams, fUseLightColor) == 281 && offsetof(LitParams, fFoldAngle) == 282);
+PIN_LAYOUT(offsetof(LitParams, fAngleRange) == 284 && offsetof(LitParams, fReference) == 292);
+PIN_LAYOUT(offsetof(LitParams, fUseMinAngle) == 296 && sizeof(LitParams) == 304);
 
 /// How far a named light reaches the surface, as a grey amount or in the light's colour: by the angle to the
 /// normal and by the light's own range and cone. No shadows are traced.

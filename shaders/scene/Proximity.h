@@ -19,13 +19,13 @@ struct ProximityParams {
     TMCBool fSingleObject = true; ///< one named element; false: the nearest of a group
     SubShaderSlot fSubShader;
 };
-static_assert(offsetof(ProximityParams, fTargetName) == 0 && offsetof(ProximityParams, fUseShader) == 280);
-static_assert(offsetof(ProximityParams, fShaderStrength) == 284);
-static_assert(offsetof(ProximityParams, fReference) == 288 && offsetof(ProximityParams, fAxisX) == 292);
-static_assert(offsetof(ProximityParams, fAxisY) == 293 && offsetof(ProximityParams, fAxisZ) == 294);
-static_assert(offsetof(ProximityParams, fMaxDistance) == 296 && offsetof(ProximityParams, fFalloff) == 300);
-static_assert(offsetof(ProximityParams, fOffset) == 304 && offsetof(ProximityParams, fSingleObject) == 308);
-static_assert(offsetof(ProximityParams, fSubShader) == 312 && sizeof(ProximityParams) == 320);
+PIN_LAYOUT(offsetof(ProximityParams, fTargetName) == 0 && offsetof(ProximityParams, fUseShader) == 280);
+PIN_LAYOUT(offsetof(ProximityParams, fShaderStrength) == 284);
+PIN_LAYOUT(offsetof(ProximityParams, fReference) == 288 && offsetof(ProximityParams, fAxisX) == 292);
+PIN_LAYOUT(offsetof(ProximityParams, fAxisY) == 293 && offsetof(ProximityParams, fAxisZ) == 294);
+PIN_LAYOUT(offsetof(ProximityParams, fMaxDistance) == 296 && offsetof(ProximityParams, fFalloff) == 300);
+PIN_LAYOUT(offsetof(ProximityParams, fOffset) == 304 && offsetof(ProximityParams, fSingleObject) == 308);
+PIN_LAYOUT(offsetof(ProximityParams, fSubShader) == 312 && sizeof(ProximityParams) == 320);
 
 /// How near the shaded object lies to another one, from 1 when close to 0 at the limit. Distances are between
 /// origins; no mesh is looked at, and nothing of the scene is kept between samples.

@@ -13,12 +13,12 @@ struct TranslucentParams {
     int32_t fReference = Code("Opt1");   ///< from where the two elements are seen
     TVector2 fCurveHandles{0, 100};      ///< the two inner control values of the curve, used as they stand
 };
-static_assert(offsetof(TranslucentParams, fCameraName) == 0);
-static_assert(offsetof(TranslucentParams, fLightName) == 280 && offsetof(TranslucentParams, fInvert) == 560);
-static_assert(offsetof(TranslucentParams, fFalloffMode) == 564);
-static_assert(offsetof(TranslucentParams, fAngleRange) == 568);
-static_assert(offsetof(TranslucentParams, fReference) == 576);
-static_assert(offsetof(TranslucentParams, fCurveHandles) == 580 && sizeof(TranslucentParams) == 592);
+PIN_LAYOUT(offsetof(TranslucentParams, fCameraName) == 0);
+PIN_LAYOUT(offsetof(TranslucentParams, fLightName) == 280 && offsetof(TranslucentParams, fInvert) == 560);
+PIN_LAYOUT(offsetof(TranslucentParams, fFalloffMode) == 564);
+PIN_LAYOUT(offsetof(TranslucentParams, fAngleRange) == 568);
+PIN_LAYOUT(offsetof(TranslucentParams, fReference) == 576);
+PIN_LAYOUT(offsetof(TranslucentParams, fCurveHandles) == 580 && sizeof(TranslucentParams) == 592);
 
 /// A grey level from the angle between a light and a viewer as seen from the shaded object: bright where the
 /// surface is seen against the light. Any element can stand for either.
