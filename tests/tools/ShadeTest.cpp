@@ -123,7 +123,7 @@ TEST_F(ShadeTest, EveryClassIsPrintedMeasuredAndShownByThePage)
         EXPECT_THAT(numbers.out, HasSubstr(": 63 samples, "));
 
         const std::string start = "    fernwick shade " + table.fName + ' ';
-        const std::string end = " -o " + table.fName + ".png\n";
+        const std::string end = " -o out/" + table.fName + ".png\n";
         const size_t found = page.find(end);
         ASSERT_NE(found, std::string::npos) << table.fName;
         const size_t line = page.rfind(start, found) + std::string("    fernwick ").size();
