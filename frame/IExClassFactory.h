@@ -4,10 +4,6 @@
 inline constexpr GUID IID_IExClassFactory
     = {0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
-/// The class identifier that is set aside for the pack and stays unused: nothing is made for it.
-inline constexpr GUID kUnusedClassID
-    = {0xF7055AEE, 0x6CEB, 0x4DDA, {0x91, 0x69, 0x04, 0x43, 0x2B, 0x16, 0xF2, 0x25}};
-
 /// Makes objects of one class.
 class IExClassFactory : public IMCUnknown {
 public:

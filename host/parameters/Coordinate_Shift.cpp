@@ -1,10 +1,10 @@
 #include "shaders/mapping/Coordinate_Shift.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable Coordinate_ShiftTable()
 {
-    return {"Coordinate_Shift", {"4BFCBC62-98F5-4537-8CAE-77AD795490FF"}, kOutputSurface,
-        sizeof(Coordinate_ShiftParams),
+    return {"Coordinate_Shift", {kCoordinate_ShiftClassID}, kOutputSurface, sizeof(Coordinate_ShiftParams),
         "Ties what depends on position to an offset, or to another object of the scene.",
         {
             FIELD(Coordinate_ShiftParams, fMode, "Offset from",

@@ -1,10 +1,11 @@
 #include "shaders/patterns/Drip.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable DripTable()
 {
-    return {"Drip", {"E00678C0-B7D1-4620-B18D-F6644EE6B256"}, kOutputValue | kOutputVector,
-        sizeof(DripParams), "The ring that a drop makes on water, with an optional second one.",
+    return {"Drip", {kDripClassID}, kOutputValue | kOutputVector, sizeof(DripParams),
+        "The ring that a drop makes on water, with an optional second one.",
         {
             FIELD(DripParams, fCenterU, "Centre U", "Centre of the ring.").Unit("UV"),
             FIELD(DripParams, fCenterV, "Centre V", "Centre of the ring.").Unit("UV"),

@@ -1,10 +1,10 @@
 #include "shaders/optics/Fresnel.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable FresnelTable()
 {
-    return {"Fresnel", {"BE9FA2A5-5FBE-4558-8009-7A1F1D7A6802", "C21E8AD4-1898-4C50-97F6-8194F6830F4C"},
-        kOutputColor, sizeof(FresnelParams),
+    return {"Fresnel", {kFresnelClassID, kFresnelSecondClassID}, kOutputColor, sizeof(FresnelParams),
         "How much light a smooth boundary reflects or lets through towards the eye.",
         {
             FIELD(FresnelParams, fCameraName, "Eye",

@@ -1,10 +1,10 @@
 #include "shaders/mapping/Gray.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable GrayTable()
 {
-    return {"Gray", {"B30CC03F-243F-4F88-9E16-8B0571771DBC", "535766EF-CF7A-448A-9718-25C0E484C314"},
-        kOutputColor | kOutputSurface, sizeof(GrayParams),
+    return {"Gray", {kGrayClassID, kGraySecondClassID}, kOutputColor | kOutputSurface, sizeof(GrayParams),
         "Filters a colour or the colours of a surface: to grey, or to another saturation.",
         {
             FIELD(GrayParams, fSaturationShift, "Saturation", "Added to the saturation of every colour.")

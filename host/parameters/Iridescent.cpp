@@ -1,9 +1,10 @@
 #include "shaders/optics/Iridescent.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable IridescentTable()
 {
-    return {"Iridescent", {"95066A60-9909-11D7-A926-545543445200"}, kOutputColor, sizeof(IridescentParams),
+    return {"Iridescent", {kIridescentClassID}, kOutputColor, sizeof(IridescentParams),
         "Seven overlapping bands of colour by the angle between the normal and a reference direction.",
         {
             FIELD(IridescentParams, fObjectName, "Object",

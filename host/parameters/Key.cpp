@@ -1,9 +1,10 @@
 #include "shaders/mapping/Key.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable KeyTable()
 {
-    return {"Key", {"379752D6-C5EB-4173-B3E4-FF727769483A"}, kOutputColor, sizeof(KeyParams),
+    return {"Key", {kKeyClassID}, kOutputColor, sizeof(KeyParams),
         "Keys a colour out of a shader: a mask, or the shader's colour cut out by its alpha.",
         {
             FIELD(KeyParams, fRedRange, "Red range",

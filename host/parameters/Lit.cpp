@@ -1,9 +1,10 @@
 #include "shaders/scene/Lit.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable LitTable()
 {
-    return {"Lit", {"64D2039A-97CC-4C82-959A-EEFB58BF906A"}, kOutputValue | kOutputColor, sizeof(LitParams),
+    return {"Lit", {kLitClassID}, kOutputValue | kOutputColor, sizeof(LitParams),
         "How far a named light reaches the surface, without shadows.",
         {
             FIELD(LitParams, fLightName, "Light", "Name of the light in the scene."),

@@ -1,9 +1,10 @@
 #include "shaders/mapping/Location.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable LocationTable()
 {
-    return {"Location", {"D959106B-78CD-48E4-9475-29490392EA46"}, kOutputValue, sizeof(LocationParams),
+    return {"Location", {kLocationClassID}, kOutputValue, sizeof(LocationParams),
         "A mask by position: a ramp along each axis that is on, in world or object coordinates.",
         {
             RECORDS(LocationParams, fAxes, "Axis",

@@ -1,10 +1,11 @@
 #include "shaders/layers/MultiPassControl.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable MultiPassControlTable()
 {
-    return {"MultiPassControl", {"FDCF5228-1C6A-463B-98C9-976539784EE9"}, kOutputValue,
-        sizeof(MultiPassControlParams), "Tells any number of MultiPassManager shaders which pass is meant.",
+    return {"MultiPassControl", {kMultiPassControlClassID}, kOutputValue, sizeof(MultiPassControlParams),
+        "Tells any number of MultiPassManager shaders which pass is meant.",
         {
             FIELD(MultiPassControlParams, fPassName, "Name of level #", "A label for the user."),
             FIELD(MultiPassControlParams, fLevel, "Level",

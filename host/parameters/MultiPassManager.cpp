@@ -1,10 +1,11 @@
 #include "shaders/layers/MultiPassManager.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable MultiPassManagerTable()
 {
-    return {"MultiPassManager", {"80B31898-D5AD-4532-A911-BE906048D6F9"}, kOutputSurface,
-        sizeof(MultiPassManagerParams), "A ten-way switch of surfaces: the selector's value tells the pass.",
+    return {"MultiPassManager", {kMultiPassManagerClassID}, kOutputSurface, sizeof(MultiPassManagerParams),
+        "A ten-way switch of surfaces: the selector's value tells the pass.",
         {
             FIELD(MultiPassManagerParams, fPassName, "Name of pass #", "A label for the user."),
             FIELD(MultiPassManagerParams, fSubShader, "Slot #",

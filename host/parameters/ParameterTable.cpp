@@ -2,7 +2,6 @@
 #include "frame/Numbers.h"
 #include "host/parameters/Notation.h"
 #include <algorithm>
-#include <cstdio>
 #include <fmt/format.h>
 
 // The classes with a table, each in a file of its own under host/parameters: those with a route in the order of
@@ -60,17 +59,6 @@ constexpr TypeRow kTypes[] = {
 };
 
 const TypeRow& TypeRowOf(FieldType type) { return kTypes[static_cast<size_t>(type)]; }
-
-GUID ParseGuid(std::string_view text)
-{
-    unsigned words[11] = {};
-    std::sscanf(std::string(text).c_str(), "%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x", &words[0], &words[1],
-        &words[2], &words[3], &words[4], &words[5], &words[6], &words[7], &words[8], &words[9], &words[10]);
-    GUID id = {words[0], static_cast<uint16_t>(words[1]), static_cast<uint16_t>(words[2]), {}};
-    for (size_t i = 0; i < 8; ++i)
-        id.Data4[i] = static_cast<uint8_t>(words[3 + i]);
-    return id;
-}
 
 /// Puts the numbers, raised by 1, in the place of the first `#` signs.
 std::string Numbered(std::string text, const std::vector<size_t>& numbers)
@@ -191,13 +179,11 @@ Row& Row::Labels(std::initializer_list<std::string> labels)
     return *this;
 }
 
-ParameterTable::ParameterTable(std::string name, std::initializer_list<std::string_view> classIDs,
-    int32_t outputKinds, size_t recordSize, std::string purpose, std::vector<Row> rows)
-    : fName(std::move(name)), fOutputKinds(outputKinds), fRecordSize(recordSize),
+ParameterTable::ParameterTable(std::string name, std::initializer_list<GUID> classIDs, int32_t outputKinds,
+    size_t recordSize, std::string purpose, std::vector<Row> rows)
+    : fName(std::move(name)), fClassIDs(classIDs), fOutputKinds(outputKinds), fRecordSize(recordSize),
       fPurpose(std::move(purpose)), fRows(std::move(rows))
 {
-    for (const std::string_view id : classIDs)
-        fClassIDs.push_back(ParseGuid(id));
     for (const Row& row : fRows)
         AddFields(row, {}, fFields);
 }

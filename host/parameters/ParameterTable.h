@@ -89,8 +89,8 @@ struct Row {
 /// What the host knows of one class of shaders, or of one of its own sources: identity, outputs and the layout
 /// of the record. Defaults aren't here: they are read from a freshly made object.
 struct ParameterTable {
-    /// @param classIDs  in the notation 379752D6-C5EB-4173-B3E4-FF727769483A; none for a class without a route
-    ParameterTable(std::string name, std::initializer_list<std::string_view> classIDs, int32_t outputKinds,
+    /// @param classIDs  none for a class without a route
+    ParameterTable(std::string name, std::initializer_list<GUID> classIDs, int32_t outputKinds,
         size_t recordSize, std::string purpose, std::vector<Row> rows);
 
     std::string fName;

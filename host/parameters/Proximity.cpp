@@ -1,9 +1,10 @@
 #include "shaders/scene/Proximity.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable ProximityTable()
 {
-    return {"Proximity", {"CCE54E2B-7650-4059-819F-786B249F25BC"}, kOutputValue, sizeof(ProximityParams),
+    return {"Proximity", {kProximityClassID}, kOutputValue, sizeof(ProximityParams),
         "How near the surface is to another object, or to the nearest of a group.",
         {
             FIELD(ProximityParams, fTargetName, "Target",

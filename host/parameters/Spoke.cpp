@@ -1,9 +1,10 @@
 #include "shaders/patterns/Spoke.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable SpokeTable()
 {
-    return {"Spoke", {"48C59C53-7AFF-452D-9F9D-E1FEBED06FDB"}, kOutputValue, sizeof(SpokeParams),
+    return {"Spoke", {kSpokeClassID}, kOutputValue, sizeof(SpokeParams),
         "A wheel of soft-edged spokes around a point in UV.",
         {
             FIELD(SpokeParams, fCenterU, "Centre U", "Centre of the wheel.").Unit("UV"),

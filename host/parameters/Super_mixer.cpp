@@ -1,5 +1,6 @@
 #include "shaders/layers/Super_mixer.h"
 #include "host/parameters/MixerRows.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable Super_mixerTable()
 {
@@ -9,6 +10,6 @@ fernwick::ParameterTable Super_mixerTable()
             "Ranges: the layers whose range holds the control. Sum: all layers, unweighted. Any other code: "
             "none.")
             .Choices({{"MXMD", "Ranges"}, {"ADMD", "Sum"}}));
-    return {"Super_mixer", {"2B82DA60-A115-11D7-A926-545543445200"}, kOutputColor, sizeof(Super_mixerParams),
+    return {"Super_mixer", {kSuper_mixerClassID}, kOutputColor, sizeof(Super_mixerParams),
         "Mixes up to ten layers of colour by a control value and a range for each.", rows};
 }

@@ -1,9 +1,10 @@
 #include "shaders/scene/Translucent.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable TranslucentTable()
 {
-    return {"Translucent", {"999C3DA8-7456-4FB4-A481-2700FCFE749D"}, kOutputColor, sizeof(TranslucentParams),
+    return {"Translucent", {kTranslucentClassID}, kOutputColor, sizeof(TranslucentParams),
         "Grey by the angle between a light and a viewer as seen from the surface.",
         {
             FIELD(

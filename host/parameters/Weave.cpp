@@ -1,10 +1,10 @@
 #include "shaders/patterns/Weave.h"
 #include "host/parameters/Notation.h"
+#include "module/ClassIDs.h"
 
 fernwick::ParameterTable WeaveTable()
 {
-    return {"Weave", {"608112FA-2448-4404-8E96-17A8C6B5E9F9"}, kOutputColor | kOutputVector,
-        sizeof(WeaveParams),
+    return {"Weave", {kWeaveClassID}, kOutputColor | kOutputVector, sizeof(WeaveParams),
         "Woven cloth: up to five warp and five weft threads a tile, in colour and as a bent normal.",
         {
             FIELD(WeaveParams, fWeaveMode, "Cloth",

@@ -1,4 +1,5 @@
 #include "frame/Query.h"
+#include "module/ClassIDs.h"
 #include "host/library/Module.h"
 #include "host/validation/Checks.h"
 #include "host/validation/ElfSymbols.h"

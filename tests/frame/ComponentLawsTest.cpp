@@ -1,4 +1,5 @@
 #include "frame/IExDataExchanger.h"
+#include "module/ClassIDs.h"
 #include "frame/Query.h"
 #include "frame/TMCException.h"
 #include "tests/support/FakeOuter.h"

@@ -34,7 +34,7 @@ constexpr Room kHouse[] = {
     {"module", "frame " SHADERS},
     {"host/threads", ""},
     {"host/library", "frame module"},
-    {"host/parameters", "frame " SHADERS},
+    {"host/parameters", "frame module " SHADERS},
     {"host/json", "frame host/parameters"},
     {"host/sources", "frame host/library host/parameters"},
     {"host/geometry", "frame host/threads"},
@@ -44,7 +44,7 @@ constexpr Room kHouse[] = {
     {"host/shading",
         "frame module shaders/optics shaders/scene host/threads host/library host/geometry host/scene"
         " host/documents host/pictures"},
-    {"host/validation", "frame host/library host/parameters"},
+    {"host/validation", "frame module host/library host/parameters"},
     {"tools",
         "frame host/library host/parameters host/json host/sources host/documents host/pictures host/shading"
         " host/validation"},
