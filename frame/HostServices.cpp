@@ -3,7 +3,6 @@
 
 IShellUtilities* gShellUtilities = nullptr;
 IMemoryUtilities* gMemoryUtilities = nullptr;
-IDebugUtilities* gDebugUtilities = nullptr;
 IShSafeUtilities* gShSafeUtilities = nullptr;
 
 const GUID kServiceIDs[kServiceCount] = {

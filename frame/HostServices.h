@@ -43,7 +43,7 @@ public:
 
 extern IShellUtilities* gShellUtilities;
 extern IMemoryUtilities* gMemoryUtilities;
-extern IDebugUtilities* gDebugUtilities;
+inline IDebugUtilities* gDebugUtilities = nullptr; ///< inline, so that the headers alone can report
 extern IShSafeUtilities* gShSafeUtilities;
 
 /// How many services the host is asked for, the four above among them.
