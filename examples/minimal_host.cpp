@@ -1,6 +1,7 @@
 // A whole host: opens the library that the command line names, makes a wheel of spokes and draws it in letters.
 #include "frame/HostServices.h"
 #include "frame/IExClassFactory.h"
+#include "module/ClassIDs.h"
 #include "module/Exports.h"
 #include "shaders/patterns/Spoke.h"
 #include <cstdio>
@@ -22,22 +23,33 @@ struct Memory final
     void FreeBlock(void* memory) override { std::free(memory); }
 };
 
+static int Fail(const char* what)
+{
+    std::fprintf(stderr, "minimal_host: %s\n", what);
+    return EXIT_FAILURE;
+}
+
 int main(int argc, char** argv)
 {
-    void* const library = argc == 2 ? dlopen(argv[1], RTLD_NOW) : nullptr;
+    if (argc != 2)
+        return Fail("name the library to load, and nothing else");
+    void* const library = dlopen(argv[1], RTLD_NOW);
     if (library == nullptr)
-        return EXIT_FAILURE;
+        return Fail(dlerror());
     const auto init = reinterpret_cast<MCDllInitFunction>(dlsym(library, "MCDllInit"));
     const auto classOf = reinterpret_cast<MCDllGetClassObjectFunction>(dlsym(library, "MCDllGetClassObject"));
     const auto cleanUp = reinterpret_cast<MCDllCleanUpFunction>(dlsym(library, "MCDllCleanUp"));
+    if (init == nullptr || classOf == nullptr || cleanUp == nullptr)
+        return Fail("that is another library: it lacks MCDllInit, MCDllGetClassObject or MCDllCleanUp");
     Memory memory;
     init(&memory);
 
-    constexpr GUID kSpoke = {0x48C59C53, 0x7AFF, 0x452D, {0x9F, 0x9D, 0xE1, 0xFE, 0xBE, 0xD0, 0x6F, 0xDB}};
     void* face;
-    classOf(kSpoke, IID_IExClassFactory, &face);
+    if (classOf(kSpokeClassID, IID_IExClassFactory, &face) != MC_S_OK)
+        return Fail("the library gives no class factory");
     const auto factory = static_cast<IExClassFactory*>(face);
-    factory->CreateInstance(nullptr, IID_I3DExShader, &face);
+    if (factory->CreateInstance(nullptr, IID_I3DExShader, &face) != MC_S_OK)
+        return Fail("the library makes no Spoke");
     const auto shader = static_cast<I3DExShader*>(face);
     shader->QueryInterface(IID_IExDataExchanger, &face);
     const auto exchanger = static_cast<IExDataExchanger*>(face);
