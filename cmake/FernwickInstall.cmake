@@ -1,16 +1,17 @@
-# What `cmake --install` puts where. The module's folder is the one in which the command looks for it, so the
-# libraries lie in lib/ on every system.
+# What `cmake --install` puts where, in three components: library, headers, command. The module's folder is the one in
+# which the command looks for it, so the libraries lie in lib/ on every system.
 include(CMakePackageConfigHelpers)
 set(package lib/cmake/Fernwick_shaders)
 set(include include/fernwick)
 set(documents share/doc/fernwick)
 
-# What a host links or loads.
-install(TARGETS Fernwick_shaders LIBRARY DESTINATION lib/fernwick)
-install(TARGETS fernwick_types ARCHIVE DESTINATION lib)
-install(DIRECTORY frame optics shaders DESTINATION ${include}
-    FILES_MATCHING PATTERN *.h)
-install(FILES module/Exports.h DESTINATION ${include}/module)
+# What a host loads.
+install(TARGETS Fernwick_shaders LIBRARY DESTINATION lib/fernwick COMPONENT library)
+
+# What a host is compiled with.
+install(TARGETS fernwick_types ARCHIVE DESTINATION lib COMPONENT headers)
+install(DIRECTORY frame optics shaders DESTINATION ${include} COMPONENT headers FILES_MATCHING PATTERN *.h)
+install(FILES module/Exports.h module/ClassIDs.h DESTINATION ${include}/module COMPONENT headers)
 
 set(module Fernwick_shaders${CMAKE_SHARED_MODULE_SUFFIX})
 set(types ${CMAKE_STATIC_LIBRARY_PREFIX}fernwick_types${CMAKE_STATIC_LIBRARY_SUFFIX})
@@ -20,42 +21,48 @@ write_basic_package_version_file(Fernwick_shadersConfigVersion.cmake COMPATIBILI
 configure_file(cmake/fernwick_shaders.pc.in fernwick_shaders.pc @ONLY)
 install(FILES
     ${PROJECT_BINARY_DIR}/Fernwick_shadersConfig.cmake ${PROJECT_BINARY_DIR}/Fernwick_shadersConfigVersion.cmake
-    DESTINATION ${package})
-install(FILES ${PROJECT_BINARY_DIR}/fernwick_shaders.pc DESTINATION lib/pkgconfig)
+    DESTINATION ${package} COMPONENT headers)
+install(FILES ${PROJECT_BINARY_DIR}/fernwick_shaders.pc DESTINATION lib/pkgconfig COMPONENT headers)
+
+if(NOT TARGET fernwick)
+    return()
+endif()
+
+# The command, and the module that makes the classes without a route for it, beside the other one.
+install(TARGETS fernwick RUNTIME DESTINATION bin COMPONENT command)
+install(TARGETS Fernwick_unrouted LIBRARY DESTINATION lib/fernwick COMPONENT command)
 
 # What people read.
-install(FILES README.md DESTINATION ${documents} OPTIONAL)
-install(DIRECTORY docs/ DESTINATION ${documents}/docs
+install(FILES README.md DESTINATION ${documents} COMPONENT command)
+install(DIRECTORY docs/ DESTINATION ${documents}/docs COMPONENT command
     FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN *.schema.json)
-install(DIRECTORY examples DESTINATION ${documents} PATTERN CMakeLists.txt EXCLUDE)
-install(FILES docs/graph.schema.json DESTINATION share/fernwick)
+install(DIRECTORY examples DESTINATION ${documents} COMPONENT command PATTERN CMakeLists.txt EXCLUDE)
+install(FILES docs/graph.schema.json DESTINATION share/fernwick COMPONENT command)
 
-if(TARGET fernwick)
-    install(TARGETS fernwick RUNTIME DESTINATION bin)
-    if(NOT CMAKE_CROSSCOMPILING)
-        # The built command writes the reference, its own manual page and what completes its command lines. Debian
-        # keeps what packages bring for zsh in a folder of its own.
-        install(CODE "
-            set(made \"${PROJECT_BINARY_DIR}/documents\")
-            set(command \"$<TARGET_FILE:fernwick>\")
-            execute_process(
-                COMMAND \"\${command}\" reference --library \"$<TARGET_FILE:Fernwick_shaders>\"
-                    --with \"${PROJECT_SOURCE_DIR}\" -o \"\${made}/reference\"
-                COMMAND_ERROR_IS_FATAL ANY)
-            execute_process(COMMAND \"\${command}\" man
-                OUTPUT_FILE \"\${made}/fernwick.1\" COMMAND_ERROR_IS_FATAL ANY)
-            execute_process(COMMAND \"\${command}\" completion bash
-                OUTPUT_FILE \"\${made}/fernwick\" COMMAND_ERROR_IS_FATAL ANY)
-            execute_process(COMMAND \"\${command}\" completion zsh
-                OUTPUT_FILE \"\${made}/_fernwick\" COMMAND_ERROR_IS_FATAL ANY)
-            set(share \"\${CMAKE_INSTALL_PREFIX}/share\")
-            set(zsh site-functions)
-            if(CMAKE_INSTALL_PREFIX MATCHES \"/usr\\$\")
-                set(zsh vendor-completions)
-            endif()
-            file(INSTALL \"\${made}/reference\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${documents}/docs\")
-            file(INSTALL \"\${made}/fernwick.1\" DESTINATION \"\${share}/man/man1\")
-            file(INSTALL \"\${made}/fernwick\" DESTINATION \"\${share}/bash-completion/completions\")
-            file(INSTALL \"\${made}/_fernwick\" DESTINATION \"\${share}/zsh/\${zsh}\")")
-    endif()
+if(NOT CMAKE_CROSSCOMPILING)
+    # The built command writes the reference, its own manual page and what completes its command lines. Debian keeps
+    # what packages bring for zsh in a folder of its own.
+    install(CODE "
+        set(made \"${PROJECT_BINARY_DIR}/documents\")
+        set(fernwick \"$<TARGET_FILE:fernwick>\")
+        execute_process(
+            COMMAND \"\${fernwick}\" reference --library \"$<TARGET_FILE:Fernwick_shaders>\"
+                --with \"${PROJECT_SOURCE_DIR}\" -o \"\${made}/reference\"
+            COMMAND_ERROR_IS_FATAL ANY)
+        execute_process(COMMAND \"\${fernwick}\" man
+            OUTPUT_FILE \"\${made}/fernwick.1\" COMMAND_ERROR_IS_FATAL ANY)
+        execute_process(COMMAND \"\${fernwick}\" completion bash
+            OUTPUT_FILE \"\${made}/fernwick\" COMMAND_ERROR_IS_FATAL ANY)
+        execute_process(COMMAND \"\${fernwick}\" completion zsh
+            OUTPUT_FILE \"\${made}/_fernwick\" COMMAND_ERROR_IS_FATAL ANY)
+        set(share \"\${CMAKE_INSTALL_PREFIX}/share\")
+        set(zsh site-functions)
+        if(CMAKE_INSTALL_PREFIX MATCHES \"/usr\\$\")
+            set(zsh vendor-completions)
+        endif()
+        file(INSTALL \"\${made}/reference\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${documents}/docs\")
+        file(INSTALL \"\${made}/fernwick.1\" DESTINATION \"\${share}/man/man1\")
+        file(INSTALL \"\${made}/fernwick\" DESTINATION \"\${share}/bash-completion/completions\")
+        file(INSTALL \"\${made}/_fernwick\" DESTINATION \"\${share}/zsh/\${zsh}\")"
+        COMPONENT command)
 endif()

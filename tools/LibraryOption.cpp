@@ -22,7 +22,8 @@ constexpr const char* kLibraryName = "Fernwick_shaders.so";
 
 std::filesystem::path FolderOfCommand()
 {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    std::error_code unknown; // where /proc isn't mounted
+    return std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path();
 }
 #endif
 
@@ -44,6 +45,10 @@ std::filesystem::path FindLibrary(const std::string& named)
         return fromEnvironment;
     std::string looked;
     const std::filesystem::path folder = FolderOfCommand();
+    if (folder.empty())
+        throw fernwick::LibraryError(
+            "without /proc the command doesn't know where it lies, and so not where the "
+            "library is; name it with --library or FERNWICK_LIBRARY");
     for (const char* const place : {".", "..", "../lib/fernwick"}) {
         const std::filesystem::path candidate = (folder / place / kLibraryName).lexically_normal();
         if (std::filesystem::exists(candidate))
