@@ -19,6 +19,9 @@ public:
     virtual void FreeObject(void* memory) = 0;
     virtual void* AllocateBlock(uint32_t size) = 0; ///< memory of an array, in bytes
     virtual void FreeBlock(void* memory) = 0;       ///< null is accepted and does nothing
+
+protected:
+    ~IMemoryUtilities() = default;
 };
 
 /// The host's debug service. Texts live for the call only; `file` may be null.
@@ -29,16 +32,25 @@ public:
     virtual void ReportWide(const char* file, int32_t line, const char16_t* message) = 0;
     virtual void ReportWideFloat(const char* file, int32_t line, const char16_t* message, float number) = 0;
     virtual int32_t GetDebugSetting(int32_t index) = 0; ///< settings 0 to 5, read once by `MCDllInit`
+
+protected:
+    ~IDebugUtilities() = default;
 };
 
 /// The host's shell service. The shaders call none of its operations.
-class IShellUtilities : public IMCUnknown { };
+class IShellUtilities : public IMCUnknown {
+protected:
+    ~IShellUtilities() = default;
+};
 
 /// The host's safety service, asked at `MCDllInit` only.
 class IShSafeUtilities : public IMCUnknown {
 public:
     virtual void GetHostRecord(uint32_t& record) = 0; ///< the four bytes by which the host tells its release
     virtual int32_t QueryHost(uint32_t question) = 0; ///< not called by the pack
+
+protected:
+    ~IShSafeUtilities() = default;
 };
 
 extern IShellUtilities* gShellUtilities;
