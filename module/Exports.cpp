@@ -44,17 +44,15 @@ MCErr MCDllCleanUpExceptionTranslator()
 
 MCErr MCDllGetClassObject(const GUID& classID, const GUID& id, void** out)
 {
-    ClassFactory* const made = new ClassFactory(classID);
-    const MCCountedPtr<ClassFactory> factory(made);
-    if (made == nullptr) { // refused memory: the counted pointer's report, and a failure
+    const MCCountedPtr<ClassFactory> factory(new ClassFactory(classID));
+    if (!factory) { // refused memory: the counted pointer's report, and a failure
         MC_REPORT("Bad Pointer");
         if (out != nullptr)
             *out = nullptr;
         return kMCNoSuchClass;
     }
-    const MCErr result = factory->QueryInterface(id, out);
-    made->Release();
-    return result;
+    factory->Release(); // the constructor's reference: the pointer's is the only one from here on
+    return factory->QueryInterface(id, out);
 }
 
 MCErr MCDllCanUnloadNow() { return gLiveComponentCount > 0 ? 1 : 0; }
