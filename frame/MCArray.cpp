@@ -1,6 +1,17 @@
 #include "frame/MCArray.h"
 #include "frame/DebugReport.h"
 #include "frame/HostServices.h"
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+struct BlockDeleter {
+    void operator()(void* memory) const { FreeBlock(memory); }
+};
+using Block = std::unique_ptr<void, BlockDeleter>;
+
+} // namespace
 
 MCArrayBase::MCArrayBase(uint32_t elemSize, uint32_t flags) : fElemSize(elemSize), fFlags(flags)
 {
@@ -44,21 +55,27 @@ bool MCArrayBase::CanResize() const
     return false;
 }
 
+uint32_t MCArrayBase::RoomForOneMore() const
+{
+    const uint32_t twice = std::min(fCapacity, UINT32_MAX / fElemSize / 2) * 2;
+    return fElemCount < fCapacity ? fCapacity : std::max(fElemCount + 1, twice);
+}
+
 bool MCArrayBase::Reserve(uint32_t count, Mover move, const char* failure)
 {
     if (!CanResize())
         return false;
     if (count <= fCapacity)
         return true;
-    void* const elements = AllocateBlock(static_cast<size_t>(count) * fElemSize);
+    Block elements(AllocateBlock(static_cast<size_t>(count) * fElemSize));
     if (elements == nullptr) {
         MC_REPORT(failure);
         return false;
     }
-    move(elements, fElements, fElemCount);
+    move(elements.get(), fElements, fElemCount);
     if (fElements != nullptr)
         FreeBlock(fElements);
-    fElements = elements;
+    fElements = elements.release();
     fCapacity = count;
     return true;
 }

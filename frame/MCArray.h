@@ -2,8 +2,10 @@
 #include "frame/MCCountedPtr.h"
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 /// What the arrays of the pack share: a head of counts over storage from `gMemoryUtilities`. Every failed check
 /// raises a report, and the operation goes on with what it has.
@@ -24,7 +26,7 @@ public:
     MCArrayBase& operator=(const MCArrayBase&) = delete;
 
 protected:
-    /// Moves `count` elements from one storage to another that doesn't overlap it.
+    /// Moves `count` elements from one storage to another that doesn't overlap it. When it throws, nothing has changed.
     using Mover = void (*)(void* to, void* from, uint32_t count);
 
     MCArrayBase(uint32_t elemSize, uint32_t flags);
@@ -43,6 +45,8 @@ protected:
     bool CanResize() const;
     /// Makes room for `count` elements and moves the present ones there. On failure nothing changes.
     bool Reserve(uint32_t count, Mover move, const char* failure);
+    /// The room to ask for when one element more doesn't fit: twice as much, as far as a block reaches.
+    uint32_t RoomForOneMore() const;
     /// True, with a report when not, for an element that exists.
     bool HasElem(uint32_t index) const;
     /// How many of `count` elements from `index` on can be removed; a report when that is not all.
@@ -61,7 +65,7 @@ public:
     ~MCClassArray()
     {
         if ((fFlags & kExternalMemory) == 0)
-            Destroy(0, fElemCount);
+            std::destroy_n(Data(), fElemCount);
     }
 
     /// Copies all elements. When memory is refused the array stays as it was.
@@ -76,19 +80,20 @@ public:
     }
 
     /// Keeps the elements that stay. On failure the array stays as it was and the answer is false.
-    bool SetElemCount(uint32_t count) { return Resize(count, "Array allocation failed!"); }
+    bool SetElemCount(uint32_t count) { return Resize(count, kAllocationFailed); }
 
-    /// An index past the end raises a report and gives a spare element that belongs to no array.
-    T& operator[](uint32_t index) { return HasElem(index) ? Data()[index] : Spare(); }
-    const T& operator[](uint32_t index) const { return HasElem(index) ? Data()[index] : Spare(); }
+    /// An index past the end raises a report and gives a spare element, which is the array's own.
+    T& operator[](uint32_t index) { return HasElem(index) ? Data()[index] : fSpare; }
+    const T& operator[](uint32_t index) const { return HasElem(index) ? Data()[index] : fSpare; }
 
-    /// Adds a copy of `elem` behind the last; false when memory is refused.
-    bool Append(const T& elem)
+    /// Adds `elem` behind the last; false when memory is refused.
+    bool Append(T elem)
     {
-        const T copy = elem; // `elem` may lie in this very array
-        if (!SetElemCount(fElemCount + 1))
+        if (!Reserve(RoomForOneMore(), &Move, kAllocationFailed))
             return false;
-        Data()[fElemCount - 1] = copy;
+        new (Data() + fElemCount) T(std::move(elem));
+        ++fElemCount;
+        CheckValid();
         return true;
     }
 
@@ -99,43 +104,26 @@ public:
         if (removed == 0 || !CanResize())
             return;
         for (uint32_t i = index; i + removed < fElemCount; ++i)
-            Data()[i] = Data()[i + removed];
+            Data()[i] = std::move(Data()[i + removed]);
         SetElemCount(fElemCount - removed);
     }
 
 private:
+    static constexpr const char* kAllocationFailed = "Array allocation failed!";
+
+    T fSpare{};
+
     T* Data() { return static_cast<T*>(fElements); }
     const T* Data() const { return static_cast<const T*>(fElements); }
 
-    static T& Spare()
-    {
-        static T spare{};
-        return spare;
-    }
-
     static void Move(void* to, void* from, uint32_t count)
     {
-        for (uint32_t i = 0; i < count; ++i) {
-            T* const old = static_cast<T*>(from) + i;
-            new (static_cast<T*>(to) + i) T(*old);
-            old->~T();
-        }
-    }
-
-    void Destroy(uint32_t first, uint32_t end)
-    {
-        for (uint32_t i = first; i < end; ++i)
-            Data()[i].~T();
-    }
-
-    void Make(uint32_t index)
-    {
-        if constexpr (std::is_trivially_default_constructible_v<T>) {
-            if ((fFlags & kClearNew) != 0)
-                new (Data() + index) T{};
-        } else {
-            new (Data() + index) T{};
-        }
+        T* const elements = static_cast<T*>(from);
+        if constexpr (std::is_nothrow_move_constructible_v<T> || !std::is_copy_constructible_v<T>)
+            std::uninitialized_move_n(elements, count, static_cast<T*>(to));
+        else
+            std::uninitialized_copy_n(elements, count, static_cast<T*>(to));
+        std::destroy_n(elements, count);
     }
 
     bool Resize(uint32_t count, const char* failure)
@@ -143,9 +131,9 @@ private:
         if (count != fElemCount && !Reserve(count, &Move, failure))
             return false;
         if (count < fElemCount)
-            Destroy(count, fElemCount);
-        for (uint32_t i = fElemCount; i < count; ++i)
-            Make(i);
+            std::destroy(Data() + count, Data() + fElemCount);
+        else if (!std::is_trivially_default_constructible_v<T> || (fFlags & kClearNew) != 0)
+            std::uninitialized_value_construct(Data() + fElemCount, Data() + count);
         fElemCount = count;
         CheckValid();
         return true;

@@ -3,6 +3,7 @@
 #include "frame/IMCUnknown.h"
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 /// The word that marks a deceased object, in a pointer or in an object's first word.
 constexpr uint64_t kMCDeceased = 0xDECEA5EDDECEA5ED;
@@ -13,9 +14,20 @@ public:
     MCCountedPtr() = default;
     explicit MCCountedPtr(T* object) { *this = object; }
     MCCountedPtr(const MCCountedPtr& other) { *this = other.fObject; }
+    /// Takes the reference over and leaves `other` empty: nothing is counted.
+    MCCountedPtr(MCCountedPtr&& other) noexcept : fObject(std::exchange(other.fObject, nullptr)) { }
     ~MCCountedPtr() { *this = nullptr; }
 
     MCCountedPtr& operator=(const MCCountedPtr& other) { return *this = other.fObject; }
+
+    /// Takes the reference over, leaves `other` empty and drops the old object. Does nothing when both hold the same
+    /// object, as every assignment.
+    MCCountedPtr& operator=(MCCountedPtr&& other)
+    {
+        if (other.fObject != fObject)
+            Hold(std::exchange(other.fObject, nullptr));
+        return *this;
+    }
 
     /// Counts the new object, then drops the old one. Does nothing when both are the same object.
     MCCountedPtr& operator=(T* object)
@@ -24,10 +36,7 @@ public:
             return *this;
         if (object != nullptr && !IsDeceased(object))
             object->AddRef();
-        T* const old = fObject;
-        fObject = object;
-        if (old != nullptr && !IsDeceased(old))
-            old->Release();
+        Hold(object);
         return *this;
     }
 
@@ -64,6 +73,14 @@ public:
 
 private:
     T* fObject = nullptr;
+
+    /// Takes over a counted object, then drops the old one.
+    void Hold(T* object)
+    {
+        T* const old = std::exchange(fObject, object);
+        if (old != nullptr && !IsDeceased(old))
+            old->Release();
+    }
 
     static bool IsMarked(uint64_t word) { return word == kMCDeceased; }
     static uint64_t FirstWord(const T* object)

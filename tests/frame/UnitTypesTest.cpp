@@ -4,6 +4,7 @@
 #include "frame/TMCString.h"
 #include "tests/support/StaticServices.h"
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -68,6 +69,37 @@ TEST_F(UnitTypesTest, ACountedPointerCountsTheNewObjectBeforeItDropsTheOld)
         EXPECT_THAT(TakeReports(), ElementsAre("Bad Pointer"));
     }
     EXPECT_EQ(TakeLog(), "-a");
+}
+
+TEST_F(UnitTypesTest, AMovedPointerTakesTheReferenceOver)
+{
+    {
+        MCCountedPtr<Probe> first(&fA);
+        MCCountedPtr<Probe> second(std::move(first));
+        MCCountedPtr<Probe> third(&fB);
+        TakeLog();
+        first = std::move(second);
+        EXPECT_FALSE(second);
+        EXPECT_EQ(TakeLog(), "");
+        MCCountedPtr<Probe>& itself = first;
+        first = std::move(itself);
+        EXPECT_EQ(first.Get(), &fA);
+        second = first;
+        TakeLog();
+        second = std::move(first); // the same object in both: nothing happens
+        EXPECT_EQ(first.Get(), &fA);
+        EXPECT_EQ(TakeLog(), "");
+        third = std::move(second);
+        EXPECT_EQ(TakeLog(), "-b");
+
+        uint64_t bearing[2] = {kMCDeceased, 0};
+        *second.Address() = reinterpret_cast<Probe*>(bearing);
+        second = std::move(third); // drops a deceased object without a call
+        third = MCCountedPtr<Probe>();
+        EXPECT_EQ(TakeLog(), "");
+    }
+    EXPECT_EQ(TakeLog(), "-a-a");
+    EXPECT_THAT(TakeReports(), IsEmpty());
 }
 
 TEST_F(UnitTypesTest, ACountedPointerTellsADeceasedObjectAndLeavesItAlone)
@@ -144,6 +176,59 @@ TEST_F(UnitTypesTest, AnArrayChecksItsEnds)
     EXPECT_EQ(array.GetElemCount(), 3u);
 }
 
+TEST_F(UnitTypesTest, AnArrayGrowsInStridesAndMovesWhatItHolds)
+{
+    const auto text = [](uint32_t i) { return std::string(40, 'x') + std::to_string(i); };
+    const int64_t before = fServices.Memory().Allocations();
+    MCClassArray<std::unique_ptr<std::string>> array; // no copy of an element exists
+    std::vector<const std::string*> made;
+    for (uint32_t i = 0; i < 1000; ++i) {
+        array.Append(std::make_unique<std::string>(text(i)));
+        made.push_back(array[i].get());
+    }
+    EXPECT_EQ(fServices.Memory().Allocations() - before, 11); // 1, 2, 4 to 1024
+    array.Remove(0, 10);
+    EXPECT_TRUE(array.SetElemCount(1500)); // as many as asked for
+    EXPECT_EQ(array[989].get(), made[999]);
+    EXPECT_EQ(*array[0], text(10));
+    EXPECT_EQ(array[1499], nullptr);
+}
+
+/// Throws from its third copy on.
+struct Brittle {
+    explicit Brittle(int* copies = nullptr) : fCopies(copies) { }
+    Brittle(const Brittle& other) : fCopies(other.fCopies), fText(other.fText)
+    {
+        if (fCopies != nullptr && ++*fCopies > 2)
+            throw TMCException(0);
+    }
+    int* fCopies;
+    std::string fText = std::string(40, 'y');
+};
+
+TEST_F(UnitTypesTest, AnArrayStaysAsItWasWhenAnElementThrows)
+{
+    int copies = -100;
+    MCClassArray<Brittle> array;
+    for (int i = 0; i < 4; ++i)
+        array.Append(Brittle(&copies));
+    copies = 0;
+    EXPECT_THROW(array.SetElemCount(9), TMCException);
+    EXPECT_EQ(array.GetElemCount(), 4u);
+    EXPECT_EQ(array[3].fText, std::string(40, 'y'));
+}
+
+TEST_F(UnitTypesTest, TheSpareElementIsEachArraysOwn)
+{
+    MCArray<int32_t> one, other;
+    MCCountedPtrArray<Probe> held;
+    one[0] = 5;
+    held[3] = &fA;
+    EXPECT_EQ(other[7], 0);
+    EXPECT_FALSE(MCCountedPtrArray<Probe>(held)[0]);
+    EXPECT_THAT(TakeReports(), AllOf(SizeIs(4), Each("index < GetElemCount()")));
+}
+
 TEST_F(UnitTypesTest, AnArrayOfCountedPointersOwnsAReferenceEach)
 {
     {
@@ -152,8 +237,10 @@ TEST_F(UnitTypesTest, AnArrayOfCountedPointersOwnsAReferenceEach)
         array[0] = &fA;
         array.Append(MCCountedPtr<Probe>(&fB));
         const MCCountedPtrArray<Probe> copy(array);
-        array.Remove(0);
         TakeLog();
+        array.Append({}); // into a larger room
+        array.Remove(0);
+        EXPECT_EQ(TakeLog(), "-a");
     }
     EXPECT_EQ(TakeLog(), "-a-b-b");
 }
