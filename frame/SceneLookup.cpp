@@ -23,14 +23,27 @@ bool HasScene(const MCCountedPtr<IScene>& scene)
     return false;
 }
 
-bool FindTreeByName(const MCCountedPtr<IScene>& scene, const TMCString& name, const char* report,
+void FindTreeByName(
+    const MCCountedPtr<IScene>& scene, const TMCString255& name, MCCountedPtr<ITreeElement>& tree)
+{
+    scene->GetTreeByName(tree.Address(), TMCString255(name));
+}
+
+bool FindTreeByName(const MCCountedPtr<IScene>& scene, const TMCString255& name, const char* report,
     MCCountedPtr<ITreeElement>& tree)
 {
-    scene->GetTreeByName(tree.Address(), name);
+    FindTreeByName(scene, name, tree);
     if (tree)
         return true;
     MC_REPORT(report);
     return false;
+}
+
+void ReadRenderingCameraName(IRenderingModule& renderingModule, TMCString255& name)
+{
+    TMCString255 fetched(name); // what a module that stores nothing leaves
+    renderingModule.GetRenderingCameraName(fetched);
+    name = fetched;
 }
 
 TVector3 GlobalPosition(ITreeElement& tree)

@@ -70,12 +70,7 @@ bool TMCString::ToUnicode(char16_t* out, uint32_t size) const
 
 void TMCString::Assign(const char* text, size_t length)
 {
-    if (length > GetCapacity())
-        MC_REPORT("length <= GetCapacity()");
-    const uint32_t kept = static_cast<uint32_t>(std::min<size_t>(length, GetCapacity()));
-    if (kept > 0)
-        std::memmove(Text(), text, kept);
-    SetLength(kept);
+    Store(const_cast<char*>(GetText()), GetCapacity(), {text, length});
 }
 
 TMCString& TMCString::operator=(const TMCString& other)
@@ -94,13 +89,18 @@ TMCString& TMCString::operator=(std::string_view text)
 void TMCString::Truncate(uint32_t length)
 {
     if (length < GetLength())
-        SetLength(length);
+        Assign(GetText(), length);
 }
 
-void TMCString::SetLength(uint32_t length)
+void TMCString::Store(char* room, uint32_t capacity, std::string_view text)
 {
-    Text()[length] = 0;
-    fLength = length;
-    fByteLength = length;
-    fCapacity = GetCapacity();
+    if (text.size() > capacity)
+        MC_REPORT("length <= GetCapacity()");
+    const uint32_t kept = static_cast<uint32_t>(std::min<size_t>(text.size(), capacity));
+    if (kept > 0)
+        std::memmove(room, text.data(), kept); // which may lie in `room`
+    room[kept] = 0;
+    fLength = kept;
+    fByteLength = kept;
+    fCapacity = capacity;
 }

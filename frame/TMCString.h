@@ -48,30 +48,55 @@ protected:
     TMCString(const TMCString&) = default;
     ~TMCString() = default;
 
+    /// Stores what fits of `text` into `room`, which is this object's own and has a place for a zero byte behind
+    /// `capacity` characters, and sets the counts. Calls no operation of this object.
+    void Store(char* room, uint32_t capacity, std::string_view text);
+
 private:
     uint32_t fLength = 0;
     uint32_t fByteLength = 0;
     uint32_t fCapacity;
-
-    char* Text() { return const_cast<char*>(GetText()); }
-    void SetLength(uint32_t length);
 };
 
 /// A text with room for `kRoom` characters.
+///
+/// In a record that was saved and read back, a text is bytes of another process: what was its table of operations is
+/// none here. So everything that is declared here goes by the characters alone, and `View`, copies, assignments and
+/// comparisons of such a text are safe. Nobody else may be handed one: a host calls operations of what it is handed.
+/// Hand out a copy, which is sound in every part.
 template <uint32_t kRoom> class TMCStringOf final : public TMCString {
 public:
     TMCStringOf() : TMCString(kRoom) { }
-    explicit TMCStringOf(std::string_view text) : TMCStringOf() { TMCString::operator=(text); }
-    TMCStringOf(const TMCStringOf& other) : TMCStringOf() { TMCString::operator=(other); }
+    explicit TMCStringOf(std::string_view text) : TMCStringOf() { *this = text; }
+    TMCStringOf(const TMCStringOf& other) : TMCStringOf(other.View()) { }
     TMCStringOf& operator=(const TMCStringOf& other)
     {
-        TMCString::operator=(other);
+        if (this != &other)
+            *this = other.View();
+        return *this;
+    }
+    TMCStringOf& operator=(std::string_view text)
+    {
+        Store(fText, kRoom, text);
         return *this;
     }
     using TMCString::operator=;
 
     uint32_t GetCapacity() const override { return kRoom; }
     const char* GetText() const override { return fText; }
+
+    /// The characters up to the zero byte, all of the room when there is none.
+    std::string_view View() const
+    {
+        const std::string_view room(fText, kRoom);
+        return room.substr(0, room.find('\0'));
+    }
+    bool IsEmpty() const { return View().empty(); }
+    friend bool operator==(const TMCStringOf& left, const TMCStringOf& right)
+    {
+        return left.View() == right.View();
+    }
+    friend bool operator==(const TMCStringOf& left, std::string_view right) { return left.View() == right; }
 
 private:
     char fText[kRoom + 1] = {};

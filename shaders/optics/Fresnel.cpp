@@ -278,7 +278,7 @@ void Fresnel::FetchCameraName(const MCCountedPtr<IScene>& scene)
         MC_REPORT("renderingModule");
         return;
     }
-    renderingModule->GetRenderingCameraName(fParams.fCameraName);
+    ReadRenderingCameraName(*renderingModule, fParams.fCameraName);
     fNeedCameraName = false;
 }
 

@@ -67,7 +67,7 @@ float Curvature::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     AskForObject(in);
     MCCountedPtr<ITreeElement> target;
     if (fScene) // without a scene there is no target either
-        fScene->GetTreeByName(target.Address(), fParams.fSurfaceName);
+        FindTreeByName(fScene, fParams.fSurfaceName, target);
     if (!target)
         return kFullCoverage;
 

@@ -18,7 +18,7 @@ TVector3 ReferencePoint(
 }
 
 bool FindTreeFromReference(const ShadingIn& in, ITreeElement& shaded, const MCCountedPtr<IScene>& scene,
-    const TMCString& name, int32_t reference, MCCountedPtr<ITreeElement>& tree, TVector3& location)
+    const TMCString255& name, int32_t reference, MCCountedPtr<ITreeElement>& tree, TVector3& location)
 {
     TVector3 origin;
     TVector3 hotPoint;

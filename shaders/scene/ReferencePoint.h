@@ -21,4 +21,4 @@ TVector3 ReferencePoint(
 /// @param location  receives the reference point, found or not
 /// @return true when the element was found
 bool FindTreeFromReference(const ShadingIn& in, ITreeElement& shaded, const MCCountedPtr<IScene>& scene,
-    const TMCString& name, int32_t reference, MCCountedPtr<ITreeElement>& tree, TVector3& location);
+    const TMCString255& name, int32_t reference, MCCountedPtr<ITreeElement>& tree, TVector3& location);
