@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 /// Two floats: a UV coordinate, or a lower and an upper bound. Zero by default.
 class TVector2 {
@@ -98,12 +99,27 @@ inline double Dot(const TVector3& left, const TVector3& right)
 /// The length in double, from the float components.
 inline double Length(const TVector3& vector) { return std::sqrt(Dot(vector, vector)); }
 
-/// Scales by 1 / length, a factor in float; a vector whose length isn't above 0 stays as it is.
-inline void Normalize(TVector3& vector)
+/// Scales by 1 / length, a factor in float; a vector whose length isn't above 0 stays as it is. A factor that float
+/// can't hold, of a length below 2.9e-39 or past the greatest float, becomes infinite or 0.
+inline void ScaleByReciprocalLength(TVector3& vector)
 {
     const double length = Length(vector);
     if (length > 0)
         vector *= 1.0f / static_cast<float>(length);
+}
+
+/// Makes the length 1, by the same factor where float can hold it and by a division in double where not; a vector whose
+/// length isn't above 0 stays as it is.
+inline void Normalize(TVector3& vector)
+{
+    const double length = Length(vector);
+    constexpr double kGreatest = std::numeric_limits<float>::max();
+    if (length <= kGreatest && 1.0f / static_cast<float>(length) <= kGreatest) {
+        ScaleByReciprocalLength(vector);
+    } else if (length > 0) {
+        for (uint32_t i = 0; i < 3; ++i)
+            vector[i] = static_cast<float>(vector[i] / length);
+    }
 }
 
 /// The matrix times the column vector: each row dotted with it, in float.

@@ -75,6 +75,6 @@ float Translucent::Level(float angle) const
 TVector3 Translucent::DirectionTo(ITreeElement& tree) const
 {
     TVector3 direction = GlobalPosition(tree) - fLocation;
-    Normalize(direction);
+    ScaleByReciprocalLength(direction);
     return direction;
 }

@@ -396,6 +396,31 @@ TEST_F(UnitTypesTest, ABadIndexRaisesAReportAndGivesTheLastElement)
     EXPECT_THAT(TakeReports(), ElementsAre("elemNum<2", "elemNum<3", "elemNum<4"));
 }
 
+TEST_F(UnitTypesTest, AnyLengthAboveZeroBecomesOne)
+{
+    const auto unit = [](TVector3 vector) {
+        Normalize(vector);
+        return vector;
+    };
+    for (const float scale : {1e-45f, 1e-39f, 5e-39f, 1.0f, 1e38f, 3.4e38f})
+        for (const TVector3& way : {TVector3(1, 0, 0), TVector3(1, -1, 1)}) {
+            TVector3 vector = way;
+            vector *= scale;
+            EXPECT_NEAR(Length(unit(vector)), 1, 1e-6) << scale;
+        }
+    EXPECT_EQ(
+        unit({1, 2, 4}), TVector3(0x1.bee904p-3f, 0x1.bee904p-2f, 0x1.bee904p-1f)); // by the factor in float
+    EXPECT_EQ(unit(TVector3::kZero), TVector3::kZero);
+    const TVector3 endless = unit({kInfinity, 1, 0});
+    EXPECT_TRUE(std::isnan(endless[0]) && endless[1] == 0);
+    EXPECT_EQ(unit({1, kNaN, 2})[2], 2);
+
+    TVector3 scaled(1e-39f, 0, 0); // by the factor alone, whatever becomes of it
+    ScaleByReciprocalLength(scaled);
+    EXPECT_EQ(scaled[0], kInfinity);
+    EXPECT_TRUE(std::isnan(scaled[1]));
+}
+
 TEST_F(UnitTypesTest, TheAngleOfParallelVectorsIsANumber)
 {
     const TVector3 skew(1, 1, 1); // its quotients are rounded past 1 and -1
