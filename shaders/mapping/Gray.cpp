@@ -124,8 +124,14 @@ TMCColorRGB Gray::ShiftSaturation(float red, float green, float blue) const
     if (std::isnan(green))
         return {red, green, blue};
 
-    const float largest = std::max({green, red, blue}); // green first: a NaN red or blue takes no part
-    const float smallest = std::min({green, red, blue});
+    float largest = green; // green first: a NaN red or blue takes no part
+    float smallest = green;
+    for (const float other : {red, blue}) {
+        if (largest < other)
+            largest = other;
+        if (other < smallest)
+            smallest = other;
+    }
     const float lightness = (largest + smallest) / 2.0f;
     float saturation = 0;
     float hue = kNoHue;

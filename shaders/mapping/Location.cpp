@@ -1,5 +1,4 @@
 #include "shaders/mapping/Location.h"
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -40,8 +39,8 @@ MCErr Location::ExtensionDataChanged()
         // A NaN edge counts as the other one. Libraries differ in what `fmin` makes of a signalling one.
         const float edgeA = std::isnan(axis.fEdgeA) ? axis.fEdgeB : axis.fEdgeA;
         const float edgeB = std::isnan(axis.fEdgeB) ? edgeA : axis.fEdgeB;
-        const float lower = std::min(edgeA, edgeB);
-        const float upper = std::max(edgeA, edgeB);
+        const float lower = edgeB < edgeA ? edgeB : edgeA;
+        const float upper = edgeA < edgeB ? edgeB : edgeA;
         const bool falling = axis.fDirection == Code("GRTR");
         LocationRamp& ramp = fRamps[i];
         ramp.fEnabled = axis.fEnabled;
