@@ -1,7 +1,9 @@
 #include "host/parameters/FieldValue.h"
-#include "module/UnroutedClassIDs.h"
-#include "tests/support/ShaderTest.h"
+#include "tests/frame/AnyShader.h"
+#include "tests/frame/RecordDefaults.h"
+#include <algorithm>
 #include <cstring>
+#include <map>
 #include <sstream>
 
 // Every class: what a new shader tells and its record holds, and which fields SameParameters compares.
@@ -12,33 +14,20 @@ using namespace fernwick;
 
 struct Record {
     const char* fClass;
-    uint32_t fStart;               ///< `Mark` of what a new shader tells and holds
     const char* fLeftOut = "none"; ///< of the comparison; vectors and colours by component
     bool fNeverSame = false;       ///< as another object's
 };
 
-const Record kRecords[] = {{"Weave", 0x0A2014D5, "none", true}, {"Gray", 0x6E19602B, "fColorSwitches.*"},
-    {"Super_mixer", 0xF08FBC09, "fLinearEdge"}, {"Super_mixer_top", 0xC225B2DF, "fLinearEdge"},
-    {"Iridescent", 0x9F2BF2E3, "fReferenceMode|fBands.*fColor 3"}, {"Location", 0xC263CACD, "none", true},
-    {"Fresnel", 0x8C7F631C,
-        "fPreset2|fWavelengthColor.*|fIlluminantColor.*|fWavelengthLinear.*|fWhiteX|fWhiteY"},
-    {"Proximity", 0xAA41D447, "fFalloff|fSingleObject"}, {"Translucent", 0x1707FA3B}, {"Lit", 0x6E717184},
-    {"Drip", 0xAD8A6E42}, {"MultiPassControl", 0xB2266623, "fPassName.*"},
-    {"MultiPassManager", 0x1C8AB23A, "fPassName.*"}, {"Coordinate_Shift", 0xB951F5C4, "fObjectName"},
-    {"Key", 0x31FEB44D}, {"Spoke", 0x4DB644D4, "fTaper"},
-    {"Curvature", 0xBBD46E30, "fSurfaceName|fBands.*fColor 3"}, {"Corners", 0xBB6CB9A5},
-    {"Shadow_pass", 0x7C2907ED}};
+const Record kRecords[] = {{"Weave", "none", true}, {"Gray", "fColorSwitches.*"},
+    {"Super_mixer", "fLinearEdge"}, {"Super_mixer_top", "fLinearEdge"},
+    {"Iridescent", "fReferenceMode|fBands.*fColor 3"}, {"Location", "none", true},
+    {"Fresnel", "fPreset2|fWavelengthColor.*|fIlluminantColor.*|fWavelengthLinear.*|fWhiteX|fWhiteY"},
+    {"Proximity", "fFalloff|fSingleObject"}, {"Translucent"}, {"Lit"}, {"Drip"},
+    {"MultiPassControl", "fPassName.*"}, {"MultiPassManager", "fPassName.*"},
+    {"Coordinate_Shift", "fObjectName"}, {"Key"}, {"Spoke", "fTaper"},
+    {"Curvature", "fSurfaceName|fBands.*fColor 3"}, {"Corners"}, {"Shadow_pass"}};
 
 void PrintTo(const Record& record, std::ostream* out) { *out << record.fClass; }
-
-/// A number for a text, by the method of Fowler, Noll and Vo.
-uint32_t Mark(const std::string& text)
-{
-    uint32_t mark = 2166136261;
-    for (const char letter : text)
-        mark = (mark ^ static_cast<unsigned char>(letter)) * 16777619;
-    return mark;
-}
 
 size_t FloatsOf(FieldType type)
 {
@@ -49,28 +38,14 @@ size_t FloatsOf(FieldType type)
 
 class RecordsTest : public ShaderTest, public testing::WithParamInterface<Record> {
 protected:
-    struct Shader {
-        MCCountedPtr<ShaderWrapper> fWrapper;
-
-        I3DExShader* operator->() const { return &fWrapper->Shader(); }
-        char* Record() const { return &fWrapper->Record<char>(); }
-    };
-
     const ParameterTable& fTable = *FindClass(GetParam().fClass);
 
-    /// A new shader, of the other identifier if asked and if there are two.
-    Shader Make(bool twin = false) const
-    {
-        if (const GUID* const unrouted = UnroutedClassID(fTable.fName))
-            return {ShaderWrapper::Make(TestedLibrary().Unrouted(), *unrouted)};
-        return {
-            ShaderWrapper::Make(TestedLibrary(), twin ? fTable.fClassIDs.back() : fTable.fClassIDs.front())};
-    }
+    AnyShader Make(bool twin = false) const { return AnyShader::Make(fTable, twin); }
 
     /// Whether two new shaders are the same after one has another value there, or both have NaN.
     bool IsSameWith(const Field& field, size_t part, bool nan) const
     {
-        const Shader one = Make(), other = Make();
+        const AnyShader one = Make(), other = Make();
         char* const place = other.Record() + field.fOffset + part * sizeof(float);
         if (FloatsOf(field.fType) > 0) {
             float number;
@@ -86,20 +61,55 @@ protected:
         } else {
             *place ^= 1;
         }
-        return other->SameParameters(one.operator->()) != 0;
+        return other.IsSameAs(one);
     }
 };
 
+/// A field's name without its place in an array, the inner one of two.
+std::string ArrayName(std::string name)
+{
+    if (const size_t open = name.rfind('['); open != std::string::npos)
+        name.erase(open, name.find(']', open) - open + 1);
+    return name;
+}
+
+/// The fields of a record in the notation of `RecordDefaults`.
+std::string Listed(const ParameterTable& table, const char* record)
+{
+    std::vector<std::string> names;
+    std::map<std::string, std::vector<std::string>> values;
+    for (const Field& field : table.fFields) {
+        const std::string name = ArrayName(field.fName);
+        if (!values.contains(name))
+            names.push_back(name);
+        values[name].push_back(ValueText(field, ReadField(field, record)));
+    }
+    std::string text = "\n";
+    for (const std::string& name : names) {
+        const std::vector<std::string>& elements = values[name];
+        const auto count = std::count(elements.begin(), elements.end(), elements[0]);
+        text += name;
+        if (count > 1 && static_cast<size_t>(count) == elements.size())
+            text += ' ' + std::to_string(count) + " of " + elements[0];
+        else
+            for (const std::string& element : elements)
+                text += ' ' + element;
+        text += '\n';
+    }
+    return text;
+}
+
 TEST_P(RecordsTest, StartWithTheSettledDefaults)
 {
-    const Shader shader = Make();
+    const auto* const settled = std::find_if(std::begin(kRecordDefaults), std::end(kRecordDefaults),
+        [this](const RecordDefaults& row) { return row.fClass == fTable.fName; });
+    ASSERT_NE(settled, std::end(kRecordDefaults));
+    const AnyShader shader = Make();
     ShadingFlags flags;
     shader->ReportNeeds(flags);
-    std::string text = "needs " + std::to_string(flags.fNeeds) + ", trait "
-        + std::to_string(shader->QueryBooleanTrait()) + "\n";
-    for (const Field& field : fTable.fFields)
-        text += field.fName + " " + ValueText(field, ReadField(field, shader.Record())) + "\n";
-    EXPECT_EQ(Mark(text), GetParam().fStart) << text;
+    EXPECT_EQ(flags.fNeeds, settled->fNeeds);
+    EXPECT_EQ(shader->QueryBooleanTrait(), settled->fTrait);
+    EXPECT_EQ(Listed(fTable, shader.Record()), settled->fFields);
 }
 
 /// Each alternative by itself, since GoogleTest's own expressions have none on Windows.
@@ -114,10 +124,10 @@ bool IsLeftOut(const Record& record, const std::string& name)
 
 TEST_P(RecordsTest, AreComparedByEachFieldThatIsntLeftOut)
 {
-    const Shader one = Make(), twin = Make(true);
+    const AnyShader one = Make(), twin = Make(true);
     EXPECT_FALSE(one->SameParameters(nullptr));
-    EXPECT_TRUE(one->SameParameters(one.operator->()));
-    EXPECT_NE(one->SameParameters(twin.operator->()) != 0, GetParam().fNeverSame);
+    EXPECT_TRUE(one.IsSameAs(one));
+    EXPECT_NE(one.IsSameAs(twin), GetParam().fNeverSame);
     for (const Field& field : fTable.fFields)
         for (size_t part = 0; part < std::max<size_t>(FloatsOf(field.fType), 1); ++part)
             for (const bool nan : {false, true}) {

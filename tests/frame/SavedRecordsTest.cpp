@@ -1,7 +1,6 @@
 #include "host/parameters/FieldValue.h"
-#include "module/UnroutedClassIDs.h"
+#include "tests/frame/AnyShader.h"
 #include "tests/support/FakeScene.h"
-#include "tests/support/ShaderTest.h"
 #include <cstring>
 #include <sstream>
 
@@ -21,14 +20,6 @@ std::string NameOf(const Field& field) { return "Element of " + field.fName; }
 
 class SavedRecordsTest : public ShaderTest, public testing::WithParamInterface<const char*> {
 protected:
-    struct Shader {
-        MCCountedPtr<ShaderWrapper> fWrapper;
-
-        I3DExShader* operator->() const { return &fWrapper->Shader(); }
-        char* Record() const { return &fWrapper->Record<char>(); }
-        MCErr Changed() const { return fWrapper->Exchanger().ExtensionDataChanged(); }
-    };
-
     const ParameterTable& fTable = *FindClass(GetParam());
     FakeScene fScene;
 
@@ -50,17 +41,10 @@ protected:
         return texts;
     }
 
-    Shader Make() const
-    {
-        if (const GUID* const unrouted = UnroutedClassID(fTable.fName))
-            return {ShaderWrapper::Make(TestedLibrary().Unrouted(), *unrouted)};
-        return {ShaderWrapper::Make(TestedLibrary(), fTable.fClassIDs.front())};
-    }
-
     /// A shader that asks for what its texts name, where it has the choice.
-    Shader MakeFilled(Texts texts) const
+    AnyShader MakeFilled(Texts texts) const
     {
-        Shader shader = Make();
+        const AnyShader shader = AnyShader::Make(fTable);
         for (const auto& [name, code] : {std::pair("fReferenceMode", Code("OBJT")), {"fMode", Code("OBJM")}})
             if (const Field* const field = fTable.Find(name); field != nullptr && !TextFields().empty())
                 WriteField({field, code}, shader.Record());
@@ -70,24 +54,24 @@ protected:
         return shader;
     }
 
-    Bytes Saved(const Shader& shader) const
+    Bytes Saved(const AnyShader& shader) const
     {
         return {shader.Record(), shader.Record() + fTable.fRecordSize};
     }
 
     /// A shader with a record that was read back. Its slots were empty, so no counted pointer comes with it.
-    Shader MakeFrom(const Bytes& saved) const
+    AnyShader MakeFrom(const Bytes& saved) const
     {
-        Shader shader = Make();
+        const AnyShader shader = AnyShader::Make(fTable);
         std::memcpy(shader.Record(), saved.data(), saved.size());
         return shader;
     }
 
     /// What the shader answers to a few samples, and what it asks the scene meanwhile.
-    std::string Answers(const Shader& shader);
+    std::string Answers(const AnyShader& shader);
 
     /// That a shader with the bytes compares and shades as `sound`, one that holds the same, does.
-    void ExpectLike(const Shader& sound, const Bytes& saved);
+    void ExpectLike(const AnyShader& sound, const Bytes& saved);
 
 private:
     void Put(const std::string& name, float place)
@@ -107,7 +91,7 @@ private:
     }
 };
 
-std::string SavedRecordsTest::Answers(const Shader& shader)
+std::string SavedRecordsTest::Answers(const AnyShader& shader)
 {
     TakeReports(); // a library that was just opened has some
     std::ostringstream answers;
@@ -140,14 +124,14 @@ std::string SavedRecordsTest::Answers(const Shader& shader)
     return answers.str();
 }
 
-void SavedRecordsTest::ExpectLike(const Shader& sound, const Bytes& saved)
+void SavedRecordsTest::ExpectLike(const AnyShader& sound, const Bytes& saved)
 {
-    const Shader twin = MakeFrom(Saved(sound));
-    const Shader foreign = MakeFrom(saved);
-    const bool same = twin->SameParameters(sound.operator->()) != 0;
+    const AnyShader twin = MakeFrom(Saved(sound));
+    const AnyShader foreign = MakeFrom(saved);
+    const bool same = twin.IsSameAs(sound);
     for (const bool changed : {false, true}) {
-        EXPECT_EQ(foreign->SameParameters(sound.operator->()) != 0, same) << changed;
-        EXPECT_EQ(sound->SameParameters(foreign.operator->()) != 0, same) << changed;
+        EXPECT_EQ(foreign.IsSameAs(sound), same) << changed;
+        EXPECT_EQ(sound.IsSameAs(foreign), same) << changed;
         EXPECT_EQ(foreign.Changed(), sound.Changed());
     }
     EXPECT_EQ(Answers(foreign), Answers(sound));
@@ -181,7 +165,7 @@ TEST_P(SavedRecordsTest, ShadeInAnotherProcessAsInTheirOwn)
         });
         EXPECT_EXIT(
             {
-                const Shader shader = MakeFilled(texts);
+                const AnyShader shader = MakeFilled(texts);
                 const Bytes saved = Saved(shader);
                 shader.Changed();
                 std::cerr << "<" << Hex(saved) << ">" << Answers(shader) << "<end>";
@@ -194,7 +178,7 @@ TEST_P(SavedRecordsTest, ShadeInAnotherProcessAsInTheirOwn)
         const Bytes saved = FromHex(told.substr(start, middle - start));
         ASSERT_EQ(saved.size(), fTable.fRecordSize);
         ExpectLike(MakeFilled(texts), saved);
-        const Shader foreign = MakeFrom(saved);
+        const AnyShader foreign = MakeFrom(saved);
         foreign.Changed();
         EXPECT_EQ(Answers(foreign), told.substr(middle + 1, told.find("<end>") - middle - 1));
     }
@@ -204,7 +188,7 @@ TEST_P(SavedRecordsTest, ShadeInAnotherProcessAsInTheirOwn)
 TEST_P(SavedRecordsTest, NeverLendTheTablesOfTheirTexts)
 {
     for (const Texts texts : {Texts::kNames, Texts::kDefaults}) {
-        const Shader sound = MakeFilled(texts);
+        const AnyShader sound = MakeFilled(texts);
         Bytes saved = Saved(sound);
         constexpr uint64_t kNoTable = 0xDEADBEEFDEADBEEF;
         for (const Field* const text : TextFields())
@@ -215,7 +199,7 @@ TEST_P(SavedRecordsTest, NeverLendTheTablesOfTheirTexts)
 
 TEST_P(SavedRecordsTest, MayHoldTextsWithWrongCountsAndNoEnd)
 {
-    Shader sound = MakeFilled(Texts::kDefaults);
+    AnyShader sound = MakeFilled(Texts::kDefaults);
     for (const Field* const text : TextFields())
         WriteField({text, std::string(255, 'w')}, sound.Record());
     Bytes saved = Saved(sound);
