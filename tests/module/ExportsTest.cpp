@@ -62,19 +62,28 @@ class RecordingShSafe final : public RecordingService<IShSafeUtilities, 9> {
 /// Gives all twenty-one services, with a failure that nobody is to look at.
 class RecordingUtilities final : public RecordingService<IMCUnknown> {
 public:
+    /// @param mark  added to the numbers of the services when they are released
+    explicit RecordingUtilities(int32_t mark = 0) : fMark(mark)
+    {
+        fDebug.fNumber += mark;
+        fMemory.fNumber += mark;
+        fShSafe.fNumber += mark;
+    }
+
     MCErr QueryInterface(const GUID& id, void** out) override
     {
         int32_t number = 1;
         while (!SameGuid(id, kServiceIDs[number - 1]))
             ++number;
         gEvents.push_back(number);
-        fOthers[number].fNumber = number;
+        fOthers[number].fNumber = number + fMark;
         IMCUnknown* const own[] = {&fDebug, &fMemory, &fShSafe};
         *out = number >= 7 && number <= 9 ? own[number - 7] : &fOthers[number];
         return kMCNoInterface;
     }
 
 private:
+    int32_t fMark;
     RecordingDebug fDebug;
     RecordingMemory fMemory;
     RecordingShSafe fShSafe;
@@ -103,6 +112,23 @@ TEST(ExportsTest, ServicesAreTakenAndReleasedInTheSettledOrders)
     gEvents.clear();
     EXPECT_EQ(library.fCleanUp(), MC_S_OK); // once in the life of the module
     EXPECT_THAT(gEvents, testing::IsEmpty());
+}
+
+TEST(ExportsTest, ASecondInitTakesTheServicesAnewAndReleasesNone)
+{
+    constexpr int32_t kMark = 1000;
+    RecordingUtilities first, second(kMark);
+    Library library(FERNWICK_MODULE, {});
+    gEvents.clear();
+    library.fInit(&first);
+    const std::vector<int32_t> taken = std::exchange(gEvents, {});
+    EXPECT_EQ(library.fInit(&second), MC_S_OK);
+    EXPECT_EQ(gEvents, taken);
+
+    gEvents.clear();
+    EXPECT_EQ(library.fCleanUp(), MC_S_OK);
+    EXPECT_THAT(gEvents, testing::SizeIs(kServiceCount));
+    EXPECT_THAT(gEvents, testing::Each(testing::Lt(-kMark))); // the second's alone
 }
 
 TEST(ExportsTest, AnyOneServiceCanBeWithheldAndTheModuleLeavesTheProcess)
