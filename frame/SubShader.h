@@ -8,6 +8,13 @@ using SubShaderSlot = MCCountedPtr<IMCUnknown>;
 /// The plugged shader as its wrapper interface.
 using ConnectedShader = MCCountedPtr<IShellShader>;
 
+/// Queries `slot` for `IShellShader` into `shader`. An emptied slot drops its shader.
+/// @return the status of the query; 0 for an empty slot
+MCErr QuerySubShader(const SubShaderSlot& slot, ConnectedShader& shader);
+
+/// The output kinds that a parent caches; 0 for no shader.
+inline uint32_t KindsOf(const ConnectedShader& shader) { return shader ? shader->GetOutputKinds() : 0; }
+
 /// The common refresh of a sub-shader: queries `slot` for `IShellShader` into `shader` and stores its output
 /// kinds. An emptied slot drops its shader: null, kinds 0.
 /// @return the status of the query; 0 for an empty slot

@@ -1,4 +1,5 @@
 #include "shaders/layers/MultiPassControl.h"
+#include "shaders/layers/PassLevel.h"
 
 namespace {
 
@@ -51,7 +52,7 @@ float MultiPassControl::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
     }
     if (!fShader)
         return 0.0f;
-    if (!ReadLevel(fShader, fShaderKinds, value, fLayerColor, fullArea, in))
+    if (!ReadPassLevel(fShader, fShaderKinds, value, fLayerColor, fullArea, in))
         value = 0;
     return kFullCoverage;
 }

@@ -1,4 +1,7 @@
 #include "shaders/layers/MultiPassManager.h"
+#include "shaders/layers/Layer.h"
+#include "shaders/layers/LayerSlots.h"
+#include "shaders/layers/PassLevel.h"
 #include <algorithm>
 
 namespace {
@@ -24,7 +27,7 @@ int32_t MultiPassManager::ShadeSurface(ShadingOut& result, ShadingIn& in)
 {
     bool fullArea = false;
     fValue = 0;
-    if (!ReadLevel(fShader[0], fShaderKinds[0], fValue, fLayerColor, fullArea, in))
+    if (!ReadPassLevel(fShader[0], fShaderKinds[0], fValue, fLayerColor, fullArea, in))
         return 0;
     const int32_t pass = PassOf(fValue);
     if (pass < 0 || pass > kLastPass)
@@ -33,6 +36,7 @@ int32_t MultiPassManager::ShadeSurface(ShadingOut& result, ShadingIn& in)
     // Pass 0 is the selector itself. A surface starts from what the caller has, anything else from the defaults.
     if ((fShaderKinds[pass] & kOutputSurface) == 0)
         result.SetDefaults();
-    ShadeLayer(fShader[pass], fShaderKinds[pass], result, fLayerColor, fValue, fullArea, in);
+    const Layer layer = {fShader[pass], fShaderKinds[pass], fLayerColor, fValue};
+    layer.Shade(result, fullArea, in);
     return 1;
 }

@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/ShaderOf.h"
+#include "frame/SubShader.h"
 #include "frame/TMCString.h"
-#include "shaders/layers/LayerSlots.h"
 
 /// Parameters of MultiPassManager, as the host writes and saves them.
 struct MultiPassManagerParams {

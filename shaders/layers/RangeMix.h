@@ -61,6 +61,8 @@ template <EdgeCurve kCurve> struct EdgeFade {
     }
 };
 
+int32_t CountConnected(std::span<const ConnectedShader> layers);
+
 /// Cuts 0 to 100 percent into equal ranges for the connected layers, in slot order and whole percents. Ranges
 /// of the others stay.
 /// @param layers  the shaders of the layer slots, as many as there are ranges
@@ -137,12 +139,12 @@ protected:
     /// to a range, and the last layer may stand in for all.
     template <EdgeCurve kCurve> bool TakeLayer(int slot)
     {
+        if (!fShader[slot])
+            return false;
         const Params& params = this->fParams;
         const TVector2& range = params.fRange[slot - kFirstLayerSlot];
         const bool inside = fValue >= range[0] && range[1] >= fValue;
-        if (!inside && !(slot == kMixerSlotCount - 1 && params.fLastIsDefault && fActiveCount == 0))
-            return false;
-        if (!fShader[slot])
+        if (!inside && !(fActiveCount == 0 && params.fLastIsDefault && slot == kMixerSlotCount - 1))
             return false;
         fWeight = 1.0f;
         if (params.fSmooth)

@@ -1,4 +1,6 @@
 #include "shaders/layers/Shadow_pass.h"
+#include "shaders/layers/Layer.h"
+#include "shaders/layers/LayerSlots.h"
 
 bool Shadow_pass::SameParams(const Shadow_passParams& other) const
 {
@@ -14,6 +16,7 @@ int32_t Shadow_pass::ShadeSurface(ShadingOut& result, ShadingIn& in)
         return 0;
     }
     bool fullArea = false;
-    ShadeLayer(fShader, fShaderKinds, result, fLayerColor, fValue, fullArea, in);
+    const Layer layer = {fShader, fShaderKinds, fLayerColor, fValue};
+    layer.Shade(result, fullArea, in);
     return 1;
 }

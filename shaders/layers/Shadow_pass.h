@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/ShaderOf.h"
+#include "frame/SubShader.h"
 #include "frame/TMCBool.h"
-#include "shaders/layers/LayerSlots.h"
 
 /// Parameters of Shadow_pass, as the host writes and saves them.
 struct Shadow_passParams {

@@ -1,10 +1,10 @@
 #include "shaders/layers/Super_mixer_top.h"
+#include "shaders/layers/Layer.h"
 
 MCErr Super_mixer_top::ExtensionDataChanged()
 {
     const MCErr status = RefreshMix();
-    fAnyLayer = std::ranges::any_of(
-        Layers(), [](const ConnectedShader& layer) { return static_cast<bool>(layer); });
+    fAnyLayer = CountConnected(Layers()) > 0;
     return status;
 }
 
@@ -41,16 +41,15 @@ int32_t Super_mixer_top::ShadeSurface(ShadingOut& result, ShadingIn& in)
 void Super_mixer_top::AddLayer(
     int slot, ShadingOut& accum_shadingout, ShadingOut& fetch, bool& fullArea, ShadingIn& in)
 {
-    const ConnectedShader& shader = fShader[slot];
-    const uint32_t kinds = fShaderKinds[slot];
-    if ((kinds & kOutputSurface) != 0) {
+    const Layer layer = {fShader[slot], fShaderKinds[slot], fLayerColor, fValue};
+    if ((layer.fShaderKinds & kOutputSurface) != 0) {
         fetch.SetDefaults(); // of the channels that the layer leaves alone
-        shader->ShadeSurface(fetch, in);
+        layer.fShader->ShadeSurface(fetch, in);
         fetch *= fWeight;
         fetch.fThirdColor *= fWeight; // kept: this one channel carries the square of the weight
         accum_shadingout += fetch;
         in.fChannelMask = kAllChannels;
-    } else if (AskLayerColor(shader, kinds, fLayerColor, fValue, fullArea, in)) {
+    } else if (layer.AskColor(fullArea, in)) {
         // A value has overwritten `fValue`; kept: the ranges of all later layers are held against it.
         fLayerColor *= fWeight;
         accum_shadingout.fColor += fLayerColor;

@@ -3,12 +3,11 @@
 
 // The walks that each sample makes, in a header so that they cost no calls.
 
-/// Where a coordinate lies on a thread: what both walks below answer.
+/// Where a coordinate lies on a thread or in a span: what both walks below give.
 struct ThreadProbe {
-    int32_t fThread = 0; ///< from 1; 0 for a gap
-    float fOffset = 0;   ///< signed distance from the centre, positive on the lower side
-    float fHalf = 1;     ///< the half width or half length that goes with it
-    float fT = 0;        ///< 0 to 1 from start to end
+    float fOffset = 0; ///< signed distance from the centre, positive on the lower side
+    float fHalf = 1;   ///< the half width or half length that goes with it
+    float fT = 0;      ///< 0 to 1 from start to end
 };
 
 inline float OffsetFrom(float center, float x)
@@ -26,22 +25,27 @@ inline float PlaceInSpan(double x, double start, float halfLength)
     return static_cast<float>((x - start) / (halfLength * 2.0));
 }
 
-/// The walk across: finds the thread at `x`. A gap has thread 0, offset 0, half 1 and t 0; so has a NaN.
+/// The walk across: finds the thread at `x`. A gap has offset 0, half 1 and t 0; so has a NaN.
 /// @param rounded  false leaves the offset 0
-inline ThreadProbe WalkAcross(const ThreadTable& table, float x, bool rounded)
+/// @param probe    receives the place on the thread
+/// @return the thread, from 1; 0 for a gap
+inline int32_t WalkAcross(const ThreadTable& table, float x, bool rounded, ThreadProbe& probe)
 {
+    probe = {};
     float previousEnd = 0;
     for (int32_t k = 0; k < table.fCount; ++k) { // past the last thread there is but a gap
         const float start = table.fEdge[2 * k];
         const float end = table.fEdge[2 * k + 1];
         if (x >= previousEnd && start > x)
             break;
-        if (x >= start && end > x)
-            return {k + 1, rounded ? OffsetFrom(table.fCenter[k], x) : 0, table.fHalfWidth[k],
+        if (x >= start && end > x) {
+            probe = {rounded ? OffsetFrom(table.fCenter[k], x) : 0, table.fHalfWidth[k],
                 (x - start) / (end - start)};
+            return k + 1;
+        }
         previousEnd = end;
     }
-    return {};
+    return 0;
 }
 
 /// The walk along: finds the span at `x` of the thread with this number, from 1. A gap, a thread that never
@@ -49,7 +53,7 @@ inline ThreadProbe WalkAcross(const ThreadTable& table, float x, bool rounded)
 /// @param spans  of the group's threads
 inline ThreadProbe WalkAlong(int32_t thread, const ThreadSpans (&spans)[kThreadsPerGroup], float x)
 {
-    ThreadProbe probe = {thread, 0, 1, 0};
+    ThreadProbe probe;
     if (thread == 0)
         return probe;
     const int32_t crossings = spans[thread - 1].fCrossings;

@@ -2,21 +2,26 @@
 
 namespace {
 
-// The fields of the record by group, warp then weft.
-constexpr SubShaderSlot (WeaveParams::*kSubShaders[])[5]
-    = {&WeaveParams::fWarpSubShader, &WeaveParams::fWeftSubShader};
-constexpr int32_t (WeaveParams::*kWidths[])[5] = {&WeaveParams::fWarpWidth, &WeaveParams::fWeftWidth};
-constexpr int32_t WeaveParams::*kGap[] = {&WeaveParams::fWarpGap, &WeaveParams::fWeftGap};
-constexpr int32_t WeaveParams::*kRepeat[] = {&WeaveParams::fRepeatU, &WeaveParams::fRepeatV};
-
 /// Asked for a colour, a value shader too (kept: the order of the tests makes it so).
 constexpr uint32_t kAskedForColor = kOutputValue | kOutputColor | kOutputSurface;
 
 /// None of the output kinds; asked for a value all the same (kept).
 constexpr uint32_t kAskedForValue = 1;
 
-/// Where the walk along doesn't run.
-constexpr ThreadProbe kNoSpan = {.fT = 1};
+/// A thread connected after a hole isn't used.
+int32_t CountThreads(const ConnectedShader (&shaders)[kThreadsPerGroup])
+{
+    int32_t count = 0;
+    while (count < kThreadsPerGroup && shaders[count])
+        ++count;
+    return count;
+}
+
+/// The remainder keeps the sign: below 0 there are no threads. A repeat of 0 gives the tile's start.
+float InTile(float coordinate, float inverseRepeat, int32_t repeat)
+{
+    return coordinate != 0 ? std::fmod(coordinate, inverseRepeat) * static_cast<float>(repeat) : coordinate;
+}
 
 float Squared(float number) { return number * number; }
 
@@ -35,75 +40,89 @@ TVector3 Rotate(const TVector3& axis, const TVector3& vector, float sine)
             + (cosine + rest * az * az) * vz};
 }
 
+/// Tilts `normal` along U about the derivative along V, or along V about that along U. The offset, a length in
+/// tiles, serves directly as the sine.
+TVector3 Bent(const TVector3& normal, bool alongU, float offset, float scale, const ShadingIn& in)
+{
+    TVector3 axis = alongU ? in.fDerivV : in.fDerivU; // not normalised: its length scales the effect
+    axis *= 1.0f / scale;
+    axis *= 2.0f;
+    return Rotate(axis, normal, alongU ? -offset : offset);
+}
+
 } // namespace
 
 MCErr Weave::ExtensionDataChanged()
 {
-    const MCErr status = ConnectAll();
-    int32_t counts[2] = {CountThreads(kWarp), CountThreads(kWeft)};
+    const MCErr status = QueryAll();
+    CacheKinds();
+    int32_t warpCount = CountThreads(fWarpShader);
+    int32_t weftCount = CountThreads(fWeftShader);
     if (IsBasic()) {
         MakeBasicCloth();
-        counts[kWarp] = counts[kWeft] = 2; // whatever is connected
+        warpCount = weftCount = 2; // whatever is connected
     }
-    for (const Group group : kGroups) {
-        fTable[group].Build(counts[group], fParams.*kWidths[group], fParams.*kGap[group], fWidthSum);
-        fInvRepeat[group] = static_cast<float>(1.0 / fParams.*kRepeat[group]);
-    }
-    for (const Group group : kGroups)
-        BuildSpans(group);
+    fWarpTable = LayThreads(warpCount, fParams.fWarpWidth, fParams.fWarpGap);
+    fWeftTable = LayThreads(weftCount, fParams.fWeftWidth, fParams.fWeftGap);
+    CutAllSpans();
+    fInvRepeatU = static_cast<float>(1.0 / fParams.fRepeatU);
+    fInvRepeatV = static_cast<float>(1.0 / fParams.fRepeatV);
     fAcrossScale = fParams.fProfileAcross;
     fAlongScale = fParams.fProfileAlong;
     return status;
 }
 
-MCErr Weave::ConnectAll()
+MCErr Weave::QueryAll()
 {
     bool failed = false;
-    const auto connect = [&failed](const SubShaderSlot& slot, ConnectedShader& shader, uint32_t& kinds) {
-        if (ConnectSubShader(slot, shader, kinds) != MC_S_OK)
+    const auto query = [&failed](const SubShaderSlot& slot, ConnectedShader& shader) {
+        if (QuerySubShader(slot, shader) != MC_S_OK)
             failed = true;
     };
-    for (int i = 0; i < kThreadsPerGroup; ++i)
-        for (const Group group : kGroups)
-            connect((fParams.*kSubShaders[group])[i], fShader[group][i], fShaderKinds[group][i]);
-    connect(fParams.fDisplaceBeforeSubShader, fDisplaceBeforeShader, fDisplaceBeforeShaderKinds);
-    connect(fParams.fDisplaceAfterSubShader, fDisplaceAfterShader, fDisplaceAfterShaderKinds);
-    connect(fParams.fGapSubShader, fGapShader, fGapShaderKinds);
+    for (int i = 0; i < kThreadsPerGroup; ++i) {
+        query(fParams.fWarpSubShader[i], fWarpShader[i]);
+        query(fParams.fWeftSubShader[i], fWeftShader[i]);
+    }
+    query(fParams.fDisplaceBeforeSubShader, fDisplaceBeforeShader);
+    query(fParams.fDisplaceAfterSubShader, fDisplaceAfterShader);
+    query(fParams.fGapSubShader, fGapShader);
     return failed ? 1 : MC_S_OK;
 }
 
-/// A thread connected after a hole isn't used.
-int32_t Weave::CountThreads(Group group) const
+void Weave::CacheKinds()
 {
-    int32_t count = 0;
-    while (count < kThreadsPerGroup && fShader[group][count])
-        ++count;
-    return count;
+    for (int i = 0; i < kThreadsPerGroup; ++i) {
+        fWarpShaderKinds[i] = KindsOf(fWarpShader[i]);
+        fWeftShaderKinds[i] = KindsOf(fWeftShader[i]);
+    }
+    fDisplaceBeforeShaderKinds = KindsOf(fDisplaceBeforeShader);
+    fDisplaceAfterShaderKinds = KindsOf(fDisplaceAfterShader);
+    fGapShaderKinds = KindsOf(fGapShader);
 }
 
 void Weave::MakeBasicCloth()
 {
-    for (const Group group : kGroups) {
-        fShaderKinds[group][1] = fShaderKinds[group][0];
-        int32_t(&widths)[5] = fParams.*kWidths[group];
-        widths[1] = widths[0];
-    }
+    fWarpShaderKinds[1] = fWarpShaderKinds[0];
+    fWeftShaderKinds[1] = fWeftShaderKinds[0];
+    fParams.fWarpWidth[1] = fParams.fWarpWidth[0];
+    fParams.fWeftWidth[1] = fParams.fWeftWidth[0];
     for (int j = 0; j < 2; ++j)
         for (int i = 0; i < 2; ++i)
             fParams.fPattern[j][i] = i != j;
 }
 
-void Weave::BuildSpans(Group group)
+void Weave::CutAllSpans()
 {
-    const ThreadTable& crossing = fTable[OtherGroup(group)];
-    for (int thread = 0; thread < fTable[group].fCount; ++thread) {
-        bool dives[kThreadsPerGroup];
-        for (int other = 0; other < kThreadsPerGroup; ++other) {
-            const bool warpOnTop
-                = group == kWarp ? fParams.fPattern[other][thread] : fParams.fPattern[thread][other];
-            dives[other] = warpOnTop == (group == kWeft);
-        }
-        fSpans[group][thread].Build(crossing, dives);
+    bool dives[kThreadsPerGroup];
+    for (int i = 0; i < fWarpTable.fCount; ++i) {
+        for (int j = 0; j < kThreadsPerGroup; ++j)
+            dives[j] = !fParams.fPattern[j][i];
+        fWarpSpans[i] = CutSpans(fWeftTable, dives);
+    }
+    for (int j = 0; j < fWeftTable.fCount; ++j) {
+        for (int i = 0; i < kThreadsPerGroup; ++i)
+            dives[i] = fParams.fPattern[j][i];
+        fWeftSpans[j] = CutSpans(fWarpTable, dives);
     }
 }
 
@@ -111,7 +130,7 @@ float Weave::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
     color.SetRGB(0);
     fullArea = false;
-    if (fTable[kWarp].fCount == 0 && fTable[kWeft].fCount == 0)
+    if (fWarpTable.fCount == 0 && fWeftTable.fCount == 0)
         return kFullCoverage;
 
     FindTileUV(fullArea, in);
@@ -132,13 +151,11 @@ float Weave::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 
 inline void Weave::FindTileUV(bool& fullArea, ShadingIn& in)
 {
-    fTileUV[0] = in.fUV[0];
-    fTileUV[1] = in.fUV[1];
+    fU = in.fUV[0];
+    fV = in.fUV[1];
     Displace(fParams.fDisplaceBefore, fDisplaceBeforeShader, fDisplaceBeforeShaderKinds, fullArea, in);
-    // The remainder keeps the sign: below 0 there are no threads. A repeat of 0 gives the tile's start.
-    for (const Group group : kGroups)
-        if (fTileUV[group] != 0)
-            fTileUV[group] = std::fmod(fTileUV[group], fInvRepeat[group]) * fParams.*kRepeat[group];
+    fU = InTile(fU, fInvRepeatU, fParams.fRepeatU);
+    fV = InTile(fV, fInvRepeatV, fParams.fRepeatV);
     Displace(fParams.fDisplaceAfter, fDisplaceAfterShader, fDisplaceAfterShaderKinds, fullArea, in);
 }
 
@@ -147,40 +164,39 @@ inline void Weave::Displace(
 {
     if (strength == 0)
         return;
-    float luma = 0;
-    if ((kinds & kAskedForColor) != 0)
-        luma = AskLuminance(*shader, fLayerColor, fullArea, in);
-    else if ((kinds & kAskedForValue) != 0)
+    const auto share = [strength](float luma) { return luma * static_cast<float>(strength) / 100.0f; };
+    float distance = 0; // added all the same: it turns -0 into 0
+    if ((kinds & kAskedForColor) != 0) {
+        distance = share(AskLuminance(*shader, fLayerColor, fullArea, in));
+    } else if ((kinds & kAskedForValue) != 0) {
+        float luma = 0;
         shader->ShadeValue(luma, fullArea, in);
-    else
-        strength = 0; // a move by 0 all the same: it turns -0 into 0
-    const float distance = luma * static_cast<float>(strength) / 100.0f;
-    fTileUV[1] += distance;
-    fTileUV[0] += distance;
+        distance = share(luma);
+    }
+    fV += distance;
+    fU += distance;
 }
 
 inline void Weave::FindThreads()
 {
-    for (const Group group : kGroups)
-        fAcross[group] = WalkAcross(fTable[group], fTileUV[group], fParams.fRoundAcross);
+    fWarpHit = WalkAcross(fWarpTable, fU, fParams.fRoundAcross, fWarpAcross);
+    fWeftHit = WalkAcross(fWeftTable, fV, fParams.fRoundAcross, fWeftAcross);
 }
 
 inline void Weave::ChooseTop()
 {
-    const int32_t warp = fAcross[kWarp].fThread;
-    const int32_t weft = fAcross[kWeft].fThread;
-    if (warp == 0 && weft == 0) {
+    if (fWarpHit == 0 && fWeftHit == 0) {
         fTopThread = 0;
         return;
     }
-    fTopIsWarp = weft == 0 || (warp != 0 && fParams.fPattern[weft - 1][warp - 1]);
-    fTopThread = fTopIsWarp ? warp : weft;
+    fTopIsWarp = fWeftHit == 0 || (fWarpHit != 0 && fParams.fPattern[fWeftHit - 1][fWarpHit - 1]);
+    fTopThread = fTopIsWarp ? fWarpHit : fWeftHit;
 }
 
 /// The place along the thread on top.
 inline ThreadProbe Weave::ProbeAlongTop() const
 {
-    return WalkAlong(fTopThread, fSpans[TopGroup()], fTileUV[OtherGroup(TopGroup())]);
+    return WalkAlong(fTopThread, fTopIsWarp ? fWarpSpans : fWeftSpans, fTopIsWarp ? fV : fU);
 }
 
 void Weave::PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
@@ -197,10 +213,9 @@ void Weave::PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 
 inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
 {
-    const Group top = TopGroup();
-    const ThreadProbe& across = fAcross[top];
-    const ThreadProbe along = fParams.fRoundAlong || fParams.fAlongUV ? ProbeAlongTop() : kNoSpan;
-    if (top == kWeft)
+    const ThreadProbe across = fTopIsWarp ? fWarpAcross : fWeftAcross;
+    const ThreadProbe along = fParams.fRoundAlong || fParams.fAlongUV ? ProbeAlongTop() : ThreadProbe();
+    if (!fTopIsWarp)
         in.fUV = {in.fUV[1], in.fUV[0]}; // U across the thread, V along it
     if (fParams.fAcrossUV)
         in.fUV[0] = across.fT;
@@ -208,9 +223,10 @@ inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& i
         in.fUV[1] = along.fT;
 
     const int32_t thread = fTopThread - 1;
-    const ConnectedShader& shader = fShader[top][IsBasic() ? 0 : thread];
+    const ConnectedShader& shader = (fTopIsWarp ? fWarpShader : fWeftShader)[IsBasic() ? 0 : thread];
+    const uint32_t kinds = (fTopIsWarp ? fWarpShaderKinds : fWeftShaderKinds)[thread];
     TMCColorRGBA paint = {0, 0, 0, color.fAlpha};
-    if (shader && fShaderKinds[top][thread] != 0) { // whatever they are
+    if (shader && kinds != 0) { // whatever they are
         shader->ShadeColor(fLayerColor, fullArea, in);
         paint = fLayerColor;
     }
@@ -223,24 +239,11 @@ inline void Weave::PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& i
 
 /// The elliptic cross-section of the top thread: 1 in the middle of a span. The term along counts whenever the
 /// walk along ran, so `fAlongUV` alone brings it in too.
-inline float Weave::Darkening(const ThreadProbe& across, const ThreadProbe& along) const
+inline float Weave::Darkening(ThreadProbe across, ThreadProbe along) const
 {
     const float sum = Squared(along.fOffset) / Squared(along.fHalf * fAlongScale)
         + Squared(across.fOffset) / Squared(across.fHalf * fAcrossScale);
     return static_cast<float>(1.0 - sum);
-}
-
-/// Tilts `normal` along a coordinate, about the derivative of the other one. The offset, a length in tiles,
-/// serves directly as the sine.
-/// @param alongCoordinate  the coordinate that `offset` is measured along
-inline TVector3 Weave::Bent(
-    const TVector3& normal, int alongCoordinate, float offset, float scale, const ShadingIn& in) const
-{
-    const bool alongU = alongCoordinate == 0;
-    TVector3 axis = alongU ? in.fDerivV : in.fDerivU; // not normalised: its length scales the effect
-    axis *= 1.0f / scale;
-    axis *= 2.0f;
-    return Rotate(axis, normal, alongU ? -offset : offset);
 }
 
 float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
@@ -256,14 +259,15 @@ float Weave::ShadeVector(TVector3& vector, ShadingIn& in)
     if (!fParams.fRoundAcross && !fParams.fRoundAlong)
         return kFullCoverage;
 
-    const Group top = TopGroup();
     TVector3 bent = in.fNormalGlobal;
     if (fParams.fRoundAlong)
-        bent = Bent(bent, OtherGroup(top), ProbeAlongTop().fOffset, fAlongScale, in);
+        bent = Bent(bent, !fTopIsWarp, ProbeAlongTop().fOffset, fAlongScale, in);
     if (fParams.fRoundAlong && fParams.fRoundAcross)
         Normalize(bent);
-    if (fParams.fRoundAcross)
-        bent = Bent(bent, top, fAcross[top].fOffset, fAcrossScale, in);
+    if (fParams.fRoundAcross) {
+        const ThreadProbe& across = fTopIsWarp ? fWarpAcross : fWeftAcross;
+        bent = Bent(bent, fTopIsWarp, across.fOffset, fAcrossScale, in);
+    }
     vector = bent;
     return kFullCoverage;
 }

@@ -52,9 +52,6 @@ static_assert(sizeof(WeaveParams) == 224);
 /// Woven cloth in UV space: warp threads along V, weft threads along U, and a matrix that says which lies on top
 /// at each crossing. Threads and gaps take their colour from sub-shaders; the second output bends the normal to
 /// give each thread a rounded profile.
-///
-/// Warp and weft are two groups treated alike. A group's number is also that of the coordinate across its
-/// threads (U for the warp), and the other group's that of the coordinate along them.
 class Weave final : public ShaderOf<Weave, WeaveParams> {
 public:
     /// Kept: the rows of the matrix are compared by their addresses, so no other object is ever the same.
@@ -74,38 +71,40 @@ public:
     float ShadeVector(TVector3& vector, ShadingIn& in) override;
 
 private:
-    enum Group : int { kWarp, kWeft };
-    static constexpr Group kGroups[] = {kWarp, kWeft};
-    static constexpr Group OtherGroup(Group group) { return group == kWarp ? kWeft : kWarp; }
-
-    // Where a member has two of a kind, they are by group: warp, weft.
-    ConnectedShader fShader[2][kThreadsPerGroup];
+    ConnectedShader fWarpShader[kThreadsPerGroup];
+    ConnectedShader fWeftShader[kThreadsPerGroup];
     ConnectedShader fDisplaceBeforeShader;
     ConnectedShader fDisplaceAfterShader;
     ConnectedShader fGapShader;
     TMCColorRGBA fLayerColor = {0, 0, 0, 0}; ///< scratch of the sub-shaders
-    float fWidthSum = 0;                     ///< scratch of the tables
-    uint32_t fShaderKinds[2][kThreadsPerGroup] = {};
+    uint32_t fWarpShaderKinds[kThreadsPerGroup] = {};
+    uint32_t fWeftShaderKinds[kThreadsPerGroup] = {};
     uint32_t fDisplaceBeforeShaderKinds = 0;
     uint32_t fDisplaceAfterShaderKinds = 0;
     uint32_t fGapShaderKinds = 0;
-    float fTileUV[2] = {};    ///< the sample in its tile
-    float fInvRepeat[2] = {}; ///< a tile's size in U and in V
-    ThreadProbe fAcross[2];   ///< of the thread under the sample, from its centre line
-    int32_t fTopThread = 0;   ///< from 1; 0 for a gap
+    float fU = 0; ///< the sample in its tile
+    float fV = 0;
+    float fInvRepeatU = 0; ///< a tile's size
+    float fInvRepeatV = 0;
+    int32_t fWarpHit = 0; ///< the thread under the sample, from 1; 0 for a gap
+    int32_t fWeftHit = 0;
+    ThreadProbe fWarpAcross; ///< the place across that thread, from its centre line
+    ThreadProbe fWeftAcross;
+    int32_t fTopThread = 0; ///< from 1; 0 for a gap
     bool fTopIsWarp = false;
     float fAcrossScale = 0;
     float fAlongScale = 0;
-    ThreadTable fTable[2];
-    ThreadSpans fSpans[2][kThreadsPerGroup];
+    ThreadTable fWarpTable;
+    ThreadTable fWeftTable;
+    ThreadSpans fWarpSpans[kThreadsPerGroup];
+    ThreadSpans fWeftSpans[kThreadsPerGroup];
 
     bool IsBasic() const { return fParams.fWeaveMode == Code("BSCM"); }
-    Group TopGroup() const { return fTopIsWarp ? kWarp : kWeft; }
 
-    MCErr ConnectAll();
-    int32_t CountThreads(Group group) const;
+    MCErr QueryAll();
+    void CacheKinds();
     void MakeBasicCloth();
-    void BuildSpans(Group group);
+    void CutAllSpans();
 
     void FindTileUV(bool& fullArea, ShadingIn& in);
     void Displace(
@@ -116,7 +115,5 @@ private:
 
     void PaintGap(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);
     void PaintThread(TMCColorRGBA& color, bool& fullArea, ShadingIn& in);
-    float Darkening(const ThreadProbe& across, const ThreadProbe& along) const;
-    TVector3 Bent(
-        const TVector3& normal, int alongCoordinate, float offset, float scale, const ShadingIn& in) const;
+    float Darkening(ThreadProbe across, ThreadProbe along) const;
 };
