@@ -27,13 +27,13 @@ struct PlainCloth {
           gap(gapSource), inverseRepeat{static_cast<float>(1.0 / params.fRepeatU),
                               static_cast<float>(1.0 / params.fRepeatV)}
     {
-        table[0] = LayThreads(2, p.fWarpWidth, p.fWarpGap);
-        table[1] = LayThreads(2, p.fWeftWidth, p.fWeftGap);
+        table[0].Build(2, p.fWarpWidth, p.fWarpGap);
+        table[1].Build(2, p.fWeftWidth, p.fWeftGap);
         for (int thread = 0; thread < 2; ++thread) {
             const bool warpDives[5] = {!p.fPattern[0][thread], !p.fPattern[1][thread]};
             const bool weftDives[5] = {p.fPattern[thread][0], p.fPattern[thread][1]};
-            spans[0][thread] = CutSpans(table[1], warpDives);
-            spans[1][thread] = CutSpans(table[0], weftDives);
+            spans[0][thread].Build(table[1], warpDives);
+            spans[1][thread].Build(table[0], weftDives);
         }
     }
 

@@ -7,15 +7,15 @@ constexpr int32_t kThreadsPerGroup = 5;
 /// so on to the last thread and half a gap. All in fractions of the tile.
 struct ThreadTable {
     int32_t fCount = 0;                     ///< threads in use
-    float fEdge[2 * kThreadsPerGroup] = {}; ///< 2k and 2k + 1: start and end of thread k
+    float fEdge[2 * kThreadsPerGroup] = {}; ///< 2k and 2k + 1: start and end of thread k, of those in use
     float fCenter[kThreadsPerGroup] = {};
     float fHalfWidth[kThreadsPerGroup] = {};
-};
 
-/// Lays out the first `count` of `widths` with `gap` between them, in a unit of their own. Extreme numbers give
-/// edges that are not finite, and no other harm.
-/// @param count  0 to 5
-ThreadTable LayThreads(int32_t count, const int32_t (&widths)[kThreadsPerGroup], int32_t gap);
+    /// Lays out the first `count` of `widths` with `gap` between them, in a unit of their own. Extreme numbers
+    /// give edges that are not finite, and no other harm.
+    /// @param count  0 to 5
+    void Build(int32_t count, const int32_t (&widths)[kThreadsPerGroup], int32_t gap);
+};
 
 /// The spans of one thread: the lengths over which it lies on top, between the crossings at which it dives
 /// under the other group. In fractions of the tile along the thread. The first and the last span are one, cut
@@ -30,8 +30,8 @@ struct ThreadSpans {
 
     int32_t fCrossings = 0; ///< one less than the spans in use
     Span fSpan[kThreadsPerGroup + 1];
-};
 
-/// @param crossing  the threads of the other group
-/// @param dives     for each of them, whether this thread lies below it
-ThreadSpans CutSpans(const ThreadTable& crossing, const bool (&dives)[kThreadsPerGroup]);
+    /// @param crossing  the threads of the other group
+    /// @param dives     for each of them, whether this thread lies below it
+    void Build(const ThreadTable& crossing, const bool (&dives)[kThreadsPerGroup]);
+};

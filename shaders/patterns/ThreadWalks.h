@@ -31,7 +31,6 @@ inline float PlaceInSpan(double x, double start, float halfLength)
 /// @return the thread, from 1; 0 for a gap
 inline int32_t WalkAcross(const ThreadTable& table, float x, bool rounded, ThreadProbe& probe)
 {
-    probe = {};
     float previousEnd = 0;
     for (int32_t k = 0; k < table.fCount; ++k) { // past the last thread there is but a gap
         const float start = table.fEdge[2 * k];
@@ -45,6 +44,7 @@ inline int32_t WalkAcross(const ThreadTable& table, float x, bool rounded, Threa
         }
         previousEnd = end;
     }
+    probe = {};
     return 0;
 }
 

@@ -62,9 +62,9 @@ MCErr Weave::ExtensionDataChanged()
         MakeBasicCloth();
         warpCount = weftCount = 2; // whatever is connected
     }
-    fWarpTable = LayThreads(warpCount, fParams.fWarpWidth, fParams.fWarpGap);
-    fWeftTable = LayThreads(weftCount, fParams.fWeftWidth, fParams.fWeftGap);
-    CutAllSpans();
+    fWarpTable.Build(warpCount, fParams.fWarpWidth, fParams.fWarpGap);
+    fWeftTable.Build(weftCount, fParams.fWeftWidth, fParams.fWeftGap);
+    BuildSpans();
     fInvRepeatU = static_cast<float>(1.0 / fParams.fRepeatU);
     fInvRepeatV = static_cast<float>(1.0 / fParams.fRepeatV);
     fAcrossScale = fParams.fProfileAcross;
@@ -111,18 +111,18 @@ void Weave::MakeBasicCloth()
             fParams.fPattern[j][i] = i != j;
 }
 
-void Weave::CutAllSpans()
+void Weave::BuildSpans()
 {
     bool dives[kThreadsPerGroup];
     for (int i = 0; i < fWarpTable.fCount; ++i) {
         for (int j = 0; j < kThreadsPerGroup; ++j)
             dives[j] = !fParams.fPattern[j][i];
-        fWarpSpans[i] = CutSpans(fWeftTable, dives);
+        fWarpSpans[i].Build(fWeftTable, dives);
     }
     for (int j = 0; j < fWeftTable.fCount; ++j) {
         for (int i = 0; i < kThreadsPerGroup; ++i)
             dives[i] = fParams.fPattern[j][i];
-        fWeftSpans[j] = CutSpans(fWarpTable, dives);
+        fWeftSpans[j].Build(fWarpTable, dives);
     }
 }
 

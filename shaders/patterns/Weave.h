@@ -104,7 +104,7 @@ private:
     MCErr QueryAll();
     void CacheKinds();
     void MakeBasicCloth();
-    void CutAllSpans();
+    void BuildSpans();
 
     void FindTileUV(bool& fullArea, ShadingIn& in);
     void Displace(
