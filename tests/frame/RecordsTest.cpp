@@ -61,7 +61,9 @@ protected:
         } else {
             *place ^= 1;
         }
-        return other.IsSameAs(one);
+        const bool same = other.IsSameAs(one);
+        EXPECT_EQ(one.IsSameAs(other), same) << field.fName; // from the other side
+        return same;
     }
 };
 

@@ -22,6 +22,7 @@ public:
     int fValueCalls = 0;
     int fSurfaceCalls = 0;
     const bool* fLastFullArea = nullptr; ///< where the last call's flag lay
+    bool fHandedFullArea = true;         ///< what that flag was
     ShadingIn fLastIn;                   ///< the sample as the last call saw it
 
     int Calls() const { return fColorCalls + fValueCalls + fSurfaceCalls; }
@@ -66,6 +67,7 @@ private:
     void Answer(bool& fullArea)
     {
         fLastFullArea = &fullArea;
+        fHandedFullArea = fullArea;
         fullArea = fFullArea;
     }
 };

@@ -1,10 +1,9 @@
 #pragma once
 #include "tests/support/ShaderTest.h"
+#include "tests/support/Socket.h"
 
-/// Something plugged that gives no `IShellShader`.
-class NoShader final : public fernwick::Component<IMCUnknown, IID_IMCUnknown> { };
-
-inline void PlugNoShader(SubShaderSlot& slot) { slot = fernwick::MakeCounted<NoShader>().Get(); }
+/// Something plugged that gives no `IShellShader`: the query fails with `Socket::kRefusal`.
+inline void PlugNoShader(SubShaderSlot& slot) { slot = fernwick::MakeCounted<Socket>().Get(); }
 
 /// A shader that answers each kind apart: 0.25 as colour, 0.5 as value, 0.75 as surface, all with alpha 0.5.
 inline MCCountedPtr<FakeShader> FakeAll(uint32_t kinds = kOutputSurface | kOutputColor | kOutputValue)

@@ -94,7 +94,9 @@ TEST_F(MultiPassTest, EachRouteTellsWhatIsLeftOfTheCallersRecord)
 
 TEST_F(MultiPassTest, SelectorAndReferenceAreAskedForColourThenValueThenSurface)
 {
+    fFullArea = true;
     EXPECT_EQ(Level(0), 9); // no reference: no level at all
+    EXPECT_FALSE(fFullArea);
     const std::tuple<uint32_t, float, float> cases[]
         = {{kOutputSurface | kOutputColor | kOutputValue, 0.25f, 3}, {kOutputSurface | kOutputValue, 0.5f, 5},
             {kOutputSurface, 0.75f, 8}};
@@ -128,8 +130,72 @@ TEST_F(MultiPassTest, EmptiedSlotsGoOnAndAFailedQueryIsOneOrItsStatus)
     EXPECT_EQ(Level(), 0.5f);
     EXPECT_TRUE(fFullArea); // as the reference left it
     PlugNoShader(fControl.Record().fSubShader);
-    EXPECT_EQ(fControl.Changed(), kMCNoInterface);
+    EXPECT_EQ(fControl.Changed(), Socket::kRefusal);
     EXPECT_EQ(Level(0), 9);
+    for (SubShaderSlot& slot : fManager.Record().fSubShader) {
+        PlugNoShader(slot);
+        EXPECT_EQ(fManager.Changed(), 1u);
+        slot = nullptr;
+    }
+    EXPECT_EQ(fManager.Changed(), MC_S_OK);
+}
+
+TEST_F(MultiPassTest, KeptShadersAreAskedForTheirKindsAnewAtTheChange)
+{
+    const auto pass = FakeAll(kOutputColor);
+    PlugInto(3, pass.Get());
+    Plug(fControl.Record().fSubShader, pass);
+    fControl.Changed();
+    fControl.Record().fSubShader = fManager.Record().fSubShader[3] = nullptr;
+    pass->fKinds = kOutputValue;
+    EXPECT_EQ(Shade(0.25f).fColor.fRed, 0.25f);
+    EXPECT_EQ(Level(), 0.25f);
+    fManager.Changed();
+    fControl.Changed();
+    EXPECT_EQ(Shade(0.25f).fColor.fRed, 0.5f);
+    EXPECT_EQ(Level(), 0.5f);
+    pass->fSilent = true;
+    EXPECT_EQ(Level(), 9); // handed the caller's number, and it stays
+    pass->fKinds = kOutputColor;
+    fControl.Changed();
+    EXPECT_EQ(Level(), 0.25f); // the colour before
+}
+
+TEST_F(MultiPassTest, TheSelectorsColourAndNumberStayInTheScratch)
+{
+    const auto selector = FakeColor({0.35f, 0.35f, 0.35f, 0.75f});
+    const auto pass = FakeAll(kOutputColor);
+    PlugInto(0, selector.Get());
+    PlugInto(4, pass.Get());
+    pass->fSilent = true;
+    EXPECT_THAT(Shade(0).fColor, IsColor(0.35f, 0.35f, 0.35f, 0.75f));
+    EXPECT_FALSE(selector->fHandedFullArea);
+    EXPECT_TRUE(pass->fHandedFullArea); // as the selector left the same flag
+    EXPECT_EQ(pass->fLastFullArea, selector->fLastFullArea);
+    pass->fKinds = kOutputValue;
+    fManager.Changed();
+    EXPECT_THAT(Shade(0).fColor, IsColor(0.35f, 0.35f, 0.35f, 0.75f));
+    selector->fKinds = kOutputValue;
+    selector->fValue = 0.4f;
+    fManager.Changed();
+    EXPECT_EQ(Shade(0).fColor.fRed, 0.4f);
+    selector->fSilent = true; // 0 in each sample anew: the selector itself
+    EXPECT_EQ(Shade(0).fColor.fRed, 0);
+}
+
+TEST_F(MultiPassTest, LetsGoOfShadersBeforeWhatIsPluggedAndBackwards)
+{
+    LeavingOrder order;
+    {
+        const MadeShader<MultiPassManagerParams> manager(kManagerID);
+        const MadeShader<MultiPassControlParams> control(kControlID);
+        for (const int slot : {0, 1, 10})
+            order.Plug(manager.Record().fSubShader[slot]);
+        order.Plug(control.Record().fSubShader);
+        manager.Changed();
+        control.Changed();
+    }
+    EXPECT_EQ(order.Text(), "3s 3p 2s 1s 0s 2p 1p 0p ");
 }
 
 } // namespace

@@ -10,6 +10,7 @@ struct ColorMixer {
         = {0x2B82DA60, 0xA115, 0x11D7, {0xA9, 0x26, 0x54, 0x55, 0x43, 0x44, 0x52, 0x00}};
     static constexpr float kCurve = 0x1.872208p-4f; // the float sine
     static constexpr float kOwnAlpha = 0.5f;        // of the caller's colour, below all layers
+    static constexpr float kMeanOfFiveInThree = 5 / 3.0f;
     static bool Shade(I3DExShader& mixer, ShadingOut& result, bool& fullArea, ShadingIn& in)
     {
         return mixer.ShadeColor(result.fColor, fullArea, in) != 0.0f;
@@ -22,6 +23,7 @@ struct SurfaceMixer {
         = {0x490D324B, 0xB207, 0x4B1D, {0xA2, 0xAF, 0xE8, 0xCA, 0xB3, 0xC9, 0xD1, 0x06}};
     static constexpr float kCurve = 0x1.872216p-4f; // the double sine
     static constexpr float kOwnAlpha = 0;
+    static constexpr float kMeanOfFiveInThree = 5 * static_cast<float>(1.0 / 3); // a float above
     static bool Shade(I3DExShader& mixer, ShadingOut& result, bool&, ShadingIn& in)
     {
         return mixer.ShadeSurface(result, in) != 0;
@@ -104,6 +106,14 @@ TYPED_TEST(RangeMixTest, ShiftsClampsAndRemembersTheShiftedControl)
         = {{kOutputVector, 0, 0.35f, "3"}, {kOutputVector, 0, -0.25f, "0"}, {kOutputValue, 1, 0.32f, "3"},
             {kOutputValue, 1, 7, "4"}, {kOutputValue, 1, 1, "9"}, {kOutputValue, kNaN, 0.5f, "0"},
             {kOutputColor | kOutputValue, 0, 0.58f, "6"}};
+    Plug(this->fRecord.fSubShader[1], shift);
+    this->fMixer.Changed();
+    EXPECT_EQ(this->Taken(0.55f), "5"); // not asked
+    this->fRecord.fMixStyle = 0;
+    EXPECT_EQ(this->Taken(0.55f), "5");
+    EXPECT_EQ(shift->Calls(), 0);
+    PlugNoShader(this->fRecord.fSubShader[1]);
+    this->fMixer.Changed();
     this->fRecord.fMixStyle = Code("SHMX");
     this->fRecord.fRange[0][1] = 0.5f;  // below 0 is exactly 0
     EXPECT_EQ(this->Taken(0.55f), "5"); // an empty slot doesn't shift
@@ -148,7 +158,8 @@ TYPED_TEST(RangeMixTest, EdgesFade)
     const std::tuple<TVector2, int32_t, float, float, float> cases[] = {{{20, 40}, 50, 0.2f, 0, 0},
         {{20, 40}, 50, 0.375f, 0.25f, 0.14644661f}, {{20, 40}, 25, 0.28f, 1, 1}, {{20, 40}, 25, 0.32f, 1, 1},
         {{20, 30}, 400, 0.25f, 1, 1}, {{20, 30}, 400, 0.26f, 0.1f, 0.024471741f}, {{0, 40}, 50, 0, 1, 1},
-        {{60, 100}, 50, 1, 1, 1}, {{20, 40}, 0, 0.39f, 1, 1}, {{20, 40}, 0, 0.4f, kNaN, kNaN}};
+        {{60, 100}, 50, 1, 1, 1}, {{60, 120}, 50, 1, 2 / 3.0f, 0.75f}, {{-20, 40}, 50, 0, 2 / 3.0f, 0.75f},
+        {{20, 40}, 0, 0.39f, 1, 1}, {{20, 40}, 0, 0.4f, kNaN, kNaN}};
     this->Fade(1);
     for (const auto& [range, width, control, linear, curved] : cases)
         for (const bool isLinear : {true, false}) {
@@ -160,6 +171,109 @@ TYPED_TEST(RangeMixTest, EdgesFade)
         }
     this->fRecord.fSmoothWidth = 50;
     EXPECT_EQ(this->Shade(0.38f).fRed, TypeParam::kCurve);
+    EXPECT_EQ(this->Shade(0.3f).fRed, 1); // whole again in the middle
+    this->Shade(0.38f);
+    this->fRecord.fSmooth = false;
+    EXPECT_EQ(this->Shade(0.38f).fRed, 1);
+}
+
+TYPED_TEST(RangeMixTest, RoundsShiftAndColourLevelInDoubleAndWidthAndCountInFloat)
+{
+    auto& record = this->fRecord;
+    record.fColor = {0, 0.35f, 0.85f, 0};
+    this->fMixer.Changed();
+    EXPECT_EQ(record.fColorLevel, 29);
+    record.fColor = {0, 1, 0, 0};
+    this->fMixer.Changed();
+    EXPECT_EQ(record.fColorLevel, 59);
+
+    this->Fade(1);
+    record.fRange[0] = {10, 19};
+    record.fSmoothWidth = 70;
+    EXPECT_EQ(this->Shade(0.11f).fRed, 0.158730149f);
+    this->Fade(3);
+    record.fSmooth = false;
+    this->fLayers[0]->fColor.fRed = 3;
+    EXPECT_EQ(this->Shade(0.3f).fRed, TypeParam::kMeanOfFiveInThree);
+
+    record.fRange[0] = {0.339999974f, 0.339999974f}; // the shifted percentage and no other
+    record.fMixStyle = Code("SHMX");
+    record.fShiftAmount = 7;
+    Plug(record.fSubShader[1], FakeValue(0.12f));
+    this->fMixer.Changed();
+    EXPECT_EQ(this->Taken(0.03f), "0");
+}
+
+TYPED_TEST(RangeMixTest, SlotsWithoutAShaderDontCount)
+{
+    for (int layer = 1; layer < 9; ++layer)
+        PlugNoShader(this->fRecord.fSubShader[layer + 2]);
+    this->fMixer.Changed();
+    this->fRecord.fLastIsDefault = true;
+    EXPECT_EQ(this->Taken(0.35f), "9"); // the range of the fourth holds it
+    for (TVector2& range : this->fRecord.fRange)
+        range = {0, 100};
+    this->fLayers[9]->fColor = {0, 0, 0, 1};
+    EXPECT_EQ(this->Shade(0.5f).fRed, 0.5f);
+}
+
+TYPED_TEST(RangeMixTest, AKeptShaderIsAskedForItsKindsAnewAtTheChange)
+{
+    const auto& layer = this->fLayers[3];
+    this->fRecord.fSubShader[5] = nullptr;
+    layer->fKinds = kOutputValue;
+    this->Shade(0.35f);
+    EXPECT_EQ(layer->fValueCalls, 0);
+    this->fMixer.Changed();
+    this->Shade(0.35f);
+    EXPECT_EQ(layer->fValueCalls, 1);
+    this->fRecord.fDistribution = Code("audi"); // no code of its own
+    this->fMixer.Changed();
+    EXPECT_EQ(this->fRecord.fRange[3], TVector2(30, 40));
+}
+
+TYPED_TEST(RangeMixTest, TheColoursOfControlShiftAndBypassStayInTheScratch)
+{
+    const auto control = FakeColor({0.35f, 0.35f, 0.35f, 0.25f});
+    const auto shift = FakeColor({0.5f, 0.5f, 0.5f, 0.75f});
+    Plug(this->fRecord.fSubShader[0], control);
+    Plug(this->fRecord.fSubShader[1], shift);
+    this->fMixer.Changed();
+    this->fLayers[3]->fSilent = true;
+    const float own = TypeParam::kOwnAlpha;
+    EXPECT_THAT(this->Shade(0.0f), IsColor(0.35f, 0.35f, 0.35f, own + 0.25f));
+    EXPECT_FALSE(control->fHandedFullArea);
+    EXPECT_EQ(this->fLayers[3]->fLastFullArea, control->fLastFullArea);
+    this->fRecord.fMixStyle = Code("SHMX");
+    EXPECT_THAT(this->Shade(0.0f), IsColor(0.5f, 0.5f, 0.5f, own + 0.75f));
+    EXPECT_EQ(shift->fLastFullArea, control->fLastFullArea);
+    Plug(this->fRecord.fSubShader[0], this->fControl);
+    this->fRecord.fMixStyle = Code("SMMX");
+    this->fMixer.Changed();
+    this->fControl->fColor = {0.1f, 0.2f, 0.3f, 0.4f};
+    this->fRecord.fBypass = true;
+    this->Shade(0.35f);
+    EXPECT_FALSE(this->fControl->fHandedFullArea);
+    this->fRecord.fBypass = false;
+    EXPECT_THAT(this->Shade(0.35f), IsColor(0.1f, 0.2f, 0.3f, own + 0.4f));
+}
+
+TYPED_TEST(RangeMixTest, TellsEachRefusedSlotAndLetsGoBackwards)
+{
+    for (SubShaderSlot& slot : this->fRecord.fSubShader) {
+        PlugNoShader(slot);
+        EXPECT_EQ(this->fMixer.Changed(), 1u);
+        slot = nullptr;
+    }
+    EXPECT_EQ(this->fMixer.Changed(), MC_S_OK);
+    LeavingOrder order;
+    {
+        const typename TestFixture::Made mixer(TypeParam::kID);
+        for (const int slot : {0, 1, 11})
+            order.Plug(mixer.Record().fSubShader[slot]);
+        mixer.Changed();
+    }
+    EXPECT_EQ(order.Text(), "2s 1s 0s 2p 1p 0p ");
 }
 
 TYPED_TEST(RangeMixTest, KeepsEmptiedSlotsDropsFailedOnesAndDistributesTheRanges)
@@ -241,6 +355,12 @@ TEST_F(Super_mixerTest, AdditionWeighsTheAlphaAloneWithWhatTheLastMixLeft)
     Shade(0.25f);
     fRecord.fCombineMode = Code("ADMD");
     EXPECT_THAT(Shade(0.0f), IsColor(8.25f, 7.75f, 7.25f, 4.5f));
+    EXPECT_EQ(fLayers[7]->fLastFullArea, &fFullArea);
+    fRecord.fSmooth = false;
+    fRecord.fCombineMode = Code("MXMD");
+    Shade(0.25f);
+    fRecord.fCombineMode = Code("ADMD");
+    EXPECT_THAT(Shade(0.0f), IsColor(8.25f, 7.75f, 7.25f, 8.5f)); // whole again
 }
 
 using Super_mixer_topTest = RangeMixTest<SurfaceMixer>;
@@ -289,7 +409,14 @@ TEST_F(Super_mixer_topTest, AsksASurfaceControlForItsColourAndNeedsALayer)
     Plug(bare.Record().fSubShader[0], fControl);
     Plug(bare.Record().fSubShader[1], fControl); // the shift is no layer
     bare.Changed();
+    fControl->fValueCalls = 0;
     EXPECT_FALSE(Shade(bare));
+    EXPECT_THAT(fResult.fColor, IsColor(9, 9, 9, 0.5f));
+    EXPECT_EQ(fControl->fValueCalls, 1); // read all the same
+    for (int layer = 0; layer < 10; ++layer)
+        PlugNoShader(fRecord.fSubShader[layer + 2]);
+    fMixer.Changed();
+    EXPECT_FALSE(Shade(fMixer)); // no layer any more
     EXPECT_THAT(fResult.fColor, IsColor(9, 9, 9, 0.5f));
 }
 

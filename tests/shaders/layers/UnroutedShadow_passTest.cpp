@@ -65,4 +65,31 @@ TEST_F(Shadow_passTest, PassesASurfaceOrWritesTheColourOfTheCallersRecord)
     EXPECT_EQ(Shade().fColor.fRed, 9);
 }
 
+TEST_F(Shadow_passTest, IsASurfaceAndAsksAKeptShaderForItsKindsAnew)
+{
+    EXPECT_EQ(fPass->GetOutputKinds(), kOutputSurface);
+    const auto shader = FakeAll(kOutputColor);
+    Plug(fRecord->fSubShader, shader);
+    fPass->ExtensionDataChanged();
+    fRecord->fSubShader = nullptr;
+    shader->fKinds = kOutputValue;
+    EXPECT_EQ(Shade().fColor.fRed, 0.25f);
+    EXPECT_FALSE(shader->fHandedFullArea);
+    EXPECT_EQ(fPass->ExtensionDataChanged(), MC_S_OK);
+    EXPECT_EQ(Shade().fColor.fRed, 0.5f);
+    EXPECT_FALSE(shader->fHandedFullArea);
+    shader->fKinds = kOutputColor;
+    fPass->ExtensionDataChanged();
+    shader->fSilent = true;
+    EXPECT_THAT(
+        Shade().fColor, IsColor(0.5f, 0.5f, 0.5f, 0.5f)); // the grey of the value, with the colour's alpha
+
+    LeavingOrder order;
+    auto* const other = new Shadow_pass;
+    order.Plug(static_cast<Shadow_passParams*>(other->GetExtensionDataBuffer())->fSubShader);
+    other->ExtensionDataChanged();
+    other->Release();
+    EXPECT_EQ(order.Text(), "0s 0p ");
+}
+
 } // namespace

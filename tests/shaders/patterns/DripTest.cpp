@@ -12,9 +12,10 @@ protected:
 
     DripTest() { fParams.fCenterU = fParams.fCenterV = 0; }
 
+    /// Nothing is derived: no change is told.
     float At(float u, float v = 0)
     {
-        fDrip.Changed();
+        fFullArea = true;
         fIn.fUV = {u, v};
         float value = 9;
         EXPECT_EQ(fDrip->ShadeValue(value, fFullArea, fIn), 1.0f);
@@ -57,6 +58,27 @@ TEST_F(DripTest, AFlatBandHoldsBothEnds)
     EXPECT_EQ(At(0.28f), 0.125f);
     fParams.fAmplitude = -100.125f; // exactly the mark of a miss
     EXPECT_EQ(At(0.25f), 0.125f);
+}
+
+TEST_F(DripTest, AnyNumbersAreTakenAsTheyAre)
+{
+    EXPECT_EQ(fDrip.Changed(), MC_S_OK);
+    fParams.fBaseLevel = 0.25f;
+    fParams.fRingWidth = -0.1f; // ends before it starts
+    for (const float radius : {0.05f, 0.15f, 0.2f, 0.25f})
+        EXPECT_EQ(At(radius), 0.25f) << radius;
+    fParams.fProportional = true;
+    fParams.fRingStart = -0.25f;
+    fParams.fRingWidth = -2; // -1 times the start
+    EXPECT_NEAR(At(0), 0.75, 1e-6);
+    EXPECT_EQ(At(0.3f), 0.25f);
+    fParams.fRippled = false;
+    EXPECT_EQ(At(kNaN), 0.75f); // neither below the ring nor above it
+    fParams.fAmplitude = -300;  // below the mark of a miss
+    EXPECT_EQ(At(0), -299.75f);
+    fParams.fSecondRing = true;
+    fParams.fSecondAmplitude = 2;
+    EXPECT_EQ(At(0), -599.75f);
 }
 
 TEST_F(DripTest, TheSecondRingReplacesTheFirstWhereItLies)

@@ -10,14 +10,19 @@ protected:
     MadeShader<SpokeParams> fSpoke{kSpokeID};
     SpokeParams& fParams = fSpoke.Record();
 
-    float AtOffset(float deltaU, float deltaV)
+    float UnchangedAtOffset(float deltaU, float deltaV)
     {
-        fSpoke.Changed();
+        fFullArea = true;
         fIn.fUV = {fParams.fCenterU + deltaU, fParams.fCenterV + deltaV};
         float value = 9;
         EXPECT_EQ(fSpoke->ShadeValue(value, fFullArea, fIn), 1.0f);
         EXPECT_FALSE(fFullArea);
         return value;
+    }
+    float AtOffset(float deltaU, float deltaV)
+    {
+        EXPECT_EQ(fSpoke.Changed(), MC_S_OK);
+        return UnchangedAtOffset(deltaU, deltaV);
     }
     float At(double degrees, double radius)
     {
@@ -79,6 +84,58 @@ TEST_F(SpokeTest, ParallelSidesMergeNearTheCentre)
     EXPECT_EQ(At(0, 0.01), 1);
     EXPECT_EQ(At(0, 0.001), 1); // below the inner radius too
     EXPECT_EQ(AtOffset(0, 0), 0);
+}
+
+TEST_F(SpokeTest, BothEndsOfTheRadiusAreInside)
+{
+    fParams.fCenterU = fParams.fCenterV = 0;
+    fParams.fCount = 1;
+    fParams.fInnerRadius = fParams.fInnerFade = fParams.fOuterFade = fParams.fOuterRadius
+        = 0.25f; // no fade, and no 0 / 0
+    EXPECT_EQ(AtOffset(0, 0.25f), 1);
+    EXPECT_EQ(AtOffset(0, std::nextafter(0.25f, 0.0f)), 0);
+    fParams.fOuterRadius = 0.4f;
+    fParams.fOuterFade = 0;
+    const double end = fParams.fOuterRadius * 1.4142135623730951; // in double, below the float next to it
+    const float beyond = static_cast<float>(end);
+    EXPECT_EQ(AtOffset(0, beyond), 0);
+    EXPECT_LT(AtOffset(0, std::nextafter(beyond, 0.0f)), 0);
+
+    fParams.fConstantWidth = true;
+    fParams.fWidth = 20;
+    fParams.fIntensity = 2;
+    fParams.fInnerRadius = fParams.fInnerFade = 0;
+    fParams.fOuterFade = 1;
+    const float merging = static_cast<float>(0.0174532925199433); // a sine of exactly 1: still a spoke
+    EXPECT_EQ(AtOffset(0, merging), 2);
+    EXPECT_EQ(AtOffset(0, std::nextafter(merging, 0.0f)), 0);
+    fParams.fFillCenter = true;
+    EXPECT_EQ(AtOffset(0, merging / 2), 1); // whatever the intensity
+}
+
+TEST_F(SpokeTest, DerivesSectorAndSoftShareAtTheChangeAndReadsTheRestInEachSample)
+{
+    const float place = 0.1767767f; // 45 degrees, at radius 0.25
+    EXPECT_EQ(AtOffset(-place, -place), 1);
+    fParams.fCount = 0;
+    fParams.fSoftness = 0.9f;
+    EXPECT_EQ(UnchangedAtOffset(-place, -place), 1);
+    EXPECT_EQ(UnchangedAtOffset(-0.2f, -0.15f), 1); // 8 of 15 degrees off the centre line: still hard
+    fParams.fIntensity = 3;
+    const auto with = [this, place](auto field, auto number) {
+        const auto old = std::exchange(fParams.*field, number);
+        const float value = UnchangedAtOffset(-place, -place);
+        fParams.*field = old;
+        return value;
+    };
+    EXPECT_EQ(with(&SpokeParams::fRotation, 45), 0);
+    EXPECT_EQ(with(&SpokeParams::fWidth, 0.0f), 0);
+    EXPECT_EQ(with(&SpokeParams::fTaper, 200.0f), 0);
+    EXPECT_EQ(with(&SpokeParams::fInnerRadius, 0.3f), 0);
+    EXPECT_EQ(with(&SpokeParams::fOuterRadius, 0.1f), 0);
+    EXPECT_NEAR(with(&SpokeParams::fInnerFade, 0.48f), 1.5, 0.001);
+    EXPECT_NEAR(with(&SpokeParams::fOuterFade, 0.0f), 2.25, 0.001);
+    EXPECT_EQ(with(&SpokeParams::fConstantWidth, true), 3);
 }
 
 TEST_F(SpokeTest, DrawsNothingWithoutSpokesOrAPlace)

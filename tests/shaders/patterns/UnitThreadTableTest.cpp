@@ -63,6 +63,17 @@ TEST(ThreadTableTest, WalksAcrossThreadsThatBeginInclusiveAndEndExclusive)
     EXPECT_THAT(Across(Built(2, {0, 0, 0, 0, 0}, 0), 0.5f, true), IsHit(0, 0, 1, 0)); // a tile of no width
 }
 
+TEST(ThreadTableTest, TheFirstThreadWinsWhereThreadsOverlap)
+{
+    const ThreadTable table = Built(2, {2, 2, 0, 0, 0}, -1); // from -0.25 to 0.75 and from 0.25 to 1.25
+    EXPECT_THAT(Across(table, -0.125f, true), IsHit(1, 0.375f, 0.5f, 0.125f));
+    EXPECT_THAT(Across(table, 0.5f, true), IsHit(1, -0.25f, 0.5f, 0.75f));
+    EXPECT_THAT(Across(table, 0.75f, true), IsHit(2, 0, 0.5f, 0.5f));
+    EXPECT_THAT(Across(Built(2, {3, 10, 0, 0, 0}, -4), -0.5f, true), IsHit(2, 0.9f, 1, 0.05f)); // -0.6 to 1.4
+    for (const float center : {0.25f, 0.75f})
+        EXPECT_FALSE(std::signbit(Across(table, center, true).fProbe.fOffset));
+}
+
 TEST(ThreadSpansTest, TheFirstAndTheLastAreOneAcrossTheSeam)
 {
     ThreadSpans spans[5];
@@ -74,6 +85,7 @@ TEST(ThreadSpansTest, TheFirstAndTheLastAreOneAcrossTheSeam)
     EXPECT_THAT(along(3, 0.9f), IsProbe(-0.15, 0.3125, 0.74));
     EXPECT_THAT(along(3, 0.2f), IsProbe(0.05, 0.0625, 0.1));
     EXPECT_THAT(along(3, 0.1875f), IsProbe(0.0625, 0.0625, 0));
+    EXPECT_FALSE(std::signbit(along(3, 0.25f).fOffset)); // exactly on the centre
     for (const float elsewhere : {0.0625f, 0.1f, 0.3125f, 1.0f, -0.1f, NAN})
         EXPECT_THAT(along(3, elsewhere), IsProbe(0, 1, 0)) << elsewhere;
     spans[0].Build(crossing, {});

@@ -1,11 +1,10 @@
 #include "shaders/patterns/Weave.h"
 #include "tests/support/ShaderTest.h"
+#include "tests/support/Socket.h"
 
 namespace {
 
 constexpr GUID kWeaveID = {0x608112FA, 0x2448, 0x4404, {0x8E, 0x96, 0x17, 0xA8, 0xC6, 0xB5, 0xE9, 0xF9}};
-
-struct Refuser final : fernwick::Component<IMCUnknown, IID_IMCUnknown> { };
 
 /// Of the basic cloth with gaps and widths of 1, threads lie at 0.125 to 0.375 and 0.625 to 0.875.
 class WeaveTest : public ShaderTest {
@@ -25,6 +24,7 @@ protected:
     }
     TMCColorRGBA Unchanged(float u, float v)
     {
+        fFullArea = true;
         fIn.fUV = {u, v};
         TMCColorRGBA color{9, 9, 9, 9};
         EXPECT_EQ(fWeave->ShadeColor(color, fFullArea, fIn), 1.0f);
@@ -78,6 +78,7 @@ TEST_F(WeaveTest, FullModeUsesTheLeadingRunAndEachThreadsOwnSubShader)
     fParams.fWeaveMode = Code("FULL");
     Plug(fParams.fGapSubShader, fGap);
     EXPECT_THAT(At(0.25f, 0.25f), IsColor(0, 0, 0, 9)); // no thread at all, and no gap
+    EXPECT_FALSE(fFullArea);
     Plug(fParams.fWarpSubShader[0], fWarp);
     EXPECT_EQ(At(0.5f, 0).fRed, 1);
     fParams.fWarpSubShader[0] = nullptr;
@@ -94,6 +95,11 @@ TEST_F(WeaveTest, FullModeUsesTheLeadingRunAndEachThreadsOwnSubShader)
     Plug(fParams.fWarpSubShader[2], fWarp);
     fParams.fWarpSubShader[1] = nullptr;
     EXPECT_EQ(At(0.5f, 0).fRed, 1); // one thread from 0.25 to 0.75
+    fWarp->fKinds = 0;              // a thread all the same, that isn't asked
+    fWarp->fColorCalls = 0;
+    EXPECT_THAT(At(0.5f, 0), IsColor(0, 0, 0, 9));
+    EXPECT_EQ(fWarp->Calls(), 0);
+    EXPECT_EQ(MaskAt(0.5f, 0), 1);
 }
 
 TEST_F(WeaveTest, ARemovedSubShaderIsDroppedAndAFailedQueryShowsInTheResult)
@@ -102,10 +108,85 @@ TEST_F(WeaveTest, ARemovedSubShaderIsDroppedAndAFailedQueryShowsInTheResult)
     At(0.25f, 0.5f);
     fParams.fWarpSubShader[0] = nullptr;
     EXPECT_THAT(At(0.25f, 0.5f), IsColor(0, 0, 0, 9));
-    const auto refuser = fernwick::MakeCounted<Refuser>();
-    fParams.fWarpSubShader[0] = refuser.Get();
-    EXPECT_EQ(fWeave.Changed(), 1);
-    EXPECT_EQ(Unchanged(0.5f, 0.25f).fGreen, 1); // the rest is connected
+    std::vector<SubShaderSlot*> slots = {&fParams.fDisplaceBeforeSubShader, &fParams.fDisplaceAfterSubShader,
+        &fParams.fGapSubShader, &fParams.fWarpSubShader[0]};
+    for (int i = 1; i < kThreadsPerGroup; ++i)
+        slots.insert(slots.end(), {&fParams.fWarpSubShader[i], &fParams.fWeftSubShader[i]});
+    for (SubShaderSlot* const slot : slots) {
+        *slot = fernwick::MakeCounted<Socket>().Get(); // refuses
+        EXPECT_EQ(fWeave.Changed(), 1);
+        EXPECT_EQ(Unchanged(0.5f, 0.25f).fGreen, 1); // the rest is connected
+        *slot = nullptr;
+    }
+    EXPECT_EQ(fWeave.Changed(), MC_S_OK);
+}
+
+TEST_F(WeaveTest, QueriesAllSlotsBeforeItReadsAKindAndLetsGoBackwards)
+{
+    const auto socket = fernwick::MakeCounted<Socket>();
+    socket->fShader = FakeColor({0, 0, 1, 1});
+    socket->fOnQuery = [this] { fWarp->fKinds = kOutputColor; };
+    fWarp->fKinds = 0;
+    PlugThreads();
+    fParams.fGapSubShader = socket.Get();
+    EXPECT_EQ(At(0.25f, 0.5f).fRed, 1);
+
+    LeavingOrder order;
+    {
+        const MadeShader<WeaveParams> weave(kWeaveID);
+        WeaveParams& record = weave.Record();
+        for (SubShaderSlot* const slot : {&record.fDisplaceBeforeSubShader, &record.fGapSubShader,
+                 &record.fWarpSubShader[0], &record.fWarpSubShader[4], &record.fWeftSubShader[1]})
+            order.Plug(*slot);
+        weave.Changed();
+    }
+    EXPECT_EQ(order.Text(), "1s 0s 4s 3s 2s 4p 3p 2p 1p 0p ");
+}
+
+TEST_F(WeaveTest, DerivesLayoutProfileAndKindsAtTheChangeAndReadsTheRestInEachSample)
+{
+    const auto grey = FakeColor({0.5f, 0.5f, 0.5f, 1});
+    Plug(fParams.fDisplaceBeforeSubShader, grey);
+    Plug(fParams.fDisplaceAfterSubShader, grey);
+    Plug(fParams.fGapSubShader, fGap);
+    PlugThreads(2);
+    Plug(fParams.fWarpSubShader[1], fGap);
+    fParams.fWeaveMode = Code("FULL");
+    fParams.fRoundAcross = fParams.fRoundAlong = true;
+    const float round = At(0.1875f, 0.1875f).fGreen; // the first weft thread, beside both centres
+    for (const auto& shader : {fWarp, fWeft, fGap, grey})
+        shader->fKinds = 0;
+    fParams.fWarpGap = fParams.fWeftGap = fParams.fWarpWidth[0] = fParams.fWeftWidth[0] = 9;
+    fParams.fProfileAcross = fParams.fProfileAlong = 9;
+    fParams.fWarpSubShader[0] = fParams.fWeftSubShader[0] = fParams.fGapSubShader = nullptr;
+    EXPECT_EQ(Unchanged(0.1875f, 0.1875f).fGreen, round);
+    EXPECT_EQ(Unchanged(0, 0).fBlue, 1);
+    fIn.fNormalGlobal = {0, 0, 1};
+    fIn.fDerivU = {1, 0, 0};
+    TVector3 normal;
+    fIn.fUV = {0.25f, 0.1875f};
+    fWeave->ShadeVector(normal, fIn);
+    EXPECT_NEAR(normal[1], -0.0625 * 2 / 1.5, 1e-6);
+
+    fParams.fDisplaceBefore = 50; // a quarter
+    EXPECT_EQ(Unchanged(-0.0625f, -0.0625f).fGreen, round);
+    std::swap(fParams.fDisplaceBefore, fParams.fDisplaceAfter);
+    EXPECT_EQ(Unchanged(-0.0625f, -0.0625f).fGreen, round);
+    fParams.fDisplaceAfter = 0;
+    fParams.fPattern[0][0] = true;
+    EXPECT_GT(Unchanged(0.1875f, 0.1875f).fRed, 0);
+    fParams.fRoundAcross = fParams.fRoundAlong = false;
+    EXPECT_EQ(Unchanged(0.75f, 0).fBlue, 1);
+    fParams.fWeaveMode = Code("BSCM");
+    EXPECT_EQ(Unchanged(0.75f, 0).fRed, 1);
+    fParams.fRepeatU = 2; // the tile is as large as before
+    EXPECT_EQ(Unchanged(0.375f, 0).fRed, 1);
+    fParams.fAcrossUV = fParams.fAlongUV = true;
+    Unchanged(0.3125f, 0.5f);
+    EXPECT_EQ(fIn.fUV, TVector2(0, static_cast<float>(0.625 / 0.75)));
+    fParams.fMask = true;
+    EXPECT_THAT(Unchanged(0.375f, 0), IsColor(1, 1, 1, 9));
+    EXPECT_EQ(fIn.fUV, TVector2(0.375f, 0));
 }
 
 TEST_F(WeaveTest, TilesKeepTheSignAndZeroIsAGap)
@@ -140,6 +221,41 @@ TEST_F(WeaveTest, HandsTheThreadItsOwnUVAndLeavesItThere)
     EXPECT_FLOAT_EQ(fIn.fUV[1], static_cast<float>(0.125 / 0.75));
 }
 
+TEST_F(WeaveTest, SubShadersShareTheCallersFlagAndOneScratchColour)
+{
+    const auto before = FakeColor({0, 0, 0, 0.125f});
+    const auto after = FakeColor({0, 0, 0, 0.0625f});
+    Plug(fParams.fDisplaceBeforeSubShader, before);
+    Plug(fParams.fDisplaceAfterSubShader, after);
+    Plug(fParams.fGapSubShader, fGap);
+    PlugThreads();
+    fParams.fDisplaceBefore = 1;
+    EXPECT_EQ(At(0.25f, 0.5f).fRed, 1);
+    EXPECT_EQ(At(0.5f, 0.25f).fGreen, 1);
+    EXPECT_FALSE(before->fHandedFullArea);
+    EXPECT_EQ(fWarp->fLastFullArea, &fFullArea);
+    EXPECT_EQ(fWeft->fLastFullArea, &fFullArea);
+    EXPECT_EQ(before->fLastFullArea, &fFullArea);
+    fGap->fSilent = true;
+    EXPECT_THAT(At(0, 0), IsColor(0, 0, 0, 0.125f)); // what the displacement left
+    EXPECT_EQ(fGap->fLastFullArea, &fFullArea);
+    fParams.fDisplaceAfter = 1;
+    EXPECT_THAT(At(0, 0), IsColor(0, 0, 0, 0.0625f));
+    EXPECT_EQ(after->fLastFullArea, &fFullArea);
+    fParams.fDisplaceBefore = fParams.fDisplaceAfter = 0;
+    At(0.25f, 0.5f);
+    EXPECT_THAT(At(0, 0), IsColor(1, 0.5f, 0.25f, 0.5f)); // the thread's, over the change too
+
+    fParams.fDisplaceBefore = fParams.fDisplaceAfter = 1;
+    fParams.fAcrossUV = fParams.fRoundAcross = true;
+    fFullArea = true;
+    NormalAt(0.5f, 0.25f);
+    EXPECT_EQ(fIn.fUV, TVector2(0.5f, 0.25f)); // changed for colours alone
+    EXPECT_NE(before->fLastFullArea, &fFullArea);
+    EXPECT_EQ(before->fLastFullArea, after->fLastFullArea);
+    EXPECT_FALSE(before->fHandedFullArea);
+}
+
 TEST_F(WeaveTest, DarkensByTheCrossSectionOfTheTopThread)
 {
     PlugThreads();
@@ -154,7 +270,13 @@ TEST_F(WeaveTest, DarkensByTheCrossSectionOfTheTopThread)
     fParams.fAlongUV = false;
     fParams.fRoundAlong = true;
     EXPECT_FLOAT_EQ(At(0.5f, 0.1875f).fGreen, both);
+    fParams.fProfileAcross = 0.25f; // below 0 at the sides
+    fParams.fRoundAlong = false;
+    EXPECT_THAT(At(0.1875f, 0.5f), IsColor(-3, -1.5f, -0.75f, 0.5f));
+    const int calls = fWeft->Calls();
     EXPECT_EQ(MaskAt(0.5f, 0.1875f), 1); // a mask is plain
+    EXPECT_EQ(fIn.fUV, TVector2(0.5f, 0.1875f));
+    EXPECT_EQ(fWeft->Calls(), calls);
 }
 
 TEST_F(WeaveTest, AGapShowsItsSubShader)
@@ -197,6 +319,13 @@ TEST_F(WeaveTest, DisplacesBothCoordinatesBeforeAndInsideTheTile)
     EXPECT_EQ(MaskAt(0.25f, 0.25f), 1); // from the middle of the tile back onto the first threads
     fParams.fDisplaceAfter = 300;
     EXPECT_EQ(MaskAt(0.125f, 0.125f), 0); // leaves the tile
+    const auto own = FakeValue(0.1f, 1);  // either has its own shader, kinds and strength
+    Plug(fParams.fDisplaceBeforeSubShader, grey);
+    Plug(fParams.fDisplaceAfterSubShader, own);
+    fParams.fRepeatU = fParams.fRepeatV = 1;
+    fParams.fDisplaceBefore = 20;
+    fParams.fDisplaceAfter = 100;
+    EXPECT_EQ(MaskAt(0, 0), 1); // a tenth each, as far as 0.2
 
     fParams = {};
     fParams.fDisplaceAfter = -1; // by nothing, which still turns the tile's -0 into 0
