@@ -1,10 +1,11 @@
 #include "shaders/scene/TreeWalker.h"
+#include <bit>
 
 ITreeElement* TreeWalker::First()
 {
     fCurrent = fRoot;
-    fHeld = nullptr;
-    fVisitedCount = 0;
+    fMark = nullptr;
+    fVisits = 0;
     fDepth = 0;
     return Visit();
 }
@@ -14,34 +15,41 @@ ITreeElement* TreeWalker::Next()
     if (fCurrent == nullptr)
         return nullptr;
     MCCountedPtr<ITreeElement> next;
-    if (fDescend || fCurrent != fRoot)
-        fCurrent->GetFirstChild(next.Address());
+    fCurrent->GetFirstChild(next.Address());
     if (next) {
-        GoTo(next, 1);
+        GoTo(next);
+        ++fDepth;
         return Visit();
     }
-    while (fCurrent != nullptr && fCurrent != fRoot && fDepth > 0) { // the depth, for hosts with new pointers
+    while (fCurrent != nullptr && fCurrent != fRoot && fDepth > 0) {
         fCurrent->GetNextSibling(next.Address());
         if (next) {
-            GoTo(next, 0);
+            GoTo(next);
             return Visit();
         }
         fCurrent->GetParent(next.Address());
-        GoTo(next, -1);
+        GoTo(next);
+        --fDepth;
     }
     return fCurrent = nullptr;
 }
 
-void TreeWalker::GoTo(const MCCountedPtr<ITreeElement>& tree, int levels)
+void TreeWalker::GoTo(const MCCountedPtr<ITreeElement>& tree)
 {
-    fHeld = tree;
-    fDepth += levels;
+    fHeld[fTurn] = tree;
     fCurrent = tree.Get();
 }
 
+/// Gives the current element out, unless it is the mark again, which a sound tree never comes to. The mark moves up each
+/// time that their number has doubled, so a walk in circles meets it however long the way into them is (Brent 1980).
 ITreeElement* TreeWalker::Visit()
 {
-    if (fCurrent != nullptr)
-        ++fVisitedCount;
+    if (fCurrent == fMark || fVisits == kMostVisits)
+        return fCurrent = nullptr;
+    ++fVisits;
+    if (fVisits >= kFirstMark && std::has_single_bit(fVisits)) {
+        fMark = fCurrent;
+        fTurn = 1 - fTurn; // the mark stays held
+    }
     return fCurrent;
 }

@@ -4,12 +4,19 @@
 
 /// A walk over an element and its descendants: each before its children, children in the order of the scene.
 /// The siblings of the root are never visited. A null answer of the host ends a branch, or the walk.
+///
+/// Links that contradict each other don't keep it going. Beyond `kFirstMark` elements it ends soon after it has come round
+/// to one that it has given out, and in any case at `kMostVisits`, for hosts that make elements as they are asked for.
 class TreeWalker {
 public:
-    using Filter = bool (*)(ITreeElement* tree);
+    static constexpr uint32_t kFirstMark = 1
+        << 16; ///< elements; up to these a walk holds the current one alone
+    static constexpr uint32_t kMostVisits = 1 << 24; ///< elements; more than a scene holds
 
     /// @param root  outlives the walker; null for an empty walk
     explicit TreeWalker(ITreeElement* root) : fRoot(root) { }
+    TreeWalker(const TreeWalker&) = delete;
+    TreeWalker& operator=(const TreeWalker&) = delete;
 
     /// Starts, or starts again, and gives the root.
     ITreeElement* First();
@@ -17,19 +24,16 @@ public:
     /// The next element, valid up to the call after; null when the walk has ended.
     ITreeElement* Next();
 
-    int32_t VisitedCount() const { return fVisitedCount; }         ///< elements given out so far
-    int16_t Depth() const { return static_cast<int16_t>(fDepth); } ///< levels below the root
-
 private:
     ITreeElement* fCurrent = nullptr; // not counted; null when the walk has ended
     ITreeElement* fRoot;              // not counted
-    [[maybe_unused]] Filter fFilters[2] = {};
-    bool fDescend = true; // into the root's children
-    [[maybe_unused]] bool fSecondFlag = false;
-    int32_t fVisitedCount = 0;
-    int32_t fDepth = 0;               // wide enough for any scene: the climb stops by it
-    MCCountedPtr<ITreeElement> fHeld; // the current one, for hosts that make elements as they are asked for
+    ITreeElement* fMark = nullptr;    // not counted; an element given out before
+    uint32_t fVisits = 0;
+    uint32_t fDepth = 0; // levels below the root: the climb stops by it on hosts with new pointers
+    // The current element and the mark, in turns. What a host makes as it is asked for lives no longer than it is held.
+    MCCountedPtr<ITreeElement> fHeld[2];
+    uint32_t fTurn = 0;
 
-    void GoTo(const MCCountedPtr<ITreeElement>& tree, int levels);
+    void GoTo(const MCCountedPtr<ITreeElement>& tree);
     ITreeElement* Visit();
 };

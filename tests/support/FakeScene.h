@@ -21,6 +21,7 @@ public:
     FakeScene* fScene = nullptr; ///< null: an element outside any scene
     std::vector<FakeElement*> fChildren;
     FakeElement* fParent = nullptr;
+    FakeElement* fNext = nullptr; ///< the next sibling, when it is another than among the parent's children
     TVector3 fHotPoint;
     TTransform3D fTransform;
     TTreeTransform fTreeTransform;
@@ -64,15 +65,15 @@ public:
     {
         Give(out, Noted("GetFirstChild", fChildren.empty() ? nullptr : fChildren[0]));
     }
-    void GetNextSibling(ITreeElement** out) override
+    FakeElement* NextSibling() const
     {
-        FakeElement* next = nullptr;
-        if (fParent != nullptr)
+        if (fNext == nullptr && fParent != nullptr)
             for (size_t i = 0; i + 1 < fParent->fChildren.size(); ++i)
                 if (fParent->fChildren[i] == this)
-                    next = fParent->fChildren[i + 1];
-        Give(out, Noted("GetNextSibling", next));
+                    return fParent->fChildren[i + 1];
+        return fNext;
     }
+    void GetNextSibling(ITreeElement** out) override { Give(out, Noted("GetNextSibling", NextSibling())); }
     void GetParent(ITreeElement** out) override { Give(out, Noted("GetParent", fParent)); }
     void GetHotPoint(TVector3& hotPoint) override { hotPoint = *Noted("GetHotPoint", &fHotPoint); }
     void GetBoundingBox(TBBox3D& box, int32_t mode, bool flag) override
