@@ -83,42 +83,38 @@ void AddGroup(int count)
 const TMCString255 kLamp("Lamp 8");
 const TMCString255 kPlate("Plate 3");
 
-/// What a plain loop asks first.
-struct Found {
-    MCCountedPtr<ITreeElement> shaded;
-    MCCountedPtr<IScene> scene;
+MCCountedPtr<ITreeElement> Named(const SamplePlace& place, const TMCString& name)
+{
     MCCountedPtr<ITreeElement> tree;
-
-    explicit Found(const ShadingIn& in) { FindShadedTree(in, shaded, scene); }
-    Found(const ShadingIn& in, const TMCString& name) : Found(in) { FindTreeByName(scene, name, "", tree); }
-};
+    FindTreeByName(place.fScene, name, "", tree);
+    return tree;
+}
 
 float PlainProximity(const ShadingIn& in)
 {
-    Found found(in);
-    const TVector3 origin = GlobalPosition(*found.shaded);
+    const SamplePlace place(in);
+    const TVector3 origin = GlobalPosition(*place.fShaded);
     TMCString255 scratch;
-    found.shaded->GetNameScratch(scratch);
-    const TVector3 hotPoint = HotPointAt(*found.shaded, origin);
-    found.shaded->GetParent(found.tree.Address());
-    FindTreeByName(found.scene, kLamp, "", found.tree);
-    const float distance = static_cast<float>(Length(GlobalPosition(*found.tree) - hotPoint));
+    place.fShaded->GetNameScratch(scratch);
+    const TVector3 hotPoint = HotPointAt(*place.fShaded, origin);
+    MCCountedPtr<ITreeElement> tree;
+    place.fShaded->GetParent(tree.Address());
+    tree = Named(place, kLamp);
+    const float distance = static_cast<float>(Length(GlobalPosition(*tree) - hotPoint));
     return distance > 10 ? 0 : 1 - distance / 10;
 }
 
 TMCColorRGBA PlainTranslucent(const ShadingIn& in)
 {
-    Found found(in);
-    MCCountedPtr<ITreeElement> plate;
-    TVector3 location;
-    FindTreeFromReference(in, *found.shaded, found.scene, kLamp, kReferenceSample, found.tree, location);
+    const SamplePlace place(in);
+    const SeenTree light = FindTreeFromReference(place, kLamp, kReferenceSample);
     const auto direction = [&](ITreeElement& tree) {
-        TVector3 way = GlobalPosition(tree) - location;
+        TVector3 way = GlobalPosition(tree) - light.fLocation;
         Normalize(way);
         return way;
     };
-    const TVector3 toLight = direction(*found.tree);
-    FindTreeByName(found.scene, kPlate, "", plate);
+    const TVector3 toLight = direction(*light.fTree);
+    const MCCountedPtr<ITreeElement> plate = Named(place, kPlate);
     const float angle = AngleBetween(direction(*plate), toLight);
     const float level = 20 >= angle ? 0 : (angle - 20) / 140;
     return {level, level, level, 1};
@@ -126,15 +122,15 @@ TMCColorRGBA PlainTranslucent(const ShadingIn& in)
 
 float PlainLit(const ShadingIn& in, TMCColorRGBA& color)
 {
-    Found found(in);
-    TVector3 location, direction;
-    FindTreeFromReference(in, *found.shaded, found.scene, kLamp, kReferenceSample, found.tree, location);
+    const SamplePlace place(in);
+    const SeenTree lamp = FindTreeFromReference(place, kLamp, kReferenceSample);
     MCCountedPtr<ILight> light;
-    Query(*found.tree, IID_ILight, light);
+    Query(*lamp.fTree, IID_ILight, light);
     TTransform3D transform;
     light->GetLightTransform(transform);
+    TVector3 direction;
     float distance, brightness;
-    light->GetDirection(location, direction, distance);
+    light->GetDirection(lamp.fLocation, direction, distance);
     LightState state;
     light->GetLightState(state);
     light->GetLightParameter(Code("brit"), brightness);
@@ -156,16 +152,17 @@ float PlainLit(const ShadingIn& in, TMCColorRGBA& color)
 TMCColorRGBA PlainCurvature(const ShadingIn& in)
 {
     constexpr int32_t kHitKind = -3;
-    Found found(in, kLamp);
-    GlobalPosition(*found.tree);
-    FindTreeByName(found.scene, kPlate, "", found.tree);
+    const SamplePlace place(in);
+    MCCountedPtr<ITreeElement> tree = Named(place, kLamp);
+    GlobalPosition(*tree);
+    tree = Named(place, kPlate);
     MCCountedPtr<IInstance> instance;
-    Query(*found.tree, IID_IInstance, instance);
+    Query(*tree, IID_IInstance, instance);
     TTreeTransform treeTransform;
-    found.tree->GetTreeTransform(treeTransform);
+    tree->GetTreeTransform(treeTransform);
     TBBox3D box;
-    found.tree->GetBoundingBox(box, 2, true);
-    GlobalPosition(*found.tree);
+    tree->GetBoundingBox(box, 2, true);
+    GlobalPosition(*tree);
 
     RayHitRecord hit(kHitKind);
     TRay3D ray;
@@ -242,7 +239,7 @@ void AddCalls()
     add(
         "Iridescent ShadeColor, towards an object", [=](ShadingIn& in) { return iridescent.Color(in); },
         [](ShadingIn& in) {
-            TVector3 way = GlobalPosition(*Found(in, kLamp).tree) - in.fPointGlobal;
+            TVector3 way = GlobalPosition(*Named(SamplePlace(in), kLamp)) - in.fPointGlobal;
             Normalize(way);
             const float angle = static_cast<float>(AngleBetween(way, in.fNormalGlobal) / kPi);
             return TMCColorRGBA{angle, angle, angle, 1};
@@ -257,10 +254,10 @@ void AddCalls()
     add(
         "Coordinate_Shift ShadeSurface, object", [=](ShadingIn& in) { return shift.Surface(in); },
         [=](ShadingIn& in) {
-            Found found(in);
+            const SamplePlace place(in);
             MCCountedPtr<ITreeElement> target;
-            found.shaded->GetParent(target.Address());
-            FindTreeByName(found.scene, kLamp, "", target);
+            place.fShaded->GetParent(target.Address());
+            target = Named(place, kLamp);
             in.fPointGlobal -= GlobalPosition(*target);
             ShadingOut result;
             source->ShadeSurface(result, in);

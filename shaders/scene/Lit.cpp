@@ -121,14 +121,13 @@ float Lit::LightAmount(const ShadingIn& in, TMCColorRGBA& color)
 /// Finds the named light and sets `fLocation`. An element that is no light is passed over in silence.
 bool Lit::FindLight(const ShadingIn& in, MCCountedPtr<ILight>& light)
 {
-    MCCountedPtr<ITreeElement> shaded;
-    MCCountedPtr<IScene> scene;
-    FindShadedTree(in, shaded, scene);
-    if (!HasScene(scene))
+    const SamplePlace place(in);
+    if (!HasScene(place.fScene))
         return false;
-    MCCountedPtr<ITreeElement> named;
-    if (FindTreeFromReference(in, *shaded, scene, fParams.fLightName, fParams.fReference, named, fLocation))
-        Query(*named, IID_ILight, light);
+    const SeenTree named = FindTreeFromReference(place, fParams.fLightName, fParams.fReference);
+    fLocation = named.fLocation;
+    if (named.fTree)
+        Query(*named.fTree, IID_ILight, light);
     return bool(light);
 }
 

@@ -29,9 +29,8 @@ float Proximity::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
     value = 0;
     if (fTargetNameLength == 0)
         return 0.0f;
-    MCCountedPtr<ITreeElement> shaded;
-    MCCountedPtr<IScene> scene;
-    FindShadedTree(in, shaded, scene);
+    const SamplePlace place(in);
+    const MCCountedPtr<ITreeElement>& shaded = place.fShaded;
     if (!shaded) {
         if (in.fInstance != nullptr)
             MC_REPORT("shadingIn.fInstance"); // an instance that is no element counts as none
@@ -46,7 +45,7 @@ float Proximity::ShadeValue(float& value, bool& fullArea, ShadingIn& in)
     shaded->GetParent(parent.Address());
     fLocation = ReferencePoint(fParams.fReference, in, origin, hotPoint);
 
-    float distance = fParams.fSingleObject ? DistanceToTarget(scene) : DistanceToGroup(scene);
+    float distance = fParams.fSingleObject ? DistanceToTarget(place.fScene) : DistanceToGroup(place.fScene);
     distance -= fParams.fOffset;
     if (fParams.fUseShader)
         distance += ShaderShift(fullArea, in);

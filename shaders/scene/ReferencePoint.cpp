@@ -17,18 +17,18 @@ TVector3 ReferencePoint(
     return reference == kReferenceHotPoint ? hotPoint : origin;
 }
 
-bool FindTreeFromReference(const ShadingIn& in, ITreeElement& shaded, const MCCountedPtr<IScene>& scene,
-    const TMCString255& name, int32_t reference, MCCountedPtr<ITreeElement>& tree, TVector3& location)
+SeenTree FindTreeFromReference(const SamplePlace& place, const TMCString255& name, int32_t reference)
 {
+    SeenTree seen;
     TVector3 origin;
     TVector3 hotPoint;
-    const bool found = FindTreeByName(scene, name, "temp_tree", tree);
+    const bool found = FindTreeByName(place.fScene, name, "temp_tree", seen.fTree);
     if (found) {
-        origin = GlobalPosition(shaded);
-        hotPoint = HotPointAt(shaded, origin);
+        origin = GlobalPosition(*place.fShaded);
+        hotPoint = HotPointAt(*place.fShaded, origin);
     }
-    location = ReferencePoint(reference, in, origin, hotPoint);
+    seen.fLocation = ReferencePoint(reference, place.fIn, origin, hotPoint);
     if (!found)
         MC_REPORT("temp_tree"); // once for the reference point, once for the element itself
-    return found;
+    return seen;
 }

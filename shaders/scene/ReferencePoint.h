@@ -15,10 +15,22 @@ TVector3 HotPointAt(ITreeElement& tree, const TVector3& origin);
 TVector3 ReferencePoint(
     int32_t reference, const ShadingIn& in, const TVector3& origin, const TVector3& hotPoint);
 
-/// Finds the element named `name` and, on the way, the reference point. Without the element, origin and hot
-/// point are the zero vector, and "temp_tree" is raised twice.
-/// @param shaded    the shaded element, in `scene`, which is not null
-/// @param location  receives the reference point, found or not
-/// @return true when the element was found
-bool FindTreeFromReference(const ShadingIn& in, ITreeElement& shaded, const MCCountedPtr<IScene>& scene,
-    const TMCString255& name, int32_t reference, MCCountedPtr<ITreeElement>& tree, TVector3& location);
+/// Where a sample lies in the scene, as `FindShadedTree` found it.
+struct SamplePlace {
+    const ShadingIn& fIn;
+    MCCountedPtr<ITreeElement> fShaded; ///< null when the instance is no element
+    MCCountedPtr<IScene> fScene;        ///< null then too, and outside any scene
+
+    explicit SamplePlace(const ShadingIn& in) : fIn(in) { FindShadedTree(in, fShaded, fScene); }
+};
+
+/// A named element, and the point from which it is looked at.
+struct SeenTree {
+    MCCountedPtr<ITreeElement> fTree; ///< null when the scene has none of the name
+    TVector3 fLocation;               ///< set all the same
+};
+
+/// Finds the element named `name` and, on the way, the point that `reference` stands for. Without the element, origin
+/// and hot point are the zero vector, and "temp_tree" is raised twice.
+/// @param place  in a scene
+SeenTree FindTreeFromReference(const SamplePlace& place, const TMCString255& name, int32_t reference);

@@ -38,21 +38,20 @@ float Translucent::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in
 /// The angle between the two elements; 0 when one of them, or the scene, is missing.
 float Translucent::Angle(const ShadingIn& in)
 {
-    MCCountedPtr<ITreeElement> shaded;
-    MCCountedPtr<IScene> scene;
-    FindShadedTree(in, shaded, scene);
-    if (!HasScene(scene))
+    const SamplePlace place(in);
+    if (!HasScene(place.fScene))
         return 0;
 
-    MCCountedPtr<ITreeElement> light;
+    const SeenTree light = FindTreeFromReference(place, fParams.fLightName, fParams.fReference);
+    fLocation = light.fLocation;
     TVector3 lightDirection;
-    if (FindTreeFromReference(in, *shaded, scene, fParams.fLightName, fParams.fReference, light, fLocation))
-        lightDirection = DirectionTo(*light);
+    if (light.fTree)
+        lightDirection = DirectionTo(*light.fTree);
     MCCountedPtr<ITreeElement> camera;
     TVector3 cameraDirection;
-    if (FindTreeByName(scene, fParams.fCameraName, "temp_tree", camera))
+    if (FindTreeByName(place.fScene, fParams.fCameraName, "temp_tree", camera))
         cameraDirection = DirectionTo(*camera);
-    return light && camera ? AngleBetween(cameraDirection, lightDirection) : 0;
+    return light.fTree && camera ? AngleBetween(cameraDirection, lightDirection) : 0;
 }
 
 /// The ramp over the range of angles, not clamped behind the curve. NaN goes through.
