@@ -26,13 +26,14 @@
 #include "shaders/patterns/Weave.h"
 #include "shaders/scene/Corners.h"
 #include "shaders/scene/Curvature.h"
+#include "shaders/scene/INormalGrid.h"
 #include "shaders/scene/Lit.h"
 #include "shaders/scene/Proximity.h"
 #include "shaders/scene/Translucent.h"
 
 extern "C" {
 
-MC_EXPORT void LibraryInterfaces(IExClassFactory*, I3DExShader*, IExDataExchanger*) { }
+MC_EXPORT void LibraryInterfaces(IExClassFactory*, I3DExShader*, IExDataExchanger*, INormalGrid*) { }
 
 MC_EXPORT void HostInterfaces(IShellShader*, IShellDataComponent*, ITreeElement*, IScene*, IGroup*,
     IRenderingModule*, ILight*, IInstance*, IMFPart*)

@@ -309,12 +309,13 @@ void AddCorners()
     corners.Changed();
     const Samples samples = MakeSamples();
     PlainCorners plain;
-    Corners& grid = static_cast<Corners&>(*corners.operator->());
+    MCCountedPtr<INormalGrid> grid;
+    Query(*corners.operator->(), IID_INormalGrid, grid);
     for (int u = 0; u < PlainCorners::kEdge; ++u)
         for (int v = 0; v < PlainCorners::kEdge; ++v) {
             const TVector3 normal = (*samples)[static_cast<size_t>(u * 31 + v) % kSampleCount].fNormalLocal;
             plain.cells[static_cast<size_t>(u * PlainCorners::kEdge + v)] = normal;
-            grid.SetNormal(u, v, normal);
+            grid->SetNormal(u, v, normal);
         }
     AddComparison(
         Section::kShading, "Corners ShadeValue, 24 probes",

@@ -1,5 +1,6 @@
 #include "host/shading/NormalGrids.h"
-#include "shaders/scene/Corners.h"
+#include "frame/Query.h"
+#include "shaders/scene/INormalGrid.h"
 
 namespace fernwick {
 
@@ -15,9 +16,13 @@ bool Uses(const GraphDocument& document, size_t shader, size_t wanted)
     return false;
 }
 
-Corners& CornersAt(const Graph& graph, size_t shader)
+/// The grid of a shader; null for one that has none.
+MCCountedPtr<INormalGrid> GridOf(const Graph& graph, size_t shader)
 {
-    return static_cast<Corners&>(*graph.Extension(shader));
+    MCCountedPtr<INormalGrid> grid;
+    if (I3DExShader* const extension = graph.Extension(shader))
+        Query(*extension, IID_INormalGrid, grid);
+    return grid;
 }
 
 } // namespace
@@ -26,10 +31,11 @@ NormalGrids::NormalGrids(
     const GraphDocument& document, const Graph& graph, const Scene& scene, const std::vector<size_t>& shaders)
 {
     for (size_t shader = 0; shader < document.Shaders().size(); ++shader) {
-        if (document.Shaders()[shader].fTable->fName != "Corners")
+        const MCCountedPtr<INormalGrid> found = GridOf(graph, shader);
+        if (!found)
             continue;
         Grid& grid = fGrids.emplace_back(Grid{shader, {}});
-        const int edge = CornersAt(graph, shader).GridSize();
+        const int edge = found->GetEdge();
         for (size_t i = 0; i < shaders.size(); ++i)
             if (Uses(document, shaders[i], shader))
                 scene.Shapes()[i]->Shape()->Shape().LayOutNormals(
@@ -42,9 +48,9 @@ NormalGrids::NormalGrids(
 void NormalGrids::Fill(const Graph& graph) const
 {
     for (const Grid& grid : fGrids) {
-        Corners& corners = CornersAt(graph, grid.shader);
+        const MCCountedPtr<INormalGrid> target = GridOf(graph, grid.shader);
         for (const Cell& cell : grid.cells)
-            corners.SetNormal(cell.u, cell.v, cell.normal);
+            target->SetNormal(cell.u, cell.v, cell.normal);
     }
 }
 

@@ -55,6 +55,25 @@ struct Corners::Line {
     int64_t fStepV;
 };
 
+MCErr Corners::QueryInterface(const GUID& id, void** out)
+{
+    if (out != nullptr && SameGuid(id, IID_INormalGrid)) {
+        *out = static_cast<INormalGrid*>(&fGridFace);
+        AddRef();
+        return MC_S_OK;
+    }
+    return UnsizedShaderOf::QueryInterface(id, out);
+}
+
+bool Corners::GridFace::SetNormal(int32_t u, int32_t v, const TVector3& normal)
+{
+    const int32_t edge = fCorners.fGridSize;
+    if (u < 0 || u >= edge || v < 0 || v >= edge)
+        return false;
+    fCorners.fNormalGrid[u * edge + v] = normal;
+    return true;
+}
+
 bool Corners::SameParams(const CornersParams& other) const
 {
     return fParams.fStepDivisor == other.fStepDivisor && fParams.fWidthPercent == other.fWidthPercent

@@ -2,6 +2,7 @@
 #include "frame/Numbers.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
+#include "shaders/scene/INormalGrid.h"
 
 /// Parameters of Corners, as the host writes them.
 struct CornersParams {
@@ -24,26 +25,13 @@ static_assert(sizeof(CornersParams) == 32);
 /// host refuses the memory.
 class Corners final : public UnsizedShaderOf<Corners, CornersParams, TBasicShader> {
 public:
+    /// Answers `INormalGrid` too, by which its host fills the grid.
+    MCErr QueryInterface(const GUID& id, void** out) override;
     bool SameParams(const CornersParams& other) const;
     MCErr ReportNeeds(ShadingFlags& flags) override { return Ask(flags, kNeedsUV | kNeedsNormalLocal); }
     int32_t GetOutputKinds() override { return kOutputValue; }
     MCErr ExtensionDataChanged() override;
     float ShadeValue(float& value, bool& fullArea, ShadingIn& in) override;
-
-    /// Fills one cell of the grid, for a host that lays a mesh's normals out by their UV. Cells never filled
-    /// hold zero vectors, which no angle comes of. With another edge all cells must be filled anew. It is inline,
-    /// so that a host that doesn't link the class can call it on an object of the library.
-    /// @param u, v    cells from 0, below the edge that `fGridOption` gave at the last `ExtensionDataChanged`
-    /// @param normal  of any length
-    /// @return false, with nothing stored, for a cell outside the grid
-    bool SetNormal(int32_t u, int32_t v, const TVector3& normal)
-    {
-        if (u < 0 || u >= fGridSize || v < 0 || v >= fGridSize)
-            return false;
-        fNormalGrid[u * fGridSize + v] = normal;
-        return true;
-    }
-    int32_t GridSize() const { return fGridSize; } ///< that edge
 
 private:
     static constexpr int32_t kLargestGrid = 2048;
@@ -52,6 +40,22 @@ private:
 
     struct Boundary;
     struct Line;
+
+    /// A member of its own behind all others and no base of the object, whose three faces, record and members thus
+    /// stay where they are.
+    class GridFace final : public INormalGrid {
+    public:
+        explicit GridFace(Corners& corners) : fCorners(corners) { }
+
+        MCErr QueryInterface(const GUID& id, void** out) override { return fCorners.QueryInterface(id, out); }
+        uint32_t AddRef() override { return fCorners.AddRef(); }
+        uint32_t Release() override { return fCorners.Release(); }
+        int32_t GetEdge() override { return fCorners.fGridSize; }
+        bool SetNormal(int32_t u, int32_t v, const TVector3& normal) override;
+
+    private:
+        Corners& fCorners;
+    };
 
     MCCountedPtr<IMCUnknown> fUnusedReference;
     ConnectedShader fShader;
@@ -65,6 +69,7 @@ private:
     TVector3 fNormalGrid[kGridRoom];      ///< cell (u, v) at u * fGridSize + v
     TVector3 fCenterNormal;
     [[maybe_unused]] TMCColorRGBA fUnusedColor = {0, 0, 0, 0};
+    GridFace fGridFace{*this};
 
     TVector3 Cell(int64_t u, int64_t v) const;
     Boundary BoundaryAround(int32_t u, int32_t v) const;

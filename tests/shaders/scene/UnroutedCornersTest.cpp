@@ -1,3 +1,4 @@
+#include "frame/Query.h"
 #include "shaders/scene/Corners.h"
 #include "tests/shaders/scene/SceneTest.h"
 #include "tests/support/StaticServices.h"
@@ -12,6 +13,7 @@ const float kRightAngle = static_cast<float>(1.5707963267948966f / 3.14);
 class CornersTest : public UnitTest {
 protected:
     MCCountedPtr<Corners> fCorners;
+    MCCountedPtr<INormalGrid> fGrid;
     CornersParams fRecord;
     ShadingIn fIn;
     bool fFullArea = true;
@@ -19,10 +21,11 @@ protected:
     CornersTest()
     {
         *fCorners.Address() = new Corners;
+        Query(*static_cast<I3DExShader*>(fCorners.Get()), IID_INormalGrid, fGrid);
         fCorners->ExtensionDataChanged();
         for (int32_t u = 0; u < 256; ++u)
             for (int32_t v = 0; v < 256; ++v)
-                EXPECT_TRUE(fCorners->SetNormal(u, v, kFlat));
+                EXPECT_TRUE(fGrid->SetNormal(u, v, kFlat));
     }
     float Value(float u = 0.5f, float v = 0.5f)
     {
@@ -34,9 +37,9 @@ protected:
     /// True when the normal of cell (u, v), and no other, turned by a right angle shows in the sample's value.
     bool Counts(int32_t u, int32_t v, float sampleU, float sampleV)
     {
-        fCorners->SetNormal(u, v, {1, 0, 0});
+        fGrid->SetNormal(u, v, {1, 0, 0});
         const float value = Value(sampleU, sampleV);
-        fCorners->SetNormal(u, v, kFlat);
+        fGrid->SetNormal(u, v, kFlat);
         EXPECT_TRUE(value == 0 || value == kRightAngle);
         return value > 0;
     }
@@ -47,9 +50,9 @@ TEST_F(CornersTest, TheCentreIsTheCellUnderTheSample)
     EXPECT_EQ(Value(), 0);
     EXPECT_TRUE(Counts(128, 128, 0.5f, 0.5f));
     EXPECT_FALSE(Counts(128, 128, 0.504f, 0.5f));
-    fCorners->SetNormal(128, 128, {0, 0, -3});
+    fGrid->SetNormal(128, 128, {0, 0, -3});
     EXPECT_FLOAT_EQ(Value(), 1.000507f); // a little over 1, not clamped
-    fCorners->SetNormal(128, 128, {0, 0, 0});
+    fGrid->SetNormal(128, 128, {0, 0, 0});
     EXPECT_EQ(Value(), 0); // NaN is passed over
 }
 
@@ -88,14 +91,14 @@ TEST_F(CornersTest, WithoutProbesAnEarlierSamplesAngleStands)
 
 TEST_F(CornersTest, CoordinatesOutsideTheGridCountAsItsNearerEnd)
 {
-    fCorners->SetNormal(255, 255, {1, 0, 0});
-    fCorners->SetNormal(0, 0, {0, 1, 0});
+    fGrid->SetNormal(255, 255, {1, 0, 0});
+    fGrid->SetNormal(0, 0, {0, 1, 0});
     fRecord.fWidthPercent = 0.5f; // one probe a line, at (1, 1)
     for (const float high : {1.0f, 1.5f, 3.0e38f, kInfinity})
         EXPECT_EQ(Value(high, high), kRightAngle) << high;
     for (const float low : {-0.001f, -7.0f, -kInfinity, kNaN})
         EXPECT_EQ(Value(low, low), kRightAngle) << low;
-    EXPECT_FALSE(fCorners->SetNormal(256, 0, kFlat) || fCorners->SetNormal(0, -1, kFlat));
+    EXPECT_FALSE(fGrid->SetNormal(256, 0, kFlat) || fGrid->SetNormal(0, -1, kFlat));
 }
 
 TEST_F(CornersTest, NoWidthOrDivisorLeavesTheArraysOrHangs)
