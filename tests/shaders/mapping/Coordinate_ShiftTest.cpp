@@ -37,12 +37,33 @@ TEST_F(Coordinate_ShiftTest, MovesTheSwitchedCoordinatesInPlaceAndForGood)
     EXPECT_EQ(fIn.fPointLocal, TVector3(10, 8, 10));
 }
 
+TEST_F(Coordinate_ShiftTest, EachAxisHasASwitchInEachSpaceThatCountsAtOnce)
+{
+    fShift.Record().fOffset = {1, 2, 3};
+    for (uint32_t space = 0; space < 2; ++space)
+        for (uint32_t axis = 0; axis < 3; ++axis) {
+            for (uint32_t i = 0; i < 3; ++i) {
+                fShift.Record().fShiftGlobal[i] = space == 0 && i == axis;
+                fShift.Record().fShiftLocal[i] = space == 1 && i == axis;
+            }
+            fIn.fPointGlobal = fIn.fPointLocal = {};
+            fShift->ShadeSurface(fResult, fIn);
+            TVector3 moved;
+            moved[axis] = -static_cast<float>(axis + 1);
+            EXPECT_EQ(fIn.fPointGlobal, space == 0 ? moved : TVector3());
+            EXPECT_EQ(fIn.fPointLocal, space == 1 ? moved : TVector3());
+        }
+}
+
 TEST_F(Coordinate_ShiftTest, FollowsTheNamedObjectAndKeepsTheOffsetWhenALookupFails)
 {
     FakeElement& shaded = fScene->Add("Shaded");
     FakeElement& target = fScene->Add("Target");
     FakeElement& stray = fScene->Add("Stray");
     stray.fScene = nullptr;
+    target.fHotPoint = {50, 50, 50}; // of the place, the origin alone counts
+    target.fTransform.fMatrix[0][0] = 50;
+    target.fTreeTransform.fUniformScale = 50;
     const auto noElement = fernwick::MakeCounted<FakeElement>();
     noElement->fIsElement = false;
     fShift.Record().fMode = Code("OBJM");
@@ -69,6 +90,31 @@ TEST_F(Coordinate_ShiftTest, FollowsTheNamedObjectAndKeepsTheOffsetWhenALookupFa
     EXPECT_EQ(fScene->fRoot->Release(), counted); // its parent was fetched, and is held
     target.fName = "Renamed";
     expectMove(&shaded, -7, {"objecttree"});
+}
+
+TEST_F(Coordinate_ShiftTest, WhatASilentShaderLeavesIsOfTheSampleBeforeAndTheFlagIsItsOwn)
+{
+    fPlugged->fOn = [this](ShadingIn&) {
+        if (fPlugged->fLastFullArea != nullptr) {
+            EXPECT_FALSE(*fPlugged->fLastFullArea); // though the last call left it on
+        }
+    };
+    fPlugged->fColor = {0.25f, 0.5f, 0.75f, 0.125f};
+    fPlugged->fValue = 0.375f;
+    const auto shade = [this](uint32_t kinds, bool silent) {
+        fPlugged->fKinds = kinds;
+        fPlugged->fSilent = silent;
+        fShift.Changed();
+        fResult.fColor = {9, 9, 9, 9};
+        fShift->ShadeSurface(fResult, fIn);
+        return fResult.fColor;
+    };
+    EXPECT_THAT(shade(kOutputColor, true), IsColor(0, 0, 0, 0));
+    EXPECT_THAT(shade(kOutputColor, false), IsColor(0.25f, 0.5f, 0.75f, 0.125f));
+    EXPECT_THAT(shade(kOutputValue, true), IsColor(0, 0, 0, 9));
+    EXPECT_THAT(shade(kOutputValue, false), IsColor(0.375f, 0.375f, 0.375f, 9));
+    EXPECT_THAT(shade(kOutputColor, true), IsColor(0.25f, 0.5f, 0.75f, 0.125f));
+    EXPECT_THAT(shade(kOutputValue, true), IsColor(0.375f, 0.375f, 0.375f, 9));
 }
 
 TEST_F(Coordinate_ShiftTest, AsksForSurfaceThenColourThenValue)

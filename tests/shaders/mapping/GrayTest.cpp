@@ -57,6 +57,44 @@ TEST_F(GrayTest, ShiftsSaturation)
     }
 }
 
+TEST_F(GrayTest, AMiddleLightnessCountsAsTheDarkHalf)
+{
+    // Where both formulas of the saturation, and then of the brighter end, differ by a rounding.
+    fGray.Record() = {0, 0, 0, 0, kSaturation, {}, {}};
+    const float largest = 0.9114f, smallest = 1 - largest;
+    ASSERT_EQ((largest + smallest) / 2, 0.5f);
+    const float saturation = (largest - smallest) / (largest + smallest);
+    EXPECT_EQ(Shade(FakeColor({largest, smallest, smallest, 1})).fRed, 0.5f * (1.0f + saturation));
+    fGray.Record().fSaturationShift = 0.1f;
+    EXPECT_EQ(Shade(FakeColor({0.5f, 0.5f, 0.5f, 1})).fRed, 1.0f - 0.5f * (1.0f + 0.1f / 100.0f));
+}
+
+TEST_F(GrayTest, AChangeFixesTheHuesShiftsAndSwitchesAndTheRestCountsAtOnce)
+{
+    const auto plugged = FakeColor({0.6f, 0.4f, 0.2f, 0.5f}, kOutputColor | kOutputSurface);
+    plugged->fSurface.fColor = {0.6f, 0.4f, 0.2f, 0.5f};
+    GrayParams& record = fGray.Record();
+    record = {0, 0, 0, 0, kSaturation, {}, {}};
+    Plug(record.fSubShader, plugged);
+    fGray.Changed();
+    const auto expect = [this](float red, float green, float blue) {
+        TMCColorRGBA color{};
+        fGray->ShadeColor(color, fFullArea, fIn);
+        EXPECT_THAT(color, IsColor(red, green, blue, 0.5f));
+    };
+    record.fRedShift = record.fGreenShift = record.fBlueShift = 40;
+    for (TMCBool& on : record.fColorSwitches)
+        on = true;
+    expect(0.6f, 0.4f, 0.2f);
+    record.fSaturationShift = -25;
+    expect(0.5f, 0.4f, 0.3f);
+    ShadingOut result;
+    fGray->ShadeSurface(result, fIn);
+    EXPECT_THAT(result.fColor, IsColor(0.6f, 0.4f, 0.2f, 0.5f));
+    record.fMode = Code("GRSC");
+    expect(0.438f, 0.438f, 0.438f);
+}
+
 TEST_F(GrayTest, EachPrimarysShiftHoldsNearItsHueAndFades)
 {
     fGray.Record() = {0, 10, 20, -30, kSaturation, {}, {}};
@@ -78,23 +116,27 @@ TEST_F(GrayTest, FiltersTheSwitchedColoursOfASurface)
 {
     const auto plugged = fernwick::MakeCounted<FakeShader>(kOutputSurface);
     ShadingOut& surface = plugged->fSurface;
-    surface.fColor = {0.6f, 0.2f, 0.2f, 0.125f};
-    surface.fSecondColor = surface.fThirdColor = surface.fFourthColor = {0.6f, 0.2f, 0.2f};
-    for (const auto& [mode, gray] : {std::pair{Code("GRSC"), 0.32f}, {kSaturation, 0.4f}})
+    plugged->fOn = [](ShadingIn& in) { in.fChannelMask = 5; };
+    constexpr float kColor[] = {0.6f, 0.4f, 0.2f}; // of each, and what becomes of it
+    constexpr float kGray[] = {0.438f, 0.438f, 0.438f};
+    constexpr float kShifted[] = {0.5f, 0.4f, 0.3f};
+    surface.fColor = {kColor[0], kColor[1], kColor[2], 0.125f};
+    surface.fSecondColor = surface.fThirdColor = surface.fFourthColor = {kColor[0], kColor[1], kColor[2]};
+    for (const auto& [mode, filtered] : {std::pair{Code("GRSC"), &kGray}, {kSaturation, &kShifted}})
         for (int on = 0; on < 4; ++on) {
-            fGray.Record() = {-200, 0, 0, 0, mode, {}, {on == 0, on == 1, on == 2, on == 3}};
+            fGray.Record() = {-25, 0, 0, 0, mode, {}, {on == 0, on == 1, on == 2, on == 3}};
             Shade(plugged); // plugs it
             ShadingOut result;
-            fIn.fChannelMask = 5;
             EXPECT_EQ(fGray->ShadeSurface(result, fIn), 1);
-            EXPECT_EQ(fIn.fChannelMask, 2047u);
+            EXPECT_EQ(fIn.fChannelMask, 2047u); // all, whatever the sub-shader left
             EXPECT_EQ(result.fColor.fAlpha, 0.125f);
             const float* const kRed[] = {&result.fColor.fRed, &result.fThirdColor.fRed,
                 &result.fSecondColor.fRed, &result.fFourthColor.fRed};
             for (int i = 0; i < 4; ++i)
                 for (int channel = 0; channel < 3; ++channel)
-                    EXPECT_FLOAT_EQ(kRed[i][channel], i == on ? gray : channel == 0 ? 0.6f : 0.2f);
+                    EXPECT_FLOAT_EQ(kRed[i][channel], i == on ? (*filtered)[channel] : kColor[channel]);
         }
+    plugged->fOn = {};
     plugged->fKinds = kOutputColor;
     Shade(plugged);
     ShadingOut result;
@@ -127,6 +169,17 @@ TEST_F(GrayTest, WhatASilentShaderLeavesIsOfTheSampleBefore)
     ShadingOut result;
     fGray->ShadeSurface(result, fIn);
     EXPECT_THAT(Shade(color), IsColor(0.11f, 0.11f, 0.11f, 0.5f));
+    color->fSurface.fThirdColor = {1, 0, 0}; // between the first and the second
+    fGray.Record().fColorSwitches[1] = true;
+    fGray.Record().fColorSwitches[2] = false;
+    Shade(color);
+    fGray->ShadeSurface(result, fIn);
+    EXPECT_THAT(Shade(color), IsColor(0.3f, 0.3f, 0.3f, 0.5f));
+    fGray.Record().fColorSwitches[2] = true;
+    fGray.Record().fMode = kSaturation; // leaves the first sample's there
+    Shade(color);
+    fGray->ShadeSurface(result, fIn);
+    EXPECT_THAT(Shade(color), IsColor(1, 0, 0, 0.5f));
 }
 
 } // namespace

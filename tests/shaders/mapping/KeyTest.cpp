@@ -44,6 +44,43 @@ TEST_F(KeyTest, BothEndsOfTheBoxBelongToItAndNaNDoesNot)
     EXPECT_EQ(Shade({0, 1, kNaN, 1}).fRed, 1);
 }
 
+TEST_F(KeyTest, BoundsAreSummedInDouble)
+{
+    fKey.Record().fRedRange = fKey.Record().fGreenRange = fKey.Record().fBlueRange = {-95, -95};
+    fKey.Record().fKeyColor = {0.04f, 0.04f, 0.04f, 0};
+    const float only = static_cast<float>(-95.0f / 100.0 + 0.04f);
+    ASSERT_NE(only, -95.0f / 100.0f + 0.04f);
+    EXPECT_EQ(Shade({only, only, only, 1}).fRed, 0);
+}
+
+TEST_F(KeyTest, AChangeFixesTheBoxAndTheModeCountsAtOnce)
+{
+    const auto plugged = FakeColor({0.25f, 0.5f, 0.75f, 0.125f});
+    KeyParams& record = fKey.Record();
+    Plug(record.fSubShader, plugged);
+    record.fKeyColor = {0.25f, 0.5f, 0.75f, 9}; // the alpha takes no part
+    fKey.Changed();
+    record.fRedRange = record.fGreenRange = record.fBlueRange = {50, 60};
+    record.fKeyColor = {1, 1, 1, 1};
+    TMCColorRGBA color{};
+    fKey->ShadeColor(color, fFullArea, fIn);
+    EXPECT_THAT(color, IsColor(0, 0, 0, 0.125f));
+    record.fMode = 0;
+    fKey->ShadeColor(color, fFullArea, fIn);
+    EXPECT_THAT(color, IsColor(0.25f, 0.5f, 0.75f, 0));
+    plugged->fSilent = true; // leaves the colour of the sample before
+    color = {};
+    fKey->ShadeColor(color, fFullArea, fIn);
+    EXPECT_THAT(color, IsColor(0.25f, 0.5f, 0.75f, 0));
+    for (const uint32_t channel : {0u, 1u, 2u}) { // each axis has its own box
+        plugged->fSilent = false;
+        plugged->fColor = {0.25f, 0.5f, 0.75f, 0.125f};
+        plugged->fColor[channel] += 0.02f;
+        fKey->ShadeColor(color, fFullArea, fIn);
+        EXPECT_EQ(color.fAlpha, 1) << channel;
+    }
+}
+
 TEST_F(KeyTest, AnInvertedRangeHoldsNothing)
 {
     fKey.Record().fBlueRange = {5, -5};

@@ -83,12 +83,78 @@ TEST_F(LocationTest, ASubShaderDisturbsTheRamps)
         plugged->fValue = number;
         EXPECT_EQ(ShadeAt({1, 0, 0}), std::min(0.125f + percent / 100, 1.0f));
     }
+    plugged->fValue = std::nextafter(1.0f, 2.0f); // above 1 is above 1
+    EXPECT_EQ(ShadeAt({1, 0, 0}), 1.0f);
     plugged->fKinds = kOutputSurface;
     fLocation.Changed();
     EXPECT_EQ(ShadeAt({1, 0, 0}), 0.125f);
     fLocation.Record().fSubShader = nullptr;
     fLocation.Changed();
     EXPECT_EQ(ShadeAt({1, 0, 0}), 0.125f);
+}
+
+TEST_F(LocationTest, TheLastDisturbanceIsThatOfTheLastDisturbedSample)
+{
+    LocationParams& record = fLocation.Record();
+    record.fAxes[0] = {0, 8, true, kOther};
+    record.fDisturbPercent = 2;
+    const auto plugged = FakeValue(0.5f);
+    Plug(record.fSubShader, plugged);
+    fLocation.Changed();
+    const auto shade = [&](bool use, float number) {
+        record.fUseSubShader = use;
+        plugged->fValue = number;
+        return ShadeAt({1, 0, 0});
+    };
+    EXPECT_EQ(shade(true, 2), 0.125f); // none before
+    EXPECT_FLOAT_EQ(shade(true, 0.5f), 0.125f + 0.01f);
+    EXPECT_EQ(shade(false, 0.25f), 0.125f); // undisturbed, it counts for nothing
+    EXPECT_FLOAT_EQ(shade(true, 2), 0.125f + 0.02f);
+    record.fSubShader = nullptr;
+    fLocation.Changed();
+    EXPECT_EQ(shade(true, 0), 0.125f); // a missing shader disturbs by 0, and that counts
+    Plug(record.fSubShader, plugged);
+    fLocation.Changed();
+    EXPECT_EQ(shade(true, 2), 0.125f);
+}
+
+TEST_F(LocationTest, ADisturbanceMovesEveryAxisUpByItsOwnWidth)
+{
+    LocationParams& record = fLocation.Record();
+    const auto plugged = FakeValue(0.5f);
+    Plug(record.fSubShader, plugged);
+    record.fUseSubShader = true;
+    record.fDisturbPercent = 50; // a quarter of the width
+    for (int axis = 0; axis < 3; ++axis)
+        for (const int32_t direction : {Code("GRTR"), kOther}) {
+            for (int i = 0; i < 3; ++i)
+                record.fAxes[i] = {-1, i == axis ? 3.0f : 99.0f, i == axis, direction};
+            fLocation.Changed();
+            plugged->fOn = [axis](ShadingIn& in) { in.fPointGlobal[static_cast<uint32_t>(axis)] += 1; };
+            const float height = 0.25f + 0.25f + 0.25f; // of the point that the shader left, moved
+            EXPECT_EQ(ShadeAt({0, 0, 0}), direction == kOther ? height : 1 - height) << axis;
+        }
+}
+
+TEST_F(LocationTest, AChangeFixesTheRampsAndTheRestCountsAtOnce)
+{
+    LocationParams& record = fLocation.Record();
+    const auto plugged = FakeValue(0.5f);
+    Plug(record.fSubShader, plugged);
+    record.fAxes[0] = record.fAxes[1] = {0, 8, true, kOther};
+    fLocation.Changed();
+    record.fAxes[0] = {2, 3, true, Code("GRTR")};
+    record.fAxes[1].fEnabled = false;
+    record.fAxes[2].fEnabled = true;
+    fIn.fPointLocal = {2, 7, 0};
+    EXPECT_EQ(ShadeAt({2, 4, 0}), 0.25f);
+    record.fCombine = kOther;
+    EXPECT_EQ(ShadeAt({2, 4, 0}), 0.5f);
+    record.fSpace = kOther;
+    EXPECT_EQ(ShadeAt({2, 7, 0}), 0.875f);
+    record.fUseSubShader = true;
+    record.fDisturbPercent = 25;
+    EXPECT_EQ(ShadeAt({2, 4, 0}), 0.625f);
 }
 
 } // namespace

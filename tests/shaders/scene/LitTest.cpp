@@ -123,6 +123,7 @@ TEST_F(LitTest, GivesTheLightsColourPerBrightnessNeverInverted)
     fRecord.fInvert = true;
     EXPECT_EQ(Value(), 0);
     EXPECT_TRUE(fFullArea); // the value leaves the flag alone
+    EXPECT_EQ(fLit.Changed(), MC_S_OK);
     EXPECT_THAT(Color(), IsColor(0.5f, 1, 1.5f, 1));
     EXPECT_FALSE(fFullArea);
     fRecord.fUseLightColor = false;

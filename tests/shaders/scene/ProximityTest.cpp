@@ -30,14 +30,52 @@ TEST_F(ProximityTest, TheRampEndsAtTheLimitAndTheValueIsClamped)
         fRecord.fOffset = offset;
         EXPECT_THAT(Value(), testing::NanSensitiveFloatEq(value)) << distance << ", " << falloff;
     }
+    fRecord = {};
+    fRecord.fTargetName = "Target";
+    fRecord.fMaxDistance = fRecord.fOffset = 5; // no distance is left
+    EXPECT_EQ(Value(), 1);
+    fTarget.fTransform.fTranslation = {};
+    fRecord.fMaxDistance = fRecord.fOffset = 0; // nor a limit
+    EXPECT_TRUE(std::isnan(Value()));
+    fRecord.fMaxDistance = -10;
+    fRecord.fOffset = 12;
+    EXPECT_EQ(Value(), 0); // from below
+}
+
+TEST_F(ProximityTest, AChangeFixesTheNameAndTheRampsStartAndTheRestCountsAtOnce)
+{
+    fRecord.fFalloff = 2;
+    Value();
+    const auto value = [this] { return ValueOf(fProximity, fFullArea, fIn); };
+    fRecord.fTargetName = "";
+    fTarget.fTransform.fTranslation = {0, 0, 9};
+    fRecord.fFalloff = 4;
+    EXPECT_EQ(value(), 0.75f); // still from 8
+    fRecord.fFalloff = 0.5f;
+    EXPECT_EQ(value(), 0); // clamped
+    fRecord.fFalloff = 0;
+    fRecord.fMaxDistance = 12;
+    EXPECT_EQ(value(), 0.25f);
+    fRecord.fOffset = -3;
+    EXPECT_EQ(value(), 0);
+    fRecord.fAxisZ = false;
+    EXPECT_EQ(value(), 0.75f);
+    fRecord.fReference = Code("Opt2");
+    EXPECT_FLOAT_EQ(value(), 1 - 4 / 12.0f);
+    fShaded.fName = "Target";
+    fRecord.fSingleObject = false;
+    EXPECT_EQ(value(), 0.75f);
+    EXPECT_FALSE(fFullArea);
 }
 
 TEST_F(ProximityTest, AxesAndReferencePointsCount)
 {
     const std::tuple<int32_t, bool, bool, bool, float> cases[]
-        = {{Code("Opt1"), true, true, true, 5}, {Code("Opt1"), false, true, true, 4},
-            {Code("Opt3"), false, true, true, 2}, {Code("Opt3"), true, false, true, 2},
-            {Code("Opt2"), false, true, false, 4}, {Code("Opt2"), false, false, true, 0}};
+        = {{Code("Opt1"), true, true, true, std::sqrt(61.0f)}, {Code("Opt1"), false, true, false, 4},
+            {Code("Opt3"), false, true, false, 2}, {Code("Opt3"), true, false, false, 2},
+            {Code("Opt2"), false, true, false, 4}, {Code("Opt2"), false, false, true, 6},
+            {Code("Opt1"), true, true, false, 5}, {Code("Opt1"), false, false, false, 0}};
+    fTarget.fTransform.fTranslation[2] = 6;
     for (const auto& [reference, x, y, z, distance] : cases) {
         fRecord.fReference = reference;
         fRecord.fAxisX = x;
@@ -107,8 +145,14 @@ TEST_F(ProximityTest, AGroupIsEveryNameThatBeginsWithTheText)
     deep.fTransform.fTranslation = {0, 0, kNaN}; // never nearer
     EXPECT_FLOAT_EQ(Value(), 0.5f);
     fScene.fRoot->fTransform.fTranslation = {0, 0, 4};
-    fScene.fRoot->fName = "Target" + std::string(2000, '.');
+    for (const size_t length : {255, 256, 1023}) {
+        fScene.fRoot->fName = "Target" + std::string(length - 6, '.');
+        EXPECT_FLOAT_EQ(Value(), 0.6f);
+        EXPECT_EQ(TakeReports(), Reports{}); // a name that long has room
+    }
+    fScene.fRoot->fName += '.';
     EXPECT_FLOAT_EQ(Value(), 0.6f);
+    EXPECT_THAT(TakeReports(), testing::SizeIs(1));
     fShaded.fName = "Target itself";
     fRecord.fReference = Code("Opt2");
     EXPECT_EQ(Value(), 1);

@@ -6,6 +6,8 @@ namespace {
 constexpr GUID kTranslucentID
     = {0x999C3DA8, 0x7456, 0x4FB4, {0xA4, 0x81, 0x27, 0x00, 0xFC, 0xFE, 0x74, 0x9D}};
 
+constexpr float kRightAngle = 1.57079637f;
+
 /// The light straight above the sample, the viewer turned away from it by an angle.
 class TranslucentTest : public SceneTest {
 protected:
@@ -53,6 +55,29 @@ TEST_F(TranslucentTest, TheCurveLeavesZeroToOneUnclamped)
     EXPECT_NEAR(LevelAt(1.5), 37.625, 1e-4);
     fRecord.fCurveHandles = {0.25f, 0.5f};
     EXPECT_NEAR(LevelAt(1.5), 3 * 0.125 * 0.25 + 3 * 0.125 * 0.5 + 0.125, 1e-5);
+}
+
+TEST_F(TranslucentTest, AChangeFixesTheCurveAndTheRestCountsAtOnce)
+{
+    EXPECT_EQ(fTranslucent.Changed(), MC_S_OK);
+    fRecord.fCurveHandles = {0.25f, 0.5f};
+    fRecord.fFalloffMode = Code("EXPO");
+    const auto level = [this] { return ColorOf(fTranslucent, fFullArea, fIn).fRed; };
+    fCamera.fTransform.fTranslation = {3, 0, 0}; // at a right angle
+    fRecord.fAngleRange = {0, kRightAngle * 2};
+    EXPECT_NEAR(level(), 37.625, 1e-4);
+    EXPECT_FALSE(fFullArea);
+    fRecord.fInvert = true;
+    EXPECT_NEAR(level(), -36.625, 1e-4);
+    fRecord.fFalloffMode = Code("LINE");
+    EXPECT_NEAR(level(), 0.5, 1e-6);
+    fRecord.fReference = Code("Opt2");
+    EXPECT_EQ(level(), 1 - AngleBetween({2, 0, 0}, {-1, 0, 5}) / (kRightAngle * 2));
+    fRecord.fLightName = "Eye";
+    EXPECT_EQ(level(), 1); // no angle
+    fRecord.fCameraName = "Light";
+    fRecord.fLightName = "Light";
+    EXPECT_EQ(level(), 1);
 }
 
 TEST_F(TranslucentTest, MissingPartsCountAsAngleZeroAndAreReported)

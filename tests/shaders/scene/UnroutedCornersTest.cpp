@@ -75,6 +75,62 @@ TEST_F(CornersTest, ProbesGoOutFromTheGridsCornerAndTheCountsPinThem)
             << u << ", " << v << " from " << sampleU << ", " << sampleV;
 }
 
+TEST_F(CornersTest, EachStrideThatIsNeededIsCounted)
+{
+    // Bounds that lie over an edge by up to four cells, for which a step of 2 takes up to two strides. Two strides
+    // reach the second cell of each pair, none or one the first.
+    const auto cell = [](int32_t place) { return static_cast<float>(place) / 256; };
+    const struct {
+        int32_t place, strides;
+    } kLow[] = {{12, 0}, {11, 1}, {10, 1}, {9, 2}, {8, 2}},
+      kHigh[] = {{243, 0}, {244, 1}, {245, 1}, {246, 2}, {247, 2}};
+    for (const auto& [place, strides] : kLow) {
+        EXPECT_EQ(Counts(3, 1, cell(place), 0.5f), strides == 0) << place;
+        EXPECT_EQ(Counts(4, 1, cell(place), 0.5f), strides == 1) << place;
+        EXPECT_EQ(Counts(0, 1, cell(place), 0.5f), strides > 0) << place;
+        EXPECT_EQ(Counts(0, 252, 0.5f, cell(place)), strides == 1) << place;
+        EXPECT_EQ(Counts(0, 254, 0.5f, cell(place)), strides > 0) << place;
+    }
+    for (const auto& [place, strides] : kHigh) {
+        EXPECT_EQ(Counts(0, 1, cell(place), 0.5f), strides > 0) << place; // counted down, however far
+        EXPECT_EQ(Counts(0, 251, 0.5f, cell(place)), strides == 0) << place;
+        EXPECT_EQ(Counts(0, 253, 0.5f, cell(place)), strides < 2) << place;
+        EXPECT_EQ(Counts(0, 255, 0.5f, cell(place)), true) << place;
+    }
+}
+
+TEST_F(CornersTest, TheGridIsAFaceOfTheObjectBehindItsMembersAndKnowsItsEdge)
+{
+    const auto face = [this](IMCUnknown& from, const GUID& id) {
+        void* out = nullptr;
+        EXPECT_EQ(from.QueryInterface(id, &out), MC_S_OK);
+        EXPECT_EQ(from.Release(), 2u); // one for each pointer that is kept
+        return static_cast<const char*>(out) - reinterpret_cast<const char*>(fCorners.Get());
+    };
+    IMCUnknown& shader = *static_cast<I3DExShader*>(fCorners.Get());
+    for (IMCUnknown* const from : {&shader, static_cast<IMCUnknown*>(fGrid.Get())}) {
+        EXPECT_EQ(face(*from, IID_I3DExShader), 0);
+        EXPECT_EQ(face(*from, IID_IMCUnknown), 8);
+        EXPECT_EQ(face(*from, IID_IExDataExchanger), 32);
+        EXPECT_GT(face(*from, IID_INormalGrid), 48 << 20);
+        EXPECT_EQ(from->QueryInterface(IID_INormalGrid, nullptr), kMCNoInterface);
+    }
+    EXPECT_EQ(
+        static_cast<char*>(fCorners->GetExtensionDataBuffer()) - reinterpret_cast<char*>(fCorners.Get()), 40);
+
+    const std::pair<int32_t, int32_t> kEdges[] = {{Code("Opt1"), 256}, {Code("Opt2"), 512},
+        {Code("Opt3"), 1024}, {Code("Opt4"), 2048}, {Code("Opt5"), 1}};
+    for (const auto& [code, edge] : kEdges) {
+        const int32_t before = fGrid->GetEdge();
+        static_cast<CornersParams*>(fCorners->GetExtensionDataBuffer())->fGridOption = code;
+        EXPECT_EQ(fGrid->GetEdge(), before); // it and what follows from it are of the last change
+        fCorners->ExtensionDataChanged();
+        EXPECT_EQ(fGrid->GetEdge(), edge);
+        EXPECT_TRUE(fGrid->SetNormal(edge - 1, edge - 1, kFlat));
+        EXPECT_FALSE(fGrid->SetNormal(edge, 0, kFlat) || fGrid->SetNormal(0, edge, kFlat));
+    }
+}
+
 TEST_F(CornersTest, WithoutProbesAnEarlierSamplesAngleStands)
 {
     fRecord.fWidthPercent = 0.3f;
@@ -98,7 +154,7 @@ TEST_F(CornersTest, CoordinatesOutsideTheGridCountAsItsNearerEnd)
         EXPECT_EQ(Value(high, high), kRightAngle) << high;
     for (const float low : {-0.001f, -7.0f, -kInfinity, kNaN})
         EXPECT_EQ(Value(low, low), kRightAngle) << low;
-    EXPECT_FALSE(fGrid->SetNormal(256, 0, kFlat) || fGrid->SetNormal(0, -1, kFlat));
+    EXPECT_FALSE(fGrid->SetNormal(-1, 0, kFlat) || fGrid->SetNormal(0, -1, kFlat));
 }
 
 TEST_F(CornersTest, NoWidthOrDivisorLeavesTheArraysOrHangs)

@@ -77,6 +77,9 @@ TEST_F(CurvatureTest, ShowsTheGaussianCurvatureInsteadOfTheBands)
         fFound.fBlock.fShading.fDerivV = at.derivV;
         EXPECT_THAT(Color(), IsColor(at.red, 0, at.blue, 0.25f)) << at.bendU << ", " << at.bendV;
     }
+    TMCColorRGBA color{9, 9, 9, 7}; // an alpha above 1 stays too
+    fShader->ShadeColor(color, fFullArea, fIn);
+    EXPECT_THAT(color, IsColor(0, 0, 1, 7));
     fHits = false;
     EXPECT_THAT(Color(), IsColor(0, 1, 0, 0.25f));
     fSurface.fIsInstance = false;
@@ -98,11 +101,13 @@ TEST_F(CurvatureTest, FinishesAHitBeforeItIsMeasured)
     fFound.fHitDistance = 1;
     fFound.fFinishHit = [](RayHitRecord* record) {
         EXPECT_EQ(record->fNeedFinish, 1);
-        EXPECT_EQ(record->fHitPoint, TVector3(1, 2, 3));
+        EXPECT_EQ(record->fHitPoint, TVector3(1, 2, 5 - 2 * static_cast<float>(record->fHitDistance)));
         record->fBlock.fShading.fDerivU = {1, 0, 0};
         record->fBlock.fShading.fDerivV = {0, 1, 0};
         record->fShapeMatrix[0][0] = record->fShapeMatrix[1][1] = 0.5f;
     };
+    EXPECT_EQ(Color().fRed, 0.25f);
+    fFound.fHitDistance = 0.25;
     EXPECT_EQ(Color().fRed, 0.25f);
     fSurface.fInstanceStatus = 1; // not looked at
     EXPECT_EQ(Color().fRed, 0.25f);
@@ -137,6 +142,25 @@ TEST_F(CurvatureTest, TheRunningAngleAddsUpOverTheSamples)
     plugged->fKinds = kOutputSurface; // neither colour nor value: back by a half
     EXPECT_EQ(Color().fBlue, 1);
     fRecord.fSubShader = nullptr;
+}
+
+TEST_F(CurvatureTest, AChangeConnectsTheShaderAndTheRestCountsAtOnce)
+{
+    const auto plugged = FakeColor({1, 1, 1, 1}, kOutputColor | kOutputValue);
+    plugged->fValue = 9;
+    Plug(fRecord.fSubShader, plugged);
+    Color();
+    const auto grey = [this] { return ColorOf(fShader, fFullArea, fIn).fGreen * 3.14159265f; };
+    fFullArea = true;
+    fRecord.fSubShader = nullptr;
+    fRecord.fMixStyle = Code("SHMX");
+    fRecord.fRawAngle = true;
+    EXPECT_FLOAT_EQ(grey(), 0.5f); // the luminance first
+    fRecord.fInvertRaw = true;
+    EXPECT_FLOAT_EQ(grey(), 3.14159265f - 1);
+    fRecord.fSurfaceName = "";
+    EXPECT_FLOAT_EQ(grey(), 9 * 3.14159265f); // as it was
+    EXPECT_EQ(plugged->fColorCalls, 2);
 }
 
 TEST_F(CurvatureTest, TellsNoSize) { EXPECT_THROW(fShader->GetParamsBufferSize(), TMCException); }
