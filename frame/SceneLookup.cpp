@@ -23,16 +23,10 @@ bool HasScene(const MCCountedPtr<IScene>& scene)
     return false;
 }
 
-void FindTreeByName(
-    const MCCountedPtr<IScene>& scene, const TMCString255& name, MCCountedPtr<ITreeElement>& tree)
-{
-    scene->GetTreeByName(tree.Address(), TMCString255(name));
-}
-
 bool FindTreeByName(const MCCountedPtr<IScene>& scene, const TMCString255& name, const char* report,
     MCCountedPtr<ITreeElement>& tree)
 {
-    FindTreeByName(scene, name, tree);
+    scene->GetTreeByName(tree.Address(), TMCString255(name));
     if (tree)
         return true;
     MC_REPORT(report);

@@ -11,12 +11,8 @@ void FindShadedTree(const ShadingIn& in, MCCountedPtr<ITreeElement>& tree, MCCou
 /// True when there is a scene; else raises "scene".
 bool HasScene(const MCCountedPtr<IScene>& scene);
 
-/// Finds the element of exactly this name in `scene`, which is not null; null when there is none. The host is handed a
-/// copy of the name, which may lie in a record.
-void FindTreeByName(
-    const MCCountedPtr<IScene>& scene, const TMCString255& name, MCCountedPtr<ITreeElement>& tree);
-
-/// The same; a miss raises `report`.
+/// Finds the element of exactly this name in `scene`, which is not null; null when there is none. A miss raises
+/// `report`. The host is handed a copy of the name, which may lie in a record.
 /// @return true when it was found
 bool FindTreeByName(const MCCountedPtr<IScene>& scene, const TMCString255& name, const char* report,
     MCCountedPtr<ITreeElement>& tree);

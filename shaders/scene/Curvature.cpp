@@ -67,7 +67,7 @@ float Curvature::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
     AskForObject(in);
     MCCountedPtr<ITreeElement> target;
     if (fScene) // without a scene there is no target either
-        FindTreeByName(fScene, fParams.fSurfaceName, target);
+        fScene->GetTreeByName(target.Address(), TMCString255(fParams.fSurfaceName));
     if (!target)
         return kFullCoverage;
 
