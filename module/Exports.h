@@ -17,7 +17,7 @@
 extern "C" {
 
 /// Takes the host's services from `utilities` and switches the exception translators on. Null raises the report
-/// "utilities" and stores nothing.
+/// "utilities" and stores nothing. A second call takes the services anew and releases none of those before.
 /// @return 0
 MC_EXPORT MCErr MCDllInit(IMCUnknown* utilities);
 
