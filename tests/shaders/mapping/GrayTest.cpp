@@ -169,8 +169,12 @@ TEST_F(GrayTest, WhatASilentShaderLeavesIsOfTheSampleBefore)
     ShadingOut result;
     fGray->ShadeSurface(result, fIn);
     EXPECT_THAT(Shade(color), IsColor(0.11f, 0.11f, 0.11f, 0.5f));
-    color->fSurface.fThirdColor = {1, 0, 0}; // between the first and the second
+    color->fSurface.fThirdColor = {1, 0, 0}; // comes before the second
+    color->fSurface.fSecondColor = {0, 1, 0};
     fGray.Record().fColorSwitches[1] = true;
+    Shade(color);
+    fGray->ShadeSurface(result, fIn);
+    EXPECT_THAT(Shade(color), IsColor(0.59f, 0.59f, 0.59f, 0.5f));
     fGray.Record().fColorSwitches[2] = false;
     Shade(color);
     fGray->ShadeSurface(result, fIn);

@@ -51,6 +51,7 @@ TEST_F(KeyTest, BoundsAreSummedInDouble)
     const float only = static_cast<float>(-95.0f / 100.0 + 0.04f);
     ASSERT_NE(only, -95.0f / 100.0f + 0.04f);
     EXPECT_EQ(Shade({only, only, only, 1}).fRed, 0);
+    EXPECT_EQ(Shade({only, std::nextafter(only, 1.0f), only, 1}).fRed, 1);
 }
 
 TEST_F(KeyTest, AChangeFixesTheBoxAndTheModeCountsAtOnce)
