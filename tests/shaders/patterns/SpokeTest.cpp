@@ -115,16 +115,16 @@ TEST_F(SpokeTest, BothEndsOfTheRadiusAreInside)
 
 TEST_F(SpokeTest, DerivesSectorAndSoftShareAtTheChangeAndReadsTheRestInEachSample)
 {
-    const float place = 0.1767767f; // 45 degrees, at radius 0.25
-    EXPECT_EQ(AtOffset(-place, -place), 1);
+    const float place = 0.1767767f; // 225 degrees, at radius 0.25
+    EXPECT_EQ(AtOffset(place, place), 1);
     fParams.fCount = 0;
     fParams.fSoftness = 0.9f;
-    EXPECT_EQ(UnchangedAtOffset(-place, -place), 1);
-    EXPECT_EQ(UnchangedAtOffset(-0.2f, -0.15f), 1); // 8 of 15 degrees off the centre line: still hard
+    EXPECT_EQ(UnchangedAtOffset(place, place), 1);
+    EXPECT_EQ(UnchangedAtOffset(0.2f, 0.15f), 1); // 8 of 15 degrees off the centre line: still hard
     fParams.fIntensity = 3;
     const auto with = [this, place](auto field, auto number) {
         const auto old = std::exchange(fParams.*field, number);
-        const float value = UnchangedAtOffset(-place, -place);
+        const float value = UnchangedAtOffset(place, place);
         fParams.*field = old;
         return value;
     };

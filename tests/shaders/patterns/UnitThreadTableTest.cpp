@@ -70,6 +70,8 @@ TEST(ThreadTableTest, TheFirstThreadWinsWhereThreadsOverlap)
     EXPECT_THAT(Across(table, 0.5f, true), IsHit(1, -0.25f, 0.5f, 0.75f));
     EXPECT_THAT(Across(table, 0.75f, true), IsHit(2, 0, 0.5f, 0.5f));
     EXPECT_THAT(Across(Built(2, {3, 10, 0, 0, 0}, -4), -0.5f, true), IsHit(2, 0.9f, 1, 0.05f)); // -0.6 to 1.4
+    EXPECT_THAT(
+        Across(Built(3, {-6, -9, 1, 0, 0}, 5), -2, true), IsHit(0, 0, 1, 0)); // before the second thread
     for (const float center : {0.25f, 0.75f})
         EXPECT_FALSE(std::signbit(Across(table, center, true).fProbe.fOffset));
 }

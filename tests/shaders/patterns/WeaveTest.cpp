@@ -163,10 +163,12 @@ TEST_F(WeaveTest, DerivesLayoutProfileAndKindsAtTheChangeAndReadsTheRestInEachSa
     EXPECT_EQ(Unchanged(0, 0).fBlue, 1);
     fIn.fNormalGlobal = {0, 0, 1};
     fIn.fDerivU = {1, 0, 0};
+    fIn.fDerivV = {0, 1, 0};
     TVector3 normal;
-    fIn.fUV = {0.25f, 0.1875f};
+    fIn.fUV = {0.1875f, 0.1875f}; // a sixteenth off both centres
     fWeave->ShadeVector(normal, fIn);
-    EXPECT_NEAR(normal[1], -0.0625 * 2 / 1.5, 1e-6);
+    EXPECT_NEAR(normal[0], -2 / 16.0 / 1.5, 1e-3);
+    EXPECT_NEAR(normal[1], -2 / 16.0 / 1.5, 1e-3);
 
     fParams.fDisplaceBefore = 50; // a quarter
     EXPECT_EQ(Unchanged(-0.0625f, -0.0625f).fGreen, round);
@@ -181,6 +183,7 @@ TEST_F(WeaveTest, DerivesLayoutProfileAndKindsAtTheChangeAndReadsTheRestInEachSa
     EXPECT_EQ(Unchanged(0.75f, 0).fRed, 1);
     fParams.fRepeatU = 2; // the tile is as large as before
     EXPECT_EQ(Unchanged(0.375f, 0).fRed, 1);
+    EXPECT_EQ(Unchanged(0.875f, 0).fRed, 0); // beyond its end
     fParams.fAcrossUV = fParams.fAlongUV = true;
     Unchanged(0.3125f, 0.5f);
     EXPECT_EQ(fIn.fUV, TVector2(0, static_cast<float>(0.625 / 0.75)));
