@@ -64,8 +64,9 @@ TEST_F(MultiPassTest, EachLevelOfTheControlIsTheMiddleOfItsPass)
 
 TEST_F(MultiPassTest, LevelsAtTheEndsOfThePasses)
 {
-    const std::pair<float, float> cases[] = {{1.03f, 10}, {std::nextafter(0.04f, 1.0f), 1}, {0.04f, 0.04f},
-        {-0.15f, -0.15f}}; // pass 0: the selector itself, a grey
+    const std::pair<float, float> cases[] = {{1.03f, 10}, {std::nextafter(0.04f, 1.0f), 1}, {0.14f, 2},
+        {0.44f, 4},                        // just below the end of the pass, which float sums would reach
+        {0.04f, 0.04f}, {-0.15f, -0.15f}}; // pass 0: the selector itself, a grey
     for (const auto& [level, red] : cases)
         EXPECT_EQ(Shade(level).fColor.fRed, red) << level;
     for (const float level : {1.05f, -0.17f, 1e30f, -kInfinity, kNaN})
