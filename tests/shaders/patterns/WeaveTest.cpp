@@ -119,6 +119,8 @@ TEST_F(WeaveTest, ARemovedSubShaderIsDroppedAndAFailedQueryShowsInTheResult)
         *slot = nullptr;
     }
     EXPECT_EQ(fWeave.Changed(), MC_S_OK);
+    fParams.fWeftSubShader[0] = fernwick::MakeCounted<Socket>().Get();
+    EXPECT_EQ(fWeave.Changed(), 1);
 }
 
 TEST_F(WeaveTest, QueriesAllSlotsBeforeItReadsAKindAndLetsGoBackwards)
