@@ -1,11 +1,11 @@
 #include "optics/ColorSystem.h"
 #include "optics/RobertsonLines.h"
-#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double kLabThreshold = 216.0 / 24389.0;
+constexpr double kLabThreshold = 216.0 / 24389.0; // where the cube root meets the straight line
+constexpr float kNoLight = 1e-20f;                // X, Y and Z below this have no temperature
 
 float Cube(float number) { return number * number * number; }
 
@@ -28,12 +28,14 @@ Triple<double> Cones(const Triple<double>& xyz)
     return kConesOfX * xyz[0] + kConesOfY * xyz[1] + kConesOfZ * xyz[2];
 }
 
+/// ITU-R BT.709.
 float EncodeRec709(float value)
 {
     const float slope = (1.099f * std::pow(0.018f, 0.45f) - 0.099f) / 0.018f;
     return value < 0.018f ? slope * value : 1.099f * std::pow(value, 0.45f) - 0.099f;
 }
 
+/// IEC 61966-2-1.
 float EncodeSRGB(float value)
 {
     return value <= 0.0031308f ? 12.92f * value : 1.055f * std::pow(value, 0.41666666f) - 0.055f;
@@ -82,7 +84,7 @@ Float3 XYZToLab(const Float3& xyz, const Float3& white)
 Float3 LabToXYZ(const Float3& lab, const Float3& white)
 {
     const auto [L, a, b] = lab;
-    const float yr = L > 8 ? Cube(L + 16) / 1560896 : 27 * L / 24389;
+    const float yr = L > 8 ? Cube(L + 16) / 1560896 : 27 * L / 24389; // 116 cubed
     // kept: the inverse slope 24389/27 would be expected in the second branch
     const float fy
         = yr > kLabThreshold ? (L + 16) / 116 : (static_cast<float>(kLabThreshold) * yr + 16) / 116;
@@ -139,7 +141,7 @@ void EncodeColor(const ColorSystem& system, float& r, float& g, float& b)
 
 int32_t CorrelatedTemperature(float X, float Y, float Z, float& result)
 {
-    if (X < 1e-20f && Y < 1e-20f && Z < 1e-20f)
+    if (X < kNoLight && Y < kNoLight && Z < kNoLight)
         return -1;
     const double sum = X + 15.0 * Y + 3.0 * Z;
     const float u = static_cast<float>(4.0 * X / sum);
@@ -148,29 +150,37 @@ int32_t CorrelatedTemperature(float X, float Y, float Z, float& result)
     float distance = 0;
     float previous = 0;
     int32_t row = 0;
-    for (; row < kRobertsonLines; ++row) {
-        const auto& line = uvt[row];
+    for (; row < Robertson::kLines; ++row) {
+        const auto& line = Robertson::uvt[row];
         distance = (v - line.v) - line.t * (u - line.u);
         if (row > 0 && ((distance < 0 && previous >= 0) || (distance >= 0 && previous < 0)))
             break;
         previous = distance;
     }
-    if (row == kRobertsonLines)
+    if (row == Robertson::kLines)
         return -1;
 
     const auto length = [](float slope) { return std::sqrt(1 + slope * slope); };
-    distance /= length(uvt[row].t);
-    previous /= length(uvt[row - 1].t);
+    distance /= length(Robertson::uvt[row].t);
+    previous /= length(Robertson::uvt[row - 1].t);
     const float p = previous / (previous - distance);
-    result = 1 / (rt[row - 1] + (rt[row] - rt[row - 1]) * p);
+    const float from = Robertson::rt[row - 1];
+    result = 1 / (from + (Robertson::rt[row] - from) * p);
     return 0;
 }
 
 ColorHSL RGBToHSL(const Float3& rgb)
 {
     const auto [r, g, b] = rgb;
-    const float hi = std::max({r, g, b});
-    const float lo = std::min({r, g, b});
+    // A NaN counts only as the first of the three.
+    float hi = r;
+    float lo = r;
+    for (const float channel : {g, b}) {
+        if (channel > hi)
+            hi = channel;
+        if (channel < lo)
+            lo = channel;
+    }
     const float d = hi - lo;
     const float lightness = (hi + lo) / 2;
 

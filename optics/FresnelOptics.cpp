@@ -6,6 +6,21 @@
 namespace {
 
 constexpr float kPresetTolerance = 0.01f;
+constexpr double kTwiceReference = 1178.6;               // nm, twice the sodium line of 589.3 nm
+constexpr double kLastEntry = AngleTables::kEntries - 1; // stands for pi
+
+/// A term of Sellmeier's formula for the square of an index.
+struct SellmeierTerm {
+    double fStrength;
+    double fPole; ///< square micrometres
+};
+/// Schott BK7 glass, its published coefficients rounded, in the order in which they are added.
+constexpr SellmeierTerm kGlass[] = {{1.01047, 103.561}, {0.231792, 0.0200179}, {1.03961, 0.0060007}};
+
+// How the curve of the glass is scaled to a medium: by the reciprocal of a unit of dispersion, and by that times the
+// index of the glass at the reference, 1.51673. Both are rounded, so at 589.3 nm an index is close to itself.
+constexpr double kGlassScale = 124.113;
+constexpr double kGlassOffset = 188.246;
 
 bool IsFront(float angle) { return angle <= kHalfPiInFloat; }
 
@@ -47,7 +62,7 @@ void FillTables(float (&tableS)[AngleTables::kEntries], float (&tableP)[AngleTab
     const OpticalInterface& boundary, Shares shares)
 {
     for (int32_t i = 0; i < AngleTables::kEntries; ++i) {
-        const float theta = static_cast<float>(i * kPi / (AngleTables::kEntries - 1));
+        const float theta = static_cast<float>(i * kPi / kLastEntry);
         const PolarizedShares share = shares(boundary, Complex{theta, 0});
         tableS[i] = share.fS;
         tableP[i] = share.fP;
@@ -125,11 +140,14 @@ float DispersedIndex(float wavelength, float index, float dispersion)
 {
     const float square = wavelength * wavelength;
     const float L = static_cast<float>(square / 1e6); // square micrometres
-    const float s = static_cast<float>(std::sqrt(
-        1 + 1.01047 * L / (L - 103.561) + 0.231792 * L / (L - 0.0200179) + 1.03961 * L / (L - 0.0060007)));
+    double squaredIndex = 1;
+    for (const auto& [strength, pole] : kGlass)
+        squaredIndex += strength * L / (L - pole);
+    const float s = static_cast<float>(std::sqrt(squaredIndex));
     const double n = index;
     const double d = dispersion;
-    return static_cast<float>(-188.246 * d * n + 124.113 * d * n * s + 188.246 * d - 124.113 * d * s + n);
+    return static_cast<float>(
+        -kGlassOffset * d * n + kGlassScale * d * n * s + kGlassOffset * d - kGlassScale * d * s + n);
 }
 
 DerivedOptics DeriveOptics(const OpticalMedium& medium1, const OpticalMedium& medium2, float wavelength,
@@ -138,7 +156,7 @@ DerivedOptics DeriveOptics(const OpticalMedium& medium1, const OpticalMedium& me
     DerivedOptics derived;
     derived.fIndex2ReAtWavelength = DispersedIndex(wavelength, medium2.fIndexRe, medium2.fDispersion);
     // The wavelength is mirrored about the reference, so the imaginary part moves the other way.
-    const float mirrored = static_cast<float>(1178.6 - wavelength);
+    const float mirrored = static_cast<float>(kTwiceReference - wavelength);
     derived.fIndex2ImAtWavelength = DispersedIndex(
         mirrored, medium2.fIndexIm, medium2.fIndexIm / medium2.fIndexRe * medium2.fDispersion);
 
@@ -169,7 +187,7 @@ float FresnelLookup(const AngleTables& tables, uint32_t mode, float polarization
     const TableRun P(tables, pair);
     const TableRun S(tables, pair + 1);
 
-    const double place = angle * 1023.0 / kPi;
+    const double place = angle * kLastEntry / kPi;
     const int32_t i = EntryBelow(place);
     const int32_t j = i + 1 < AngleTables::kEntries ? i + 1 : i;
     const float f = static_cast<float>(place);

@@ -5,6 +5,7 @@
 
 namespace {
 
+/// A box around points. One that begins with a NaN overlaps none; later ones widen nothing.
 struct LabBox {
     Float3 fMin;
     Float3 fMax;
@@ -13,8 +14,10 @@ struct LabBox {
     void Add(const Float3& point)
     {
         for (size_t i = 0; i < 3; ++i) {
-            fMin[i] = std::min(fMin[i], point[i]);
-            fMax[i] = std::max(fMax[i], point[i]);
+            if (point[i] < fMin[i])
+                fMin[i] = point[i];
+            if (point[i] > fMax[i])
+                fMax[i] = point[i];
         }
     }
     bool Overlaps(const LabBox& other) const
@@ -45,6 +48,7 @@ void FillCorner(Float3& corner, float s, float r, const GamutQuery& query)
     const float fx = LabCurve(xyz[0] / query.Ref[0]);
     const float fy = LabCurve(xyz[1] / query.Ref[1]);
     const float fz = LabCurve(xyz[2] / query.Ref[2]);
+    // kept: L* in this form rounds otherwise than 116 fy - 16
     corner = {4 * (29 * fy - 4), 500 * (fx - fy), 200 * (fy - fz)};
 }
 

@@ -2,11 +2,12 @@
 
 // Isotemperature lines of A. R. Robertson, "Computation of Correlated Color Temperature and Distribution
 // Temperature", J. Opt. Soc. Am. 58 (1968), with the corrected u 0.24792 at 325 mired.
+namespace Robertson {
 
-inline constexpr int kRobertsonLines = 31;
+inline constexpr int kLines = 31;
 
 /// Reciprocal temperatures, 1/K. The first stands for 0 and keeps its reciprocal finite.
-inline constexpr float rt[kRobertsonLines] = {
+inline constexpr float rt[kLines] = {
     1e-37f,
     10e-6f,
     20e-6f,
@@ -45,7 +46,7 @@ struct IsotemperatureLine {
     float u, v, t;
 };
 // clang-format off
-inline constexpr IsotemperatureLine uvt[kRobertsonLines] = {
+inline constexpr IsotemperatureLine uvt[kLines] = {
     {0.18006f, 0.26352f, -0.24341f}, {0.18066f, 0.26589f, -0.25479f}, {0.18133f, 0.26846f, -0.26876f},
     {0.18208f, 0.27119f, -0.28539f}, {0.18293f, 0.27407f, -0.30470f}, {0.18388f, 0.27709f, -0.32675f},
     {0.18494f, 0.28021f, -0.35156f}, {0.18611f, 0.28342f, -0.37915f}, {0.18740f, 0.28668f, -0.40955f},
@@ -59,3 +60,5 @@ inline constexpr IsotemperatureLine uvt[kRobertsonLines] = {
     {0.33724f, 0.36051f, -116.45f},
 };
 // clang-format on
+
+} // namespace Robertson

@@ -8,8 +8,28 @@
 
 namespace {
 
-/// Kept: e to these digits and a general power, so that published colours keep their bits.
+// The ends of the tables and of an integration, nm.
+constexpr double kFirstLambda = 380;
+constexpr double kLastLambda = 825;
+
+// Planck's curve over that of 6500 K, made 1 at 555 nm. Kept to these digits: published colours hang on their bits.
+constexpr double kSecondRadiation = 1.43879e7;       // the second radiation constant, nm K
+constexpr double kSecondRadiationOver555 = 25924.1;  // K
+constexpr double kSecondRadiationOver6500 = 2213.52; // nm
+constexpr double kPlanckOf6500At555 = 0.0188807;     // 1 / (e^(25924.1 / 6500) - 1)
+
+/// Kept like them: e to these digits and a general power.
 double PowerOfE(double exponent) { return std::pow(2.718281828459, exponent); }
+
+/// Where a wavelength lies in the tables. Past its ends a table goes on with its end entry; NaN stays NaN.
+double PlaceInTables(float lambda)
+{
+    constexpr int kLastEntry = kSpectralEntries - 1;
+    const double place = (lambda - kFirstLambda) * kLastEntry / (kLastLambda - kFirstLambda);
+    if (place < 0)
+        return 0;
+    return place > kLastEntry ? kLastEntry : place;
+}
 
 /// A wavelength in nm, with what doesn't depend on the illuminant.
 struct Wavelength {
@@ -21,30 +41,28 @@ struct Wavelength {
 
     Wavelength() = default;
     explicit Wavelength(float lambda)
-        : fLambda(lambda), fExponent6500(2213.52 / lambda), fPower6500(PowerOfE(fExponent6500))
+        : fLambda(lambda), fExponent6500(kSecondRadiationOver6500 / lambda),
+          fPower6500(PowerOfE(fExponent6500))
     {
-        // Past its ends a table goes on with its end entry; NaN gives NaN from entry 0.
-        const double place = std::clamp((lambda - 380.0) * 511.0 / 445.0, 0.0, kSpectralEntries - 1.0);
-        const int32_t below = std::max(CutToInt32(place), 0);
+        const double place = PlaceInTables(lambda);
+        const int32_t below = std::max(CutToInt32(place), 0); // NaN begins at entry 0 and stays NaN
         const auto index = static_cast<size_t>(below);
         const size_t next = std::min<size_t>(index + 1, kSpectralEntries - 1);
         const float fraction = static_cast<float>(place) - static_cast<float>(below);
         const auto in = [=](const SpectralTable& table) {
             return table[index] + (table[next] - table[index]) * fraction;
         };
-        fD65 = in(D65Array);
-        fMatching = {in(XBar), in(YBar), in(ZBar)};
+        fD65 = in(SpectralTables::D65Array);
+        fMatching = {in(SpectralTables::XBar), in(SpectralTables::YBar), in(SpectralTables::ZBar)};
     }
 };
 
-// The steps of an integration over the spectrum, in nm. The rounding of each is part of the stepping.
-constexpr float kFirstLambda = 380;
-constexpr float kLastLambda = 825;
+/// The next step of an integration over the spectrum, nm. Its rounding is part of the stepping.
 constexpr float NextLambda(float lambda) { return static_cast<float>(lambda + 0.1); }
 constexpr size_t CountSteps()
 {
     size_t count = 0;
-    for (float lambda = kFirstLambda; lambda <= kLastLambda; lambda = NextLambda(lambda))
+    for (float lambda = static_cast<float>(kFirstLambda); lambda <= kLastLambda; lambda = NextLambda(lambda))
         ++count;
     return count;
 }
@@ -54,7 +72,7 @@ using Steps = std::array<Wavelength, CountSteps()>;
 Steps ComputeSteps()
 {
     Steps steps;
-    float lambda = kFirstLambda;
+    float lambda = static_cast<float>(kFirstLambda);
     for (Wavelength& step : steps) {
         step = Wavelength(lambda);
         lambda = NextLambda(lambda);
@@ -69,7 +87,8 @@ const Steps kSteps = ComputeSteps();
 class Spectrum {
 public:
     explicit Spectrum(const Illuminant& illuminant)
-        : fIlluminant(illuminant), fExponent(25924.1 / illuminant.fTemperature), fPower(PowerOfE(fExponent))
+        : fIlluminant(illuminant), fExponent(kSecondRadiationOver555 / illuminant.fTemperature),
+          fPower(PowerOfE(fExponent))
     { }
 
     float Weight(const Wavelength& wave) const
@@ -86,14 +105,13 @@ public:
     }
 
 private:
-    /// Planck's curve over that of 6500 K, 1 at 555 nm. 1.43879e7 is the second radiation constant in nm K;
-    /// 25924.1 and 2213.52 are that over 555 nm and over 6500 K; 0.0188807 is 1 / (e^(25924.1 / 6500) - 1).
     float PlanckRatio(const Wavelength& wave) const
     {
-        const double upper = 0.0188807 + 0.0188807 * PowerOfE(fExponent + wave.fExponent6500)
-            - 0.0188807 * wave.fPower6500 - 0.0188807 * fPower;
+        constexpr double k = kPlanckOf6500At555;
+        const double upper
+            = k + k * PowerOfE(fExponent + wave.fExponent6500) - k * wave.fPower6500 - k * fPower;
         const float temperatureLambda = fIlluminant.fTemperature * wave.fLambda;
-        return static_cast<float>(upper / (PowerOfE(1.43879e7 / temperatureLambda) - 1));
+        return static_cast<float>(upper / (PowerOfE(kSecondRadiation / temperatureLambda) - 1));
     }
 
     Illuminant fIlluminant;
@@ -108,9 +126,17 @@ Float3 Chromaticity(const Float3& xyz)
     return {X / sum, Y / sum, Z / sum};
 }
 
+// A light colour is shaded bluer than it is shown, by this much in a* and b*. Below kFullShift in L* that fades out,
+// down to kNoShift. Kept to the digit, with no tie to the illuminant.
+constexpr double kShiftA = -4.98;
+constexpr double kShiftB = -38.84;
+constexpr double kNoShift = 30;
+constexpr double kFullShift = 45;
+constexpr double kLightest = 100; // L* of white
+
 Float3 ShiftForShading(const Float3& lab)
 {
-    return {lab[0], static_cast<float>(lab[1] + -4.98), static_cast<float>(lab[2] + -38.84)};
+    return {lab[0], static_cast<float>(lab[1] + kShiftA), static_cast<float>(lab[2] + kShiftB)};
 }
 
 Float3 DisplayRGB(const Float3& lab, float whiteX, float whiteY)
@@ -120,6 +146,8 @@ Float3 DisplayRGB(const Float3& lab, float whiteX, float whiteY)
     const auto [x, y, z] = Chromaticity(xyz);
     return XyYToRGB(ColorSystems::sRGBSystem, ColorSystems::sRGBSystem, x, y, xyz[1]);
 }
+
+constexpr double kSecondTry = 0.01; // nm below a wavelength that meets no face
 
 float Mix(double weight, float full, float none)
 {
@@ -167,18 +195,18 @@ WavelengthColors WavelengthColor(const ColorSystem& source, const ColorSystem& d
     };
     Residue projected = project(lambda);
     if (!search.fFound)
-        projected = project(static_cast<float>(lambda - 0.01));
+        projected = project(static_cast<float>(lambda - kSecondTry));
 
     const Float3 onSurface = FaceColor(projected);
     const float L = projected.fLab[0];
-    if ((L > 45 && L <= 100) || !search.fFound) {
+    if ((L > kFullShift && L <= kLightest) || !search.fFound) {
         const Float3 lab = ShiftForShading(projected.fLab);
         return {onSurface, DisplayRGB(lab, whiteX, whiteY), lab};
     }
-    if (L >= 30 && L <= 45) {
+    if (L >= kNoShift && L <= kFullShift) {
         const Float3 lab = ShiftForShading(projected.fLab);
         const Float3 shifted = DisplayRGB(lab, whiteX, whiteY);
-        const double weight = (L - 30.0) / 15.0;
+        const double weight = (L - kNoShift) / (kFullShift - kNoShift);
         return {onSurface,
             {Mix(weight, shifted[0], onSurface[0]), Mix(weight, shifted[1], onSurface[1]),
                 Mix(weight, shifted[2], onSurface[2])},

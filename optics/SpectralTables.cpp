@@ -5,6 +5,8 @@
 // 555 nm, 102.0229. Kept: the last entry is 2e-6 below that quotient.
 #include "optics/SpectralTables.h"
 
+namespace SpectralTables {
+
 // clang-format off
 constexpr SpectralTable XBar = {
     0.0026899f, 0.0030544035f, 0.003436161f, 0.003852426f, 0.004320453f, 0.004857495f, 0.0054807686f,
@@ -291,3 +293,5 @@ constexpr SpectralTable D65Array = {
     0.56483454f, 0.56728584f, 0.56973714f, 0.57218844f, 0.57463974f, 0.577089f,
 };
 // clang-format on
+
+} // namespace SpectralTables

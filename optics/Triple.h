@@ -1,8 +1,14 @@
 #pragma once
 #include <array>
 #include <cstddef>
+#include <tuple>
 
-template <class Real> using Triple = std::array<Real, 3>;
+/// Three numbers, counted from 0. They are initialised, compared and taken apart like the array that they are.
+template <class Real> struct Triple : std::array<Real, 3> { };
+
+template <class Real> struct std::tuple_size<Triple<Real>> : std::tuple_size<std::array<Real, 3>> { };
+template <size_t kPart, class Real>
+struct std::tuple_element<kPart, Triple<Real>> : std::tuple_element<kPart, std::array<Real, 3>> { };
 
 /// Three components of a colour, in the order of the space's name: X Y Z, x y Y, L a b or R G B.
 using Float3 = Triple<float>;

@@ -2,6 +2,8 @@
 #include "host/parameters/Notation.h"
 #include "module/ClassIDs.h"
 
+template <> inline constexpr fernwick::FieldType fernwick::kFieldTypeOf<Float3> = FieldType::kVector3;
+
 fernwick::ParameterTable FresnelTable()
 {
     return {"Fresnel", {kFresnelClassID, kFresnelSecondClassID}, kOutputColor, sizeof(FresnelParams),

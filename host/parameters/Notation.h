@@ -7,7 +7,6 @@
 #include "frame/TMCString.h"
 #include "frame/Vectors.h"
 #include "host/parameters/ParameterTable.h"
-#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <type_traits>
@@ -34,7 +33,6 @@ template <> inline constexpr FieldType kFieldTypeOf<bool> = FieldType::kBool;
 template <> inline constexpr FieldType kFieldTypeOf<TMCBool> = FieldType::kBool;
 template <> inline constexpr FieldType kFieldTypeOf<TVector2> = FieldType::kVector2;
 template <> inline constexpr FieldType kFieldTypeOf<TVector3> = FieldType::kVector3;
-template <> inline constexpr FieldType kFieldTypeOf<std::array<float, 3>> = FieldType::kVector3;
 template <> inline constexpr FieldType kFieldTypeOf<TMCColorRGB> = FieldType::kRGB;
 template <> inline constexpr FieldType kFieldTypeOf<TMCColorRGBA> = FieldType::kRGBA;
 template <> inline constexpr FieldType kFieldTypeOf<TMCString255> = FieldType::kString;

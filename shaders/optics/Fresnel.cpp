@@ -11,8 +11,10 @@ namespace {
 constexpr double kTolerance = 1e-6;
 constexpr double kWavelengthStep = 0.001; // nm
 constexpr int32_t kGamutDepth = 7;
+constexpr float kSwatchAnchor = 0.5f; // of the illuminant's own L*
 constexpr uint32_t kOffsetStyle = Code("SHMX");
 constexpr uint32_t kColorKinds = kOutputColor | kOutputSurface;
+constexpr float kEyeOfNone[3] = {30.46f, 30.46f, 31.2f}; // where the eye stands without its element
 
 /// The numbers that optics depend on, of a record or of what was seen of it.
 template <class Values> std::array<float, 14> OpticalNumbers(const Values& values)
@@ -58,17 +60,6 @@ void ShowEncoded(const Float3& linear, TMCColorRGBA& color)
     color.SetRGB(r, g, b);
 }
 
-/// A new value starts its fine adjustment anew; else a new offset moves the value from its base.
-void AdjustFine(float& value, float seenValue, float& offset, float seenOffset, float& base)
-{
-    if (value != seenValue) {
-        offset = 0;
-        base = value;
-    }
-    if (offset != seenOffset)
-        value = base + offset;
-}
-
 /// The angle between two vectors of any length in radians, 0 to pi.
 float ViewAngle(const TVector3& toCamera, const TVector3& normal)
 {
@@ -80,7 +71,24 @@ float ViewAngle(const TVector3& toCamera, const TVector3& normal)
     return std::fabs(std::atan2(cross, dot));
 }
 
+/// NaN stays.
+float ClampedShare(float share)
+{
+    if (share < 0)
+        return 0;
+    return share > 1 ? 1 : share;
+}
+
 } // namespace
+
+const Fresnel::FineAdjustment Fresnel::kFineAdjustments[] = {
+    {&FresnelParams::fIndex2Re, &FresnelParams::fIndex2ReOffset, &Seen::fIndex2Re, &Seen::fIndex2ReOffset,
+        &Fresnel::fIndex2ReBase, Code("N2rs"), Code("N2Re")},
+    {&FresnelParams::fIndex2Im, &FresnelParams::fIndex2ImOffset, &Seen::fIndex2Im, &Seen::fIndex2ImOffset,
+        &Fresnel::fIndex2ImBase, Code("N2is"), Code("N2Im")},
+    {&FresnelParams::fPermeability2, &FresnelParams::fPermeability2Offset, &Seen::fPermeability2,
+        &Seen::fPermeability2Offset, &Fresnel::fPermeability2Base, Code("N2Ms"), Code("N2Mr")},
+};
 
 bool Fresnel::SameParams(const FresnelParams& other) const
 {
@@ -118,9 +126,7 @@ void Fresnel::TakeTypedTemperature()
     if (fParams.fTemperature == fSeen.fTemperature || fParams.fIlluminantPreset != fSeen.fIlluminantPreset)
         return;
     fParams.fIlluminantPreset = kCustomIlluminantPreset;
-    fCustomIlluminant = true;
-    SetIlluminant(fParams.fTemperature);
-    RefreshIlluminantSwatch();
+    SetIlluminant(true);
 }
 
 void Fresnel::TakeChosenPreset()
@@ -130,12 +136,10 @@ void Fresnel::TakeChosenPreset()
     const bool seenValid = seen >= 1 && seen <= kCustomIlluminantPreset;
     if (preset == seen || !IsIlluminantRow(preset) || !seenValid)
         return;
-    fCustomIlluminant = false;
-    SetIlluminant(IlluminantTemperature());
+    SetIlluminant(false);
     // The temperature of the computed white, not the row's round number; kept as it is when there is none.
     const Float3 white = XyYToXYZ(fIlluminantSystem.xyYWhite);
     CorrelatedTemperature(white[0], white[1], white[2], fParams.fTemperature);
-    RefreshIlluminantSwatch();
 }
 
 void Fresnel::RefreshWavelengthColor()
@@ -155,14 +159,20 @@ void Fresnel::RefreshWavelengthColor()
     ShowEncoded(colors.fRGB, fParams.fWavelengthColor);
 }
 
+/// A new value starts its fine adjustment anew; else a new offset moves the value from its base.
 void Fresnel::ApplyFineAdjustments()
 {
-    AdjustFine(
-        fParams.fIndex2Re, fSeen.fIndex2Re, fParams.fIndex2ReOffset, fSeen.fIndex2ReOffset, fIndex2ReBase);
-    AdjustFine(
-        fParams.fIndex2Im, fSeen.fIndex2Im, fParams.fIndex2ImOffset, fSeen.fIndex2ImOffset, fIndex2ImBase);
-    AdjustFine(fParams.fPermeability2, fSeen.fPermeability2, fParams.fPermeability2Offset,
-        fSeen.fPermeability2Offset, fPermeability2Base);
+    for (const FineAdjustment& fine : kFineAdjustments) {
+        float& value = fParams.*fine.fValue;
+        float& offset = fParams.*fine.fOffset;
+        float& base = this->*fine.fBase;
+        if (value != fSeen.*fine.fSeenValue) {
+            offset = 0;
+            base = value;
+        }
+        if (offset != fSeen.*fine.fSeenOffset)
+            value = base + offset;
+    }
 }
 
 void Fresnel::RefreshOptics()
@@ -200,11 +210,14 @@ void Fresnel::RefreshIlluminantSystem(float temperature)
     fIntegrated = illuminant;
 }
 
-void Fresnel::SetIlluminant(float temperature)
+/// Publishes the white and the colour of the illuminant that the record names.
+void Fresnel::SetIlluminant(bool typed)
 {
-    RefreshIlluminantSystem(temperature);
+    fCustomIlluminant = typed;
+    RefreshIlluminantSystem(IlluminantTemperature());
     fParams.fWhiteX = fIlluminantSystem.xyYWhite[0];
     fParams.fWhiteY = fIlluminantSystem.xyYWhite[1];
+    RefreshIlluminantSwatch();
 }
 
 /// Of the chosen row, or as typed. A preset that is no row counts as typed here.
@@ -224,8 +237,8 @@ void Fresnel::RefreshIlluminantSwatch()
     fSearch.fCellCount = 0;
     const Float3 color = {white[0] / white[1], white[1] / white[1], white[2] / white[1]};
     fSearch.fSkipBottomFace = true;
-    const Residue projected
-        = ProjectToGamut(sRGBSystem, color, 0.5f, fIlluminantLab[1], fIlluminantLab[2], kGamutDepth, fSearch);
+    const Residue projected = ProjectToGamut(
+        sRGBSystem, color, kSwatchAnchor, fIlluminantLab[1], fIlluminantLab[2], kGamutDepth, fSearch);
     fSearch.fSkipBottomFace = false;
     fIlluminantLinear = FaceColor(projected);
     ShowEncoded(fIlluminantLinear, fParams.fIlluminantColor);
@@ -241,7 +254,7 @@ float Fresnel::ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in)
         OffsetAngle(fullArea, in);
 
     const float share = FresnelLookup(fTables, fParams.fMode, fParams.fPolarization, fViewAngle);
-    const float value = std::clamp(share, 0.0f, 1.0f);
+    const float value = ClampedShare(share);
     if (fParams.fColored) {
         const auto [r, g, b] = InHueOfWavelength(value);
         color.SetRGB(r, g, b);
@@ -264,7 +277,7 @@ TVector3 Fresnel::CameraPosition(const ShadingIn& in)
         MC_REPORT("objecttree"); // a missing scene has no element either
     else if (FindTreeByName(scene, fParams.fCameraName, "objecttree", camera))
         return GlobalPosition(*camera);
-    return {30.46f, 30.46f, 31.2f};
+    return {kEyeOfNone[0], kEyeOfNone[1], kEyeOfNone[2]};
 }
 
 /// Happens once in the life of the object; until there is a module, each sample tries again.

@@ -108,6 +108,18 @@ private:
         float fTemperature = kUnseen;
     };
 
+    /// A number of medium 2, with the fine adjustment that is added to it.
+    struct FineAdjustment {
+        float FresnelParams::*fValue;
+        float FresnelParams::*fOffset;
+        float Seen::*fSeenValue;
+        float Seen::*fSeenOffset;
+        float Fresnel::*fBase; ///< the value without its offset
+        uint32_t fSlider;      ///< the panel's part of the offset
+        uint32_t fText;        ///< the panel's part of the value
+    };
+    static const FineAdjustment kFineAdjustments[3];
+
     ConnectedShader fShader;
     uint32_t fShaderKinds = 0;
     Seen fSeen;
@@ -117,7 +129,7 @@ private:
     float fLastSubValue = 0; ///< goes on to the next sample
     TMCColorRGBA fSubColor = {0, 0, 0, 0};
     AngleTables fTables;
-    float fIndex2ReBase = 0; ///< what each fine adjustment is added to
+    float fIndex2ReBase = 0; ///< these three: what each fine adjustment is added to
     float fIndex2ImBase = 0;
     float fPermeability2Base = 0;
     float fPercentP = 0; ///< kept, read by nothing
@@ -143,7 +155,7 @@ private:
     MCErr RefreshSubShader() { return ConnectSubShader(fParams.fSubShader, fShader, fShaderKinds); }
 
     void RefreshIlluminantSystem(float temperature);
-    void SetIlluminant(float temperature);
+    void SetIlluminant(bool typed);
     float IlluminantTemperature() const;
     void RefreshIlluminantSwatch();
 
@@ -152,6 +164,5 @@ private:
     void OffsetAngle(bool& fullArea, ShadingIn& in);
     Float3 InHueOfWavelength(float value) const;
 
-    void TakePreset1(IMFPart* parent);
-    void TakePreset2(IMFPart* parent);
+    void TakePreset(uint32_t partID, IMFPart* parent);
 };

@@ -1,6 +1,9 @@
 #include "frame/Query.h"
 #include "frame/TMCException.h"
 #include "shaders/optics/Fresnel.h"
+#include <algorithm>
+#include <iterator>
+#include <span>
 
 namespace {
 
@@ -9,6 +12,29 @@ constexpr uint32_t kPartChosen = 5;
 
 constexpr uint32_t kReal32 = Code("re32"); // types of values
 constexpr uint32_t kInt32 = Code("in32");
+
+/// A number of the record, and the column of the presets that sets it.
+struct PresetColumn {
+    float FresnelParams::*fNumber;
+    float OpticalMedium::*fColumn;
+};
+constexpr PresetColumn kColumnsOfMedium1[] = {{&FresnelParams::fIndex1Re, &OpticalMedium::fIndexRe},
+    {&FresnelParams::fIndex1Im, &OpticalMedium::fIndexIm},
+    {&FresnelParams::fPermeability1, &OpticalMedium::fPermeability}};
+constexpr PresetColumn kColumnsOfMedium2[] = {{&FresnelParams::fIndex2Re, &OpticalMedium::fIndexRe},
+    {&FresnelParams::fIndex2Im, &OpticalMedium::fIndexIm},
+    {&FresnelParams::fPermeability2, &OpticalMedium::fPermeability},
+    {&FresnelParams::fDispersion, &OpticalMedium::fDispersion}};
+
+/// The panel's list of presets for a medium.
+struct PresetList {
+    uint32_t fPart;
+    int32_t FresnelParams::*fPreset;
+    std::span<const PresetColumn> fColumns;
+    bool fAdjustable; ///< the medium has fine adjustments, which start anew
+};
+constexpr PresetList kPresetLists[] = {{Code("PRS1"), &FresnelParams::fPreset1, kColumnsOfMedium1, false},
+    {Code("PRS2"), &FresnelParams::fPreset2, kColumnsOfMedium2, true}};
 
 using PanelPart = MCCountedPtr<IMFPart>;
 
@@ -68,57 +94,34 @@ int32_t Fresnel::HandleEvent(uint32_t id, void* source, void*)
     const PanelPart parentPart = FindPart(sourcePart.Get(), Code("NTOP"));
     IMFPart* const parent = parentPart.Get();
 
-    if (id == kPartAdjusted && partID == Code("Diss")) {
+    if (id == kPartAdjusted && partID == Code("Diss"))
         LimitSlider(*sourcePart);
-    } else if (id == kPartAdjusted && partID == Code("N2rs")) {
-        fParams.fIndex2Re = fIndex2ReBase + fParams.fIndex2ReOffset;
-        ShowNumber(parent, Code("N2Re"), fParams.fIndex2Re);
-    } else if (id == kPartAdjusted && partID == Code("N2is")) {
-        fParams.fIndex2Im = fIndex2ImBase + fParams.fIndex2ImOffset;
-        ShowNumber(parent, Code("N2Im"), fParams.fIndex2Im);
-    } else if (id == kPartAdjusted && partID == Code("N2Ms")) {
-        fParams.fPermeability2 = fPermeability2Base + fParams.fPermeability2Offset;
-        ShowNumber(parent, Code("N2Mr"), fParams.fPermeability2);
-    } else if (id == kPartChosen && partID == Code("PRS1")) {
-        TakePreset1(parent);
-    } else if (id == kPartChosen && partID == Code("PRS2")) {
-        TakePreset2(parent);
-    }
+    for (const FineAdjustment& fine : kFineAdjustments)
+        if (id == kPartAdjusted && partID == fine.fSlider) {
+            fParams.*fine.fValue = this->*fine.fBase + fParams.*fine.fOffset;
+            ShowNumber(parent, fine.fText, fParams.*fine.fValue);
+        }
+    if (id == kPartChosen)
+        TakePreset(partID, parent);
     return 0;
 }
 
-void Fresnel::TakePreset1(IMFPart* parent)
+void Fresnel::TakePreset(uint32_t partID, IMFPart* parent)
 {
-    const PanelPart presetPart = FindPart(parent, Code("PRS1"));
+    const auto list = std::ranges::find(kPresetLists, partID, &PresetList::fPart);
+    if (list == std::end(kPresetLists))
+        return;
+    const PanelPart presetPart = FindPart(parent, partID);
     const int32_t row = ChosenRow(presetPart.Get());
     if (row == kNoPreset)
         return;
-    const OpticalMedium& preset = kOpticalPresets[row];
-    fSeen.fPreset1 = kNoPreset;
-    fParams.fPreset1 = row;
-    fParams.fIndex1Re = preset.fIndexRe;
-    fParams.fIndex1Im = preset.fIndexIm;
-    fParams.fPermeability1 = preset.fPermeability;
-    Refresh(*presetPart);
-    ExtensionDataChanged();
-}
-
-void Fresnel::TakePreset2(IMFPart* parent)
-{
-    const PanelPart presetPart = FindPart(parent, Code("PRS2"));
-    const int32_t row = ChosenRow(presetPart.Get());
-    if (row == kNoPreset)
-        return;
-    const OpticalMedium& preset = kOpticalPresets[row];
-    fSeen.fPreset1 = kNoPreset; // kept: here too the one of medium 1
-    fParams.fPreset2 = row;
-    fParams.fIndex2Re = preset.fIndexRe;
-    fParams.fIndex2Im = preset.fIndexIm;
-    fParams.fPermeability2 = preset.fPermeability;
-    fParams.fDispersion = preset.fDispersion;
-    fParams.fIndex2ReOffset = 0;
-    fParams.fIndex2ImOffset = 0;
-    fParams.fPermeability2Offset = 0;
+    fSeen.fPreset1 = kNoPreset; // kept: that of medium 1 for both lists
+    fParams.*list->fPreset = row;
+    for (const PresetColumn& column : list->fColumns)
+        fParams.*column.fNumber = kOpticalPresets[row].*column.fColumn;
+    if (list->fAdjustable)
+        for (const FineAdjustment& fine : kFineAdjustments)
+            fParams.*fine.fOffset = 0;
     Refresh(*presetPart);
     ExtensionDataChanged();
 }

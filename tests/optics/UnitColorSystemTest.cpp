@@ -7,6 +7,8 @@
 namespace {
 
 using namespace ColorSystems;
+using Robertson::rt;
+using Robertson::uvt;
 
 TEST(Lab, ADarkGreyKeepsItsYAlone)
 {
@@ -90,14 +92,14 @@ TEST(CorrelatedTemperature, FollowsThePlanckianLocus)
         EXPECT_EQ(CorrelatedTemperature(xyz[0], xyz[1], xyz[2], T), 0);
         EXPECT_NEAR(T, temperature, 4);
     }
-    for (int row = 7; row < kRobertsonLines; ++row) { // each line stands at a right angle to the locus
+    for (int row = 7; row < Robertson::kLines; ++row) { // each line stands at a right angle to the locus
         const Locus at(1 / rt[row]), warmer(1 / (rt[row] + 1e-6)), cooler(1 / (rt[row] - 1e-6));
         EXPECT_NEAR(uvt[row].u, at.u, 1.3e-4) << row;
         EXPECT_NEAR(uvt[row].v, at.v, 1.3e-4) << row;
         EXPECT_NEAR(std::atan(uvt[row].t), std::atan(-(warmer.u - cooler.u) / (warmer.v - cooler.v)), 0.025)
             << row;
     }
-    for (int row = 1; row < kRobertsonLines; ++row) { // between two lines
+    for (int row = 1; row < Robertson::kLines; ++row) { // between two lines
         const float u = (uvt[row - 1].u + uvt[row].u) / 2, v = (uvt[row - 1].v + uvt[row].v) / 2;
         const float X = 1.5f * u / v;
         EXPECT_EQ(CorrelatedTemperature(X, 1, (6 / v - X - 15) / 3, T), 0);

@@ -7,6 +7,7 @@
 
 namespace {
 
+using namespace SpectralTables;
 using ColorSystems::sRGBSystem;
 
 TEST(SpectralTables, StandOnThePublishedRows)
@@ -123,6 +124,33 @@ TEST_F(WavelengthColorTest, LooksLikeASpectrum)
     fSearch = {};
     EXPECT_EQ(color, FaceColor(ProjectToGamut(sRGBSystem, adapted, 0.9f, 0, 0, 7, fSearch)))
         << "found at once";
+}
+
+TEST(WavelengthColor, TriesASecondTimeAHundredthNanometreLower)
+{
+    // Under these dim lights the line of the wavelength misses the cube, and that of the one below meets it.
+    for (const auto& [temperature, lambda] :
+        {std::pair{1500.0f, 552.2481f}, {1700.0f, 557.3575f}, {1900.0f, 564.2989f}}) {
+        const Illuminant illuminant = {temperature, true};
+        const ColorSystem source = SystemWithIlluminant(sRGBSystem, illuminant);
+        const auto color = [&](float wavelength, GamutSearch& search) {
+            const auto [x, y, Y] = source.xyYWhite;
+            return WavelengthColor(source, sRGBSystem, wavelength, illuminant, x, y, 0.9f, 7, search).fRGB;
+        };
+        const auto project = [&](float wavelength, GamutSearch& search) {
+            const Stimulus stimulus = MonochromaticStimulus(wavelength, illuminant);
+            return FaceColor(ProjectToGamut(sRGBSystem,
+                AdaptToWhite(source, sRGBSystem, stimulus.xyz[0], stimulus.xyz[1], stimulus.XYZ[1]), 0.9f, 0,
+                0, 7, search));
+        };
+        GamutSearch missed, met, search;
+        project(lambda, missed);
+        EXPECT_FALSE(missed.fFound) << temperature;
+        const Float3 lower = project(static_cast<float>(lambda - 0.01), met);
+        EXPECT_TRUE(met.fFound) << temperature;
+        EXPECT_EQ(color(lambda, search), lower) << temperature;
+        EXPECT_TRUE(search.fFound && search.fCellCount == met.fCellCount) << "counted anew";
+    }
 }
 
 TEST_F(WavelengthColorTest, ShiftsLightColoursAndFadesTheShiftOut)

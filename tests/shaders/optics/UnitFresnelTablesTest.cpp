@@ -3,26 +3,17 @@
 #include "optics/OpticalPresets.h"
 #include "optics/RobertsonLines.h"
 #include "optics/SpectralTables.h"
+#include "tests/optics/Mark.h"
 #include <cstring>
 #include <gtest/gtest.h>
 
 namespace {
 
-/// A number for the bytes of a table, by the method of Fowler, Noll and Vo.
-template <class Table> uint32_t Mark(const Table& table)
-{
-    unsigned char bytes[sizeof table];
-    std::memcpy(bytes, &table, sizeof table);
-    uint32_t mark = 2166136261;
-    for (const unsigned char byte : bytes)
-        mark = (mark ^ byte) * 16777619;
-    return mark;
-}
-
 // Other tests hold the tables against published data; here each digit counts.
 TEST(Tables, KeepEachDigit)
 {
     using namespace ColorSystems;
+    using namespace SpectralTables;
     const ColorSystem* const systems[] = {&AdobeRGB, &sRGBSystem, &NTSCsystem, &SMPTEsystem, &CIEsystem,
         &MyMonitor, &AppleRGB, &Source, &Destination, &MyMonitorsRGB, &TalunSystem};
     float numbers[std::size(systems)][16];
@@ -31,8 +22,8 @@ TEST(Tables, KeepEachDigit)
     EXPECT_EQ(Mark(numbers), 1833631306u);
     EXPECT_EQ(Mark(kOpticalPresets), 960969981u);
     EXPECT_EQ(Mark(kIlluminantTemperatures), 2222182935u);
-    EXPECT_EQ(Mark(rt), 4096340895u);
-    EXPECT_EQ(Mark(uvt), 1003165306u);
+    EXPECT_EQ(Mark(Robertson::rt), 4096340895u);
+    EXPECT_EQ(Mark(Robertson::uvt), 1003165306u);
     EXPECT_EQ(Mark(XBar), 285584011u);
     EXPECT_EQ(Mark(YBar), 4129302651u);
     EXPECT_EQ(Mark(ZBar), 975139128u);
