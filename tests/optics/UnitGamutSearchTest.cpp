@@ -105,6 +105,46 @@ TEST(SearchCell, OfTwoCrossingsTakesTheOneNearerTheAnchor)
     }
 }
 
+TEST(SearchCell, VisitsTheCornersOfAHalfInItsOwnOrder)
+{
+    // A line that meets the curved face of red 1 twice within one half of itself.
+    constexpr float kPlaces[4][2] = {{0.2f, 0.25f}, {0.3f, 0.85f}, {0.85f, 0.3f}, {0.75f, 0.8f}}; // u, v
+    constexpr size_t kRanks[2][4] = {{0, 1, 2, 3}, {0, 2, 1, 3}}; // low, high half
+    for (size_t one = 0; one < 4; ++one)
+        for (size_t two = 0; two < 4; ++two)
+            for (const bool high : {false, true}) {
+                if (one == two)
+                    continue;
+                const Float3 first = DisplayLab({1, kPlaces[one][0], kPlaces[one][1]});
+                const Float3 second = DisplayLab({1, kPlaces[two][0], kPlaces[two][1]});
+                const Float3 way = (second - first) * (1 / 0.3f);
+                const Float3 start = first - way * (high ? 0.6f : 0.1f);
+                const GamutQuery query = {start, start + way, DisplayXYZ({1, 0, 0}), DisplayXYZ({1, 1, 0}),
+                    DisplayXYZ({1, 0, 1}), XyYToXYZ(sRGBSystem.xyYWhite)};
+                GamutCell root;
+                root.fLevel = 7;
+                GamutSearch search;
+                const Residue found = SearchCell(root, query, search);
+                const float* const expected = kPlaces[kRanks[high][one] < kRanks[high][two] ? one : two];
+                EXPECT_NEAR(found.u, expected[0], 1e-3) << one << " " << two << " " << high;
+                EXPECT_NEAR(found.v, expected[1], 1e-3) << one << " " << two << " " << high;
+            }
+}
+
+TEST(SearchCell, DividesAsOftenAsItsLevelSays)
+{
+    const Float3 lab = DisplayLab({1, 0.3f, 0.4f});
+    const GamutQuery query = {lab + Float3{9, 9, 9}, lab - Float3{9, 9, 9}, DisplayXYZ({1, 0, 0}),
+        DisplayXYZ({1, 1, 0}), DisplayXYZ({1, 0, 1}), XyYToXYZ(sRGBSystem.xyYWhite)};
+    for (const auto& [level, cells] : {std::pair{-1, 0}, {0, 0}, {1, 8}, {2, 32}}) {
+        GamutCell root = TestCell({}, query);
+        root.fLevel = level;
+        GamutSearch search;
+        SearchCell(root, query, search);
+        EXPECT_EQ(search.fCellCount, cells) << level;
+    }
+}
+
 TEST(SplitCell, GivesEachChildTheCornersItSharesWithItsParent)
 {
     GamutCell parent;

@@ -1,8 +1,10 @@
 #include "shaders/optics/Fresnel.h"
 #include "frame/TMCException.h"
+#include "tests/optics/Mark.h"
 #include "tests/support/FakeScene.h"
 #include "tests/support/ShaderTest.h"
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -36,6 +38,11 @@ protected:
     float Shade(float angle)
     {
         EXPECT_EQ(fFresnel.Changed(), MC_S_OK);
+        return Look(angle);
+    }
+    /// The same without a change.
+    float Look(float angle)
+    {
         fIn.fPointGlobal = {1, 2, 3};
         fIn.fNormalGlobal = {0, 0, 0.5f};
         fEye.fTransform.fTranslation = {7 * std::sin(angle) + 1, 2, 7 * std::cos(angle) + 3};
@@ -60,6 +67,8 @@ TEST_F(FresnelTest, DefaultGlass)
     EXPECT_NEAR(Shade(2), 1, 3.5e-5) << "from behind, total internal reflection";
     fRecord.fPolarization = 300;
     EXPECT_EQ(Shade(1.5f), 1) << "clamped";
+    fRecord.fPolarization = -300;
+    EXPECT_EQ(Shade(1.5f), 0) << "at both ends";
     fRecord.fMode = kTransmittanceMode;
     fRecord.fPermeability2 = 2;
     const float behind = Shade(3.1415f);
@@ -111,6 +120,10 @@ TEST_F(FresnelTest, AFineAdjustmentCountsFromTheLastValueSet)
             fFresnel.Changed();
             EXPECT_EQ(fRecord.*value, expected);
         }
+    fRecord = {};
+    Shade(0);
+    fRecord.fIndex2ReOffset = 0.5f;
+    EXPECT_NEAR(Shade(0), std::pow(1.01673 / 3.01673, 2), 1e-4) << "before the tables are filled";
 }
 
 TEST_F(FresnelTest, AnIlluminantIsTypedOrChosen)
@@ -140,6 +153,15 @@ TEST_F(FresnelTest, AnIlluminantIsTypedOrChosen)
     }
     EXPECT_FALSE(change(1, 0.2876f, 8622.4f, 1)) << "kept: even a row is lost behind a preset that is none";
     EXPECT_TRUE(change(14, 0.2876f, 8622.4f, 14));
+
+    fRecord.fTemperature = 1;
+    for (const float temperature : {1.0f, std::nextafter(1.0f, 2.0f), 1.0f, 1.0f}) { // each bit of it counts
+        const bool typed = fRecord.fTemperature != temperature || fRecord.fIlluminantPreset == 14;
+        fRecord.fTemperature = temperature;
+        fRecord.fPolarization += 1; // which alone derives no illuminant
+        EXPECT_EQ(Rewrites(&Params::fIlluminantColor), typed) << temperature;
+        EXPECT_EQ(fRecord.fIlluminantPreset, 15);
+    }
 }
 
 TEST_F(FresnelTest, TheWavelengthsColourFollowsStepsOfAThousandthNanometre)
@@ -174,7 +196,8 @@ TEST_F(FresnelTest, TheWavelengthsColourFollowsStepsOfAThousandthNanometre)
 TEST_F(FresnelTest, TheSubShaderOffsetsTheAngle)
 {
     const auto at = [&](float angle) { return testing::FloatNear(Shade(angle), 2e-4f); };
-    const auto plain = at(1), lower = at(0.5f), none = at(0), more = at(1.25f), less = at(0.8f);
+    const auto plain = at(1), lower = at(0.5f), none = at(0), more = at(1.25f), less = at(0.8f),
+               most = at(1.5f);
     fRecord.fMixStyle = Code("SHMX");
     EXPECT_THAT(Shade(1), lower) << "an empty slot gives 0";
     EXPECT_THAT(Shade(0.3f), none);
@@ -190,14 +213,83 @@ TEST_F(FresnelTest, TheSubShaderOffsetsTheAngle)
         value->fValue = number;
         EXPECT_THAT(Shade(1), std::isnan(number) ? none : more);
     }
+    value->fValue = 1;
+    EXPECT_THAT(Shade(1), most) << "1 isn't above 1";
     value->fKinds = kOutputVector;
     EXPECT_THAT(Shade(1), lower);
     fRecord.fMixStyle = 0;
     EXPECT_THAT(Shade(1), plain);
+    fRecord.fMixStyle = Code("SHMX");
     fRecord.fSubShader = static_cast<ITreeElement*>(&fEye); // no shader
-    EXPECT_EQ(fFresnel.Changed(), kMCNoInterface);
+    for (const float index : {1.0f, 1.1f, 1.1f}) {          // whether there is work to do or not
+        fRecord.fIndex1Re = index;
+        EXPECT_EQ(fFresnel.Changed(), kMCNoInterface);
+    }
     fRecord.fSubShader = nullptr;
 }
+
+TEST_F(FresnelTest, ASampleReadsRawWhatItWeighsAndAChangeDerivesTheRest)
+{
+    const float before = Shade(1.5f);
+    const auto slot = FakeValue(1);
+    fRecord.fIndex1Re = 1.2f;
+    fRecord.fDispersion = 2;
+    fRecord.fWavelength = 400;
+    fRecord.fIndex2ReOffset = 1;
+    fRecord.fIlluminantPreset = 3;
+    Plug(fRecord.fSubShader, slot);
+    EXPECT_EQ(Look(1.5f), before);
+    fRecord.fPolarization = 0;
+    EXPECT_NEAR(Look(1.5f), 0.5635, 2e-4);
+    fRecord.fPolarization = 100;
+    EXPECT_NEAR(Look(1.5f), 0.7804, 2e-4);
+    for (const uint32_t mode : {kTransmittanceMode, 0u}) { // never filled; none
+        fRecord.fMode = mode;
+        EXPECT_EQ(Look(1.5f), 0);
+    }
+    fRecord.fMode = kReflectanceMode;
+    const float there = Look(1);
+    fRecord.fMixStyle = Code("SHMX");
+    EXPECT_NEAR(Look(1.5f), there, 2e-4) << "the slot isn't connected yet";
+    fFresnel.Changed();
+    slot->fKinds = kOutputColor; // noticed with the next change
+    Look(1.5f);
+    EXPECT_EQ(slot->fValueCalls, 1);
+    EXPECT_EQ(slot->fColorCalls, 0);
+    fRecord.fSubShader = nullptr;
+    Look(1.5f);
+    EXPECT_EQ(slot->fValueCalls, 2);
+    fRecord.fColored = true;
+    fIn.fNormalGlobal = fEye.fTransform.fTranslation = {0, 0, 1};
+    const TMCColorRGBA color = Color(fFresnel);
+    EXPECT_NE(color.fRed, color.fBlue);
+    fFresnel.Changed();
+}
+
+#ifndef _WIN32 // the bits are those of the C library's maths
+TEST_F(FresnelTest, KeepsItsBits)
+{
+    std::vector<float> shades;
+    for (int i = 0; i < 400; ++i) {
+        const float turn = static_cast<float>(i) * 0.37f;
+        fIn.fPointGlobal = {turn, -0.3f * turn, 1.7f};
+        fIn.fNormalGlobal = {std::sin(turn), 0.7f, std::cos(1.3f * turn)};
+        fEye.fTransform.fTranslation = {5 * std::cos(turn), 3.1f, -turn};
+        if (i % 100 == 0) {
+            fRecord.fWavelength = static_cast<float>(430 + i / 2);
+            fRecord.fIlluminantPreset = 5 + i / 100;
+            fRecord.fColored = i == 300;
+            fFresnel.Changed();
+            shades.insert(shades.end(), {fRecord.fWhiteX, fRecord.fWhiteY, fRecord.fTemperature});
+            for (const TMCColorRGBA& color : {fRecord.fWavelengthColor, fRecord.fIlluminantColor})
+                shades.insert(shades.end(), {color.fRed, color.fGreen, color.fBlue});
+        }
+        const TMCColorRGBA color = Color(fFresnel);
+        shades.insert(shades.end(), {color.fRed, color.fGreen, color.fBlue});
+    }
+    EXPECT_EQ(Mark(shades), 3686011151u);
+}
+#endif
 
 TEST_F(FresnelTest, LooksFromTheRenderingCameraANamedElementOrAFixedPoint)
 {
@@ -225,16 +317,39 @@ TEST_F(FresnelTest, LooksFromTheRenderingCameraANamedElementOrAFixedPoint)
     EXPECT_THAT(TakeReports(), ElementsAre("objecttree"));
 }
 
-TEST_F(FresnelTest, SameParametersToleratesLessThanAMillionth)
+TEST_F(FresnelTest, SameParametersFieldByFieldAndFromBothSides)
 {
-    for (const auto field : {&Params::fIndex1Im, &Params::fTemperature})
-        for (const float difference : {9e-7f, 1.1e-6f}) {
-            MadeShader<Params> other(kTwinID);
-            other.Record() = fRecord;
-            fRecord.*field = 0;
-            other.Record().*field = difference;
-            EXPECT_EQ(fFresnel->SameParameters(&*other) != 0, difference < 1e-6f);
-        }
+    const auto same = [&](const std::function<void(Params&)>& change) {
+        MadeShader<Params> other(kTwinID);
+        other.Record() = fRecord;
+        change(other.Record());
+        const bool answer = fFresnel->SameParameters(&*other) != 0;
+        EXPECT_EQ(other->SameParameters(&*fFresnel) != 0, answer);
+        return answer;
+    };
+    for (const auto field : {&Params::fIndex1Re, &Params::fIndex1Im, &Params::fIndex2Re, &Params::fIndex2Im,
+             &Params::fPermeability1, &Params::fPermeability2, &Params::fPolarization,
+             &Params::fIndex2ReOffset, &Params::fIndex2ImOffset, &Params::fPermeability2Offset,
+             &Params::fWavelength, &Params::fDispersion, &Params::fIndex2ReAtWavelength,
+             &Params::fIndex2ImAtWavelength, &Params::fTemperature}) {
+        fRecord.*field = 0;
+        for (const float difference : {9e-7f, 1.1e-6f, kNaN})
+            EXPECT_EQ(same([&](Params& other) { other.*field = difference; }), difference < 1e-6f);
+    }
+    const auto plugged = FakeValue(1);
+    EXPECT_FALSE(same([](Params& other) { other.fCameraName = "Ey"; }));
+    EXPECT_FALSE(same([&](Params& other) { Plug(other.fSubShader, plugged); }));
+    EXPECT_FALSE(same([](Params& other) { other.fMixStyle = Code("SHMX"); }));
+    EXPECT_FALSE(same([](Params& other) { other.fMode = kTransmittanceMode; }));
+    EXPECT_FALSE(same([](Params& other) { other.fPreset1 = 4; }));
+    EXPECT_FALSE(same([](Params& other) { other.fIlluminantPreset = 4; }));
+    EXPECT_FALSE(same([](Params& other) { other.fColored = true; }));
+    EXPECT_TRUE(same([](Params& other) {
+        other.fPreset2 = 4;
+        other.fWavelengthColor = other.fIlluminantColor = {1, 2, 3, 4};
+        other.fWavelengthLinear = {1, 2, 3};
+        other.fWhiteX = other.fWhiteY = 0.5f;
+    }));
 }
 
 TEST_F(FresnelTest, SurvivesAnyNumber)
@@ -294,25 +409,51 @@ TEST_F(FresnelTest, ServesThePanel)
         return ElementsAre(Pair(part, 0), Pair(Code("re32"), number), Pair(Code("Rfsh"), 1));
     };
     fFresnel.Changed();
-    fRecord.fIndex2ReOffset = fRecord.fIndex2ImOffset = fRecord.fPermeability2Offset = 0.25f;
-    EXPECT_THAT(notes(3, Code("N2rs")), shows(Code("N2Re"), 1.51673f + 0.25f));
-    EXPECT_THAT(notes(3, Code("N2is")), shows(Code("N2Im"), 1e-5f + 0.25f));
-    EXPECT_THAT(notes(3, Code("N2Ms")), shows(Code("N2Mr"), 1.25f));
+    for (const float offset : {0.25f, 0.5f}) { // each from the value before any of them
+        fRecord.fIndex2ReOffset = fRecord.fIndex2ImOffset = fRecord.fPermeability2Offset = offset;
+        EXPECT_THAT(notes(3, Code("N2rs")), shows(Code("N2Re"), 1.51673f + offset));
+        EXPECT_THAT(notes(3, Code("N2is")), shows(Code("N2Im"), 1e-5f + offset));
+        EXPECT_THAT(notes(3, Code("N2Ms")), shows(Code("N2Mr"), 1 + offset));
+    }
     EXPECT_THAT(notes(3, Code("Diss")),
         ElementsAre(Pair(Code("CstR"), 1), Pair(Code("SnpV"), 0), Pair(Code("MinV"), -10000),
             Pair(Code("MAxV"), 10000), Pair(Code("MnDp"), -0.25f), Pair(Code("MxDp"), 0.25f)));
 
     for (const int32_t none : {31, 32, -1, INT32_MIN})
         EXPECT_EQ(notes(5, Code("PRS1"), none).size() + notes(5, Code("PRS2"), none).size(), 2u);
-    EXPECT_EQ(notes(5, Code("PRS1"), 0).back().first, kPartRefresh);
-    EXPECT_TRUE(fRecord.fIndex1Re == 1.33283f && fRecord.fPreset1 == 0);
+    const auto choose = [&](const char(&list)[5], int32_t row) {
+        EXPECT_THAT(notes(5, Code(list), row), ElementsAre(Pair(Code(list), 0), Pair(kPartRefresh, 1)));
+    };
+    choose("PRS1", 12);
+    EXPECT_TRUE(fRecord.fIndex1Re == 2.93f && fRecord.fIndex1Im == 2 && fRecord.fPermeability1 == 300);
+    EXPECT_TRUE(fRecord.fPreset1 == 12 && fRecord.fDispersion == 0.017f);
+    choose("PRS2", 23);
+    EXPECT_TRUE(
+        fRecord.fIndex2Re == 1.39f && fRecord.fIndex2Im == 7.1f && fRecord.fPermeability2 == 4.000022f);
+    EXPECT_TRUE(fRecord.fPreset2 == 23 && fRecord.fDispersion == -1.182f && fRecord.fPreset1 == 12);
+    choose("PRS1", 30);
+    choose("PRS2", 30);
+    EXPECT_TRUE(fRecord.fPreset1 == 0 && fRecord.fPreset2 == 0) << "found anew, as in a change";
+
+    // The same row again works anew: what was seen of medium 1 is forgotten, whichever medium the list is of.
+    const auto share = [](double index1) { return std::pow((1.51673 - index1) / (1.51673 + index1), 2); };
+    choose("PRS1", 1);
+    choose("PRS2", 2);
     fRecord.fMode = kTransmittanceMode;
-    notes(5, Code("PRS2"), 2);
+    choose("PRS1", 1);
+    EXPECT_NEAR(Shade(0), 1 - share(1.00027), 1e-5);
+    choose("PRS1", 0);
     fRecord.fMode = kReflectanceMode;
     fRecord.fIndex2ReOffset = fRecord.fIndex2ImOffset = fRecord.fPermeability2Offset = 0.5f;
-    notes(5, Code("PRS2"), 2); // the same row: what was seen of medium 1 is forgotten all the same
-    EXPECT_TRUE(fRecord.fDispersion == 0.0089f && fRecord.fIndex2ImOffset == 0);
-    EXPECT_NEAR(Shade(0), std::pow((1.51673 - 1.33283) / (1.51673 + 1.33283), 2), 1e-5);
+    choose("PRS2", 2);
+    EXPECT_TRUE(
+        fRecord.fIndex2ReOffset == 0 && fRecord.fIndex2ImOffset == 0 && fRecord.fPermeability2Offset == 0);
+    EXPECT_NEAR(Shade(0), share(1.33283), 1e-5);
+    fRecord.fIndex1Re = 1.2f; // of no row, so there is nothing to forget
+    fFresnel.Changed();
+    fRecord.fMode = kTransmittanceMode;
+    choose("PRS2", 2);
+    EXPECT_NEAR(Shade(0), 1 - share(1.33283), 1e-5) << "as it was";
 
     panel->fHasParts = false;
     EXPECT_TRUE(notes(5, Code("PRS2"), 9).empty() && notes(3, Code("N2rs")).empty());

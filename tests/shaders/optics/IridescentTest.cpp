@@ -1,6 +1,7 @@
 #include "shaders/optics/Iridescent.h"
 #include "tests/support/FakeScene.h"
 #include "tests/support/ShaderTest.h"
+#include <functional>
 
 namespace {
 
@@ -39,6 +40,10 @@ TEST_F(IridescentTest, AddsTheBandsAroundTheAngle)
 {
     EXPECT_THAT(ShadeAt(0), IsColor(0.5f, 0, 1, 0.125f)); // blue limited: band 1 has weight there too
     EXPECT_NEAR(ShadeAt(7.5).fRed, 0.5 * (1 - 3 * 7.5 * kRadiansPerDegree), 1e-6);
+    const double beside = 1 - 3 * 15 * kRadiansPerDegree; // of a band 15 degrees away
+    const TMCColorRGBA orange = ShadeAt(75);
+    EXPECT_TRUE(orange.fRed == 1 && orange.fBlue == 0);
+    EXPECT_NEAR(orange.fGreen, 0.5 + beside, 1e-6);
     fRecord.fBands[0].fColor = {0.5f, -2, 0, 1}; // no lower limit
     EXPECT_FLOAT_EQ(ShadeAt(0).fGreen, -2);
     fRecord.fBands[0].fWidth = 0; // with weight 1 everywhere
@@ -66,19 +71,20 @@ TEST_F(IridescentTest, TheSubShaderOffsetsTheAngle)
     const auto plugged = FakeColor({0, 1, 0, 1});
     plugged->fValue = 0.25f;
     Plug(fRecord.fSubShader, plugged);
-    ExpectAngle(kHalfPi);
+    for (const uint32_t other : {Code("SMMX"), 0, Code("shmx")}) {
+        fRecord.fMixStyle = other;
+        ExpectAngle(kHalfPi);
+    }
     fRecord.fMixStyle = Code("SHMX");
     const struct {
         uint32_t kinds;
         float green;
         double offset;
     } kSamples[] = {
-        {kOutputColor, 2, -0.5}, // above 1, and none before
-        {kOutputColor | kOutputValue, 1, 0.09},
-        {kOutputColor, 2, 0.09}, // the last one
-        {kOutputSurface | kOutputValue, 1, -0.25},
-        {kOutputSurface, 1, -0.5}, // not asked for its colour
-        {kOutputColor, 2, -0.5},
+        {kOutputColor, 2, -0.5},                                              // above 1, and none before
+        {kOutputColor | kOutputValue, 1, 0.09}, {kOutputColor, 2, 0.09},      // the last one
+        {kOutputSurface | kOutputValue, 1, -0.25}, {kOutputSurface, 1, -0.5}, // not asked for its colour
+        {kOutputColor, 2, -0.5}, {kOutputColor, 1 / 0.59f, 0.5},              // 1 isn't above 1
     };
     for (const auto& [kinds, green, offset] : kSamples) {
         plugged->fKinds = kinds;
@@ -90,6 +96,15 @@ TEST_F(IridescentTest, TheSubShaderOffsetsTheAngle)
     fRecord.fSubShader = nullptr;
     fIridescent.Changed();
     ExpectAngle(kHalfPi - 0.5);
+    fFullArea = true;
+    Shade();
+    EXPECT_FALSE(fFullArea);
+    const auto noShader = fernwick::MakeCounted<FakeScene>();
+    fRecord.fSubShader = static_cast<ITreeElement*>(noShader->fRoot);
+    EXPECT_EQ(fIridescent.Changed(), kMCNoInterface);
+    ExpectAngle(kHalfPi - 0.5);
+    fRecord.fSubShader = nullptr;
+    EXPECT_EQ(fIridescent.Changed(), MC_S_OK);
     fIn.fNormalGlobal = {};
     ExpectAngle(0); // no angle becomes 0, as one below 0 does
 }
@@ -117,10 +132,55 @@ TEST_F(IridescentTest, TheReferenceIsTheFixedDirectionOrTheLastFoundElement)
     expectAngle(kPi / 3, {1, 1, 4}, {});
     fIn.fInstance = nullptr;
     expectAngle(kPi / 3, {9, 1, 1}, {"shadingIn.fInstance", "scene"});
-    fRecord.fReferenceMode = Code("RFVT");
+    for (const uint32_t other : {Code("RFVT"), 0, Code("objt")}) {
+        fRecord.fReferenceMode = other;
+        expectAngle(kPi / 3, {9, 1, 1}, {});
+    }
+    fRecord.fAzimuth = 0; // the angles are turned into a direction by a change alone
     expectAngle(kPi / 3, {9, 1, 1}, {});
+    fRecord.fAzimuth = 60;
     fIridescent.Changed();
     expectAngle(0, {9, 1, 1}, {});
+
+    const TVector3 way(0x1.a099eep-1f, 0x1.ffb5e4p-1f, -0x1.dac958p-3f);
+    fIn.fNormalGlobal = TVector3() - way; // rounding brings the cosine of these below -1
+    fIn.fPointGlobal = {};
+    fIn.fInstance = static_cast<ITreeElement*>(scene->fRoot);
+    fRecord.fReferenceMode = Code("OBJT");
+    expectAngle(kPi, way, {});
+}
+
+TEST_F(IridescentTest, SameParametersFieldByFieldAndFromBothSides)
+{
+    const auto same = [&](const std::function<void(IridescentParams&)>& change) {
+        MadeShader<IridescentParams> other(kIridescentID);
+        change(other.Record());
+        const bool answer = fIridescent->SameParameters(&*other) != 0;
+        EXPECT_EQ(other->SameParameters(&*fIridescent) != 0, answer);
+        return answer;
+    };
+    for (const int band : {0, 3, 6}) {
+        for (float IridescentBand::*const number : {&IridescentBand::fCenter, &IridescentBand::fWidth})
+            for (const float sign : {1.0f, -1.0f})
+                EXPECT_FALSE(same([&](IridescentParams& other) {
+                    float& value = other.fBands[band].*number;
+                    value = std::nextafter(value, sign * kInfinity); // exactly
+                }));
+        for (float TMCColorRGBA::*const channel :
+            {&TMCColorRGBA::fRed, &TMCColorRGBA::fGreen, &TMCColorRGBA::fBlue, &TMCColorRGBA::fAlpha})
+            EXPECT_EQ(same([&](IridescentParams& other) { other.fBands[band].fColor.*channel += 0.25f; }),
+                channel == &TMCColorRGBA::fAlpha);
+    }
+    const auto plugged = FakeValue(1);
+    for (TMCBool IridescentParams::*const flag : {&IridescentParams::fHoldLastBand,
+             &IridescentParams::fSameWidth, &IridescentParams::fGrey, &IridescentParams::fInvertGrey})
+        EXPECT_FALSE(same([&](IridescentParams& other) { other.*flag = !(other.*flag); }));
+    for (float IridescentParams::*const angle : {&IridescentParams::fAzimuth, &IridescentParams::fElevation})
+        EXPECT_FALSE(same([&](IridescentParams& other) { other.*angle = 1e-30f; }));
+    EXPECT_FALSE(same([](IridescentParams& other) { other.fMixStyle = Code("SHMX"); }));
+    EXPECT_FALSE(same([&](IridescentParams& other) { Plug(other.fSubShader, plugged); }));
+    EXPECT_FALSE(same([](IridescentParams& other) { other.fObjectName = "Lamp"; }));
+    EXPECT_TRUE(same([](IridescentParams& other) { other.fReferenceMode = Code("OBJT"); }));
 }
 
 } // namespace
