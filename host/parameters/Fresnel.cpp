@@ -2,6 +2,20 @@
 #include "host/parameters/Notation.h"
 #include "module/ClassIDs.h"
 
+namespace {
+
+// The ends of the tables of the spectrum, nm.
+constexpr double kFirstWavelength = 380;
+constexpr double kLastWavelength = 825;
+
+// What the shader sets as the ends of the panel's slider of the dispersion.
+constexpr double kDispersionLimit = 10000;
+
+constexpr const char* kFineAdjustment = "Added to the value that was last set, on an object that lives, as "
+                                        "in a panel. In a graph it always counts as 0.";
+
+} // namespace
+
 template <> inline constexpr fernwick::FieldType fernwick::kFieldTypeOf<Float3> = FieldType::kVector3;
 
 fernwick::ParameterTable FresnelTable()
@@ -27,15 +41,19 @@ fernwick::ParameterTable FresnelTable()
             FIELD(FresnelParams, fPermeability2, "Permeability 2",
                 "Relative magnetic permeability of medium 2."),
             FIELD(FresnelParams, fPolarization, "Polarisation", "Share of the light that is s-polarised.")
-                .Unit("%"),
+                .Unit("%")
+                .Range(0, 100),
             FIELD(FresnelParams, fMode, "Output",
                 "A change of the output alone keeps the old tables: change another parameter with it.")
                 .Choices({{"RSel", "Reflectance"}, {"TSel", "Transmittance"}}),
-            FIELD(FresnelParams, fIndex2ReOffset, "Adjust index 2, real", "Fine adjustment."),
-            FIELD(FresnelParams, fIndex2ImOffset, "Adjust index 2, imaginary", "Fine adjustment."),
-            FIELD(FresnelParams, fPermeability2Offset, "Adjust permeability 2", "Fine adjustment."),
-            FIELD(FresnelParams, fWavelength, "Wavelength", "Of the light.").Unit("nm"),
-            FIELD(FresnelParams, fDispersion, "Dispersion", "Strength of the dispersion of medium 2."),
+            FIELD(FresnelParams, fIndex2ReOffset, "Adjust index 2, real", kFineAdjustment),
+            FIELD(FresnelParams, fIndex2ImOffset, "Adjust index 2, imaginary", kFineAdjustment),
+            FIELD(FresnelParams, fPermeability2Offset, "Adjust permeability 2", kFineAdjustment),
+            FIELD(FresnelParams, fWavelength, "Wavelength", "Of the light.")
+                .Unit("nm")
+                .Range(kFirstWavelength, kLastWavelength),
+            FIELD(FresnelParams, fDispersion, "Dispersion", "Strength of the dispersion of medium 2.")
+                .Range(-kDispersionLimit, kDispersionLimit),
             FIELD(FresnelParams, fIndex2ReAtWavelength, "Index 2 at the wavelength, real", "Dispersed.")
                 .Derived(),
             FIELD(FresnelParams, fIndex2ImAtWavelength, "Index 2 at the wavelength, imaginary", "Dispersed.")
@@ -47,14 +65,18 @@ fernwick::ParameterTable FresnelTable()
                 "The row of presets that medium 2 matches; 31 for none.")
                 .Derived(),
             FIELD(FresnelParams, fIlluminantPreset, "Illuminant",
-                "1 to 13: 3000 K to 9000 K in steps of 500 K; 14: 9300 K; 15: the typed temperature."),
+                "The light that the wavelength is part of: daylight of a temperature, or what is typed.")
+                .Choices({{1, "3000 K"}, {2, "3500 K"}, {3, "4000 K"}, {4, "4500 K"}, {5, "5000 K"},
+                    {6, "5500 K"}, {7, "6000 K"}, {8, "6500 K"}, {9, "7000 K"}, {10, "7500 K"},
+                    {11, "8000 K"}, {12, "8500 K"}, {13, "9000 K"}, {14, "9300 K"}, {15, "Typed"}}),
             FIELD(FresnelParams, fColored, "Coloured", "In the hue of the wavelength instead of grey."),
             FIELD(FresnelParams, fWavelengthColor, "Colour of the wavelength", "For display.").Derived(),
             FIELD(FresnelParams, fWavelengthLinear, "Linear colour of the wavelength", "Before encoding.")
                 .Derived(),
             FIELD(FresnelParams, fIlluminantColor, "Colour of the illuminant", "For display.").Derived(),
             FIELD(FresnelParams, fTemperature, "Temperature",
-                "Of the illuminant. Typed, it makes the illuminant 15.")
+                "Of the illuminant 15. In a graph it counts only together with that; every other illuminant "
+                "writes its own temperature here. Changed in a panel, it makes the illuminant 15.")
                 .Unit("K"),
             FIELD(FresnelParams, fWhiteX, "White x", "Chromaticity of the illuminant.").Derived(),
             FIELD(FresnelParams, fWhiteY, "White y", "Chromaticity of the illuminant.").Derived(),
