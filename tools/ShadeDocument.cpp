@@ -5,7 +5,9 @@
 #include "tools/Commands.h"
 #include "tools/Names.h"
 #include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
+#include <optional>
 
 namespace {
 
@@ -80,6 +82,18 @@ constexpr Argument kArguments[] = {
     {"gradient", "along"},
 };
 
+/// Takes a choice such as `:linear` off the end of a picture's name, unless there is a file of the whole name.
+std::optional<std::string> TakeEncoding(const fernwick::Field& encoding, std::string& name)
+{
+    std::error_code ignored;
+    for (const fernwick::Choice& choice : encoding.fChoices)
+        if (name.ends_with(':' + choice.fLabel) && !std::filesystem::exists(name, ignored)) {
+            name.resize(name.size() - choice.fLabel.size() - 1);
+            return choice.fLabel;
+        }
+    return std::nullopt;
+}
+
 /// The source that a text such as `checker`, `ramp:v` or `color:#ff8800` describes.
 Json SourceOf(const std::string& text)
 {
@@ -93,7 +107,10 @@ Json SourceOf(const std::string& text)
         [&name](const Argument& candidate) { return candidate.source == name; });
     if (argument == std::end(kArguments))
         throw UsageError(fmt::format("--plug: {} takes nothing behind a colon", name));
-    const std::string value = text.substr(colon + 1);
+    std::string value = text.substr(colon + 1);
+    if (const fernwick::Field* const encoding = kind->fTable.Find("encoding"))
+        if (const auto label = TakeEncoding(*encoding, value))
+            source["encoding"] = *label;
     source[argument->field] = ValueOf(kind->fTable, {argument->field, value});
     return source;
 }

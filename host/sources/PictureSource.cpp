@@ -1,20 +1,46 @@
 #include "host/sources/PictureSource.h"
+#include "host/files/PictureAttributes.h"
 #include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
+#include <OpenImageIO/strutil.h>
 #include <algorithm>
+#include <array>
+#include <fmt/format.h>
 
 namespace fernwick {
 
 namespace {
 
+constexpr int kLongestSide = 65536;                      // pixels
+constexpr OIIO::imagesize_t kMostPixels = 16384 * 16384; // 4 GB of colours
+
 SourceError Unreadable(const std::filesystem::path& file, const std::string& reason)
 {
-    return SourceError("file: " + file.string() + " can't be read: " + reason);
+    return SourceError("file: " + file.string()
+        + " can't be read: " + (reason.empty() ? "it is cut off or damaged" : reason));
+}
+
+/// Throws when a decoder tells what no picture has, or more than the memory is for.
+void RequireSensible(const OIIO::ImageSpec& layout, const std::filesystem::path& file)
+{
+    if (layout.deep || layout.depth > 1)
+        throw Unreadable(file, "it is no flat picture");
+    const auto isSide = [](int side) { return side >= 1 && side <= kLongestSide; };
+    if (!isSide(layout.width) || !isSide(layout.height) || layout.image_pixels() > kMostPixels)
+        throw Unreadable(file,
+            fmt::format("it is said to have {} x {} pixels; the most are 16384 x 16384", layout.width,
+                layout.height));
+    const bool hasTiles = layout.tile_width != 0;
+    if (layout.nchannels < 1 || (hasTiles && (!isSide(layout.tile_width) || !isSide(layout.tile_height))))
+        throw Unreadable(file, "");
 }
 
 /// Opens a picture and tells how it is laid out.
 std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::ImageSpec& layout)
 {
+    // Some decoders take the memory for a whole picture while they open it.
+    constexpr int kMostMegabytes = static_cast<int>(kMostPixels * sizeof(TMCColorRGBA) >> 20);
+    [[maybe_unused]] static const bool isLimited = OIIO::attribute("limits:imagesize_MB", kMostMegabytes);
     if (file.empty())
         throw SourceError("file: expected the name of a picture file, got none");
     if (!std::filesystem::is_regular_file(file))
@@ -26,23 +52,109 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::
         throw Unreadable(file, OIIO::geterror());
     if (!input->open(file.string(), layout, wishes))
         throw Unreadable(file, input->geterror());
-    if (layout.deep || layout.depth > 1)
-        throw Unreadable(file, "it is no flat picture");
+    RequireSensible(layout, file);
     return input;
 }
 
-/// The channels of a picture that stand for red, green and blue: the first one for all when there are fewer.
-std::vector<int> ColorChannels(const OIIO::ImageSpec& layout)
+/// The channel that is the alpha, -1 without one. The decoder of GIF files names the one behind the last.
+int AlphaChannel(const OIIO::ImageSpec& layout)
 {
-    std::vector<int> channels;
-    for (int channel = 0; channel < layout.nchannels && channels.size() < 3; ++channel)
-        if (channel != layout.alpha_channel)
-            channels.push_back(channel);
-    if (channels.empty())
-        channels.push_back(0);
-    while (channels.size() < 3)
-        channels.push_back(channels.front());
-    return channels;
+    if (layout.alpha_channel < layout.nchannels)
+        return std::max(layout.alpha_channel, -1);
+    const auto& names = layout.channelnames;
+    const auto place = std::find(names.begin(), names.end(), "A") - names.begin();
+    return place < std::min<ptrdiff_t>(std::ssize(names), layout.nchannels) ? static_cast<int>(place) : -1;
+}
+
+/// Where red, green, blue and alpha lie in the numbers of a pixel.
+struct Channels {
+    std::array<int, 3> colors;
+    int alpha; ///< -1 for none
+    int count; ///< from the first channel of the file to the last that is needed
+};
+
+/// A picture with fewer than three channels beside the alpha is grey, and shows the first.
+Channels FindChannels(const OIIO::ImageSpec& layout)
+{
+    const int alpha = AlphaChannel(layout);
+    std::vector<int> colors;
+    for (int channel = 0; channel < layout.nchannels && colors.size() < 3; ++channel)
+        if (channel != alpha)
+            colors.push_back(channel);
+    if (colors.empty())
+        colors.push_back(0);
+    while (colors.size() < 3)
+        colors.push_back(colors.front());
+    return {{colors[0], colors[1], colors[2]}, alpha, std::max({colors[0], colors[2], alpha}) + 1};
+}
+
+bool IsEncoded(const OIIO::ImageSpec& layout, int32_t setting)
+{
+    if (setting != kEncodedAsUsual)
+        return setting == kEncodedSRGB;
+    const bool saysLinear = OIIO::Strutil::iequals(layout.get_string_attribute("oiio:ColorSpace"), "linear");
+    return !layout.format.is_floating_point() && !saysLinear;
+}
+
+bool IsPremultiplied(const OIIO::ImageSpec& layout, std::string_view format, int32_t setting)
+{
+    if (setting != kAlphaAsUsual)
+        return setting == kAlphaPremultiplied;
+    if (layout.get_int_attribute("oiio:UnassociatedAlpha") != 0
+        || layout.get_string_attribute(kAlphaAttribute) == kStraightAlpha)
+        return false;
+    return format == "openexr" || format == "tiff" || format == "webp";
+}
+
+/// How a pixel of a file becomes a colour.
+struct Decoding {
+    Channels channels;
+    bool isEncoded;
+    bool isPremultiplied;
+
+    TMCColorRGBA ColorOf(const float* pixel) const
+    {
+        TMCColorRGBA color;
+        color.fAlpha = channels.alpha >= 0 ? pixel[channels.alpha] : 1;
+        // Without an alpha there is nothing to divide by: light that covers nothing.
+        const float divisor = isPremultiplied && color.fAlpha != 0 ? color.fAlpha : 1;
+        for (uint32_t i = 0; i < 3; ++i) {
+            const float number = pixel[channels.colors[i]] / divisor;
+            color[i] = isEncoded ? OIIO::sRGB_to_linear(number) : number;
+        }
+        return color;
+    }
+};
+
+/// Reads a picture in stretches of rows, so that one that is cut off is refused before it takes memory.
+std::vector<TMCColorRGBA> ReadPixels(OIIO::ImageInput& input, const OIIO::ImageSpec& layout,
+    const Decoding& decoding, const std::filesystem::path& file)
+{
+    constexpr int kNumbersAtATime = 1 << 22;
+    const int count = decoding.channels.count;
+    const bool hasTiles = layout.tile_width != 0;
+    const int unit = hasTiles ? layout.tile_height : 1;
+    const int rows = std::max(kNumbersAtATime / (layout.width * count) / unit, 1) * unit;
+    std::vector<TMCColorRGBA> pixels;
+    std::vector<float> numbers;
+    for (int top = 0; top < layout.height; top += rows) {
+        const int height = std::min(rows, layout.height - top);
+        const auto width = static_cast<size_t>(layout.width);
+        numbers.assign(width * static_cast<size_t>(height) * static_cast<size_t>(count), 0);
+        const int y = layout.y + top;
+        const bool isRead = hasTiles
+            ? input.read_tiles(0, 0, layout.x, layout.x + layout.width, y, y + height, layout.z, layout.z + 1,
+                0, count, OIIO::TypeDesc::FLOAT, numbers.data())
+            : input.read_scanlines(
+                0, 0, y, y + height, layout.z, 0, count, OIIO::TypeDesc::FLOAT, numbers.data());
+        // Some decoders tell of a file that is cut off and yet make a picture of it.
+        if (!isRead || input.has_error())
+            throw Unreadable(file, input.geterror());
+        pixels.reserve(layout.image_pixels());
+        for (size_t i = 0; i < numbers.size(); i += static_cast<size_t>(count))
+            pixels.push_back(decoding.ColorOf(&numbers[i]));
+    }
+    return pixels;
 }
 
 struct Place {
@@ -69,25 +181,20 @@ TMCColorRGBA Mixed(TMCColorRGBA left, TMCColorRGBA right, float share)
 
 PictureSource::PictureSource(const Settings& settings)
 {
-    OIIO::ImageSpec layout;
-    const auto input = Open(settings.fFile, layout);
-    const size_t channelCount = static_cast<size_t>(layout.nchannels);
-    std::vector<float> numbers(layout.image_pixels() * channelCount);
-    if (!input->read_image(0, 0, 0, layout.nchannels, OIIO::TypeDesc::FLOAT, numbers.data()))
-        throw Unreadable(settings.fFile, input->geterror());
-
-    const bool encoded = settings.fEncoding == kEncodedSRGB
-        || (settings.fEncoding == kEncodedAsUsual && !layout.format.is_floating_point());
-    const std::vector<int> channels = ColorChannels(layout);
-    fWidth = layout.width;
-    fHeight = layout.height;
-    fPixels.resize(layout.image_pixels());
-    const float* pixel = numbers.data();
-    for (TMCColorRGBA& color : fPixels) {
-        for (uint32_t i = 0; i < 3; ++i)
-            color[i] = encoded ? OIIO::sRGB_to_linear(pixel[channels[i]]) : pixel[channels[i]];
-        color.fAlpha = layout.alpha_channel >= 0 ? pixel[layout.alpha_channel] : 1;
-        pixel += channelCount;
+    try {
+        OIIO::ImageSpec layout;
+        const auto input = Open(settings.fFile, layout);
+        const Decoding decoding = {FindChannels(layout), IsEncoded(layout, settings.fEncoding),
+            IsPremultiplied(layout, input->format_name(), settings.fAlpha)};
+        fPixels = ReadPixels(*input, layout, decoding, settings.fFile);
+        fWidth = layout.width;
+        fHeight = layout.height;
+    } catch (const SourceError&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw Unreadable(settings.fFile, "there isn't enough memory for it");
+    } catch (const std::exception& error) { // of a decoder
+        throw Unreadable(settings.fFile, error.what());
     }
 }
 

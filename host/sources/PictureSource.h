@@ -6,14 +6,22 @@ namespace fernwick {
 
 /// How the numbers in a picture file become colours. An alpha is never encoded.
 enum PictureEncoding : int32_t {
-    kEncodedAsUsual = 0, ///< sRGB in files of integers, linear in files of floats
+    kEncodedAsUsual = 0, ///< linear in files of floats and where a file says so, else sRGB
     kEncodedSRGB = 1,
     kEncodedLinear = 2,
+};
+
+/// Whether the colours in a picture file are multiplied by its alpha, as they are encoded.
+enum PictureAlpha : int32_t {
+    kAlphaAsUsual = 0, ///< as the file says; else multiplied in EXR, TIFF and WebP
+    kAlphaStraight = 1,
+    kAlphaPremultiplied = 2,
 };
 
 struct PictureSettings {
     std::filesystem::path fFile;
     int32_t fEncoding = kEncodedAsUsual;
+    int32_t fAlpha = kAlphaAsUsual;
 };
 
 /// A picture over the UV square, V up, repeated in both directions, with straight lines between the centres of
@@ -23,7 +31,8 @@ class PictureSource final : public ColorSource {
 public:
     using Settings = PictureSettings;
 
-    /// Reads the file, in any format that OpenImageIO knows. Throws `SourceError`.
+    /// Reads the file, in any format that OpenImageIO knows, up to 16384 by 16384 pixels. One that is cut off or
+    /// damaged is refused. Throws `SourceError`.
     explicit PictureSource(const Settings& settings);
 
     TMCColorRGBA ColorAt(const TVector2& uv) const override;

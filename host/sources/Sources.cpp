@@ -156,9 +156,18 @@ std::vector<SourceKind> MakeKinds()
                 FIELD(PictureSettings, fFile, "File", "The picture, in any format that OpenImageIO reads.")
                     .Named("file"),
                 FIELD(PictureSettings, fEncoding, "Encoding",
-                    "What the file's numbers are. Automatic: sRGB in files of integers, else linear.")
+                    "What the file's numbers are. Automatic: linear in files of floats or where the file "
+                    "says so, else "
+                    "sRGB.")
                     .Named("encoding")
                     .Choices({{kEncodedAsUsual, "auto"}, {kEncodedSRGB, "sRGB"}, {kEncodedLinear, "linear"}}),
+                FIELD(PictureSettings, fAlpha, "Alpha",
+                    "Whether the file's colours are multiplied by its alpha. Automatic: as the file says; "
+                    "else they "
+                    "are in EXR, TIFF and WebP.")
+                    .Named("alpha")
+                    .Choices({{kAlphaAsUsual, "auto"}, {kAlphaStraight, "straight"},
+                        {kAlphaPremultiplied, "premultiplied"}}),
             }),
         Kind<Checker>("checker", "Two colours in turn, as on a chessboard.",
             {

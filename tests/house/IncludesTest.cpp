@@ -32,21 +32,23 @@ constexpr Room kHouse[] = {
     {"shaders/layers", "frame"},
     {"shaders/patterns", "frame"},
     {"module", "frame " SHADERS},
+    {"host/files", ""},
     {"host/threads", ""},
     {"host/library", "frame module"},
     {"host/parameters", "frame module " SHADERS},
     {"host/json", "frame host/parameters"},
-    {"host/sources", "frame host/library host/parameters"},
+    {"host/sources", "frame host/files host/library host/parameters"},
     {"host/geometry", "frame host/threads"},
     {"host/scene", "frame host/library host/geometry"},
     {"host/documents", "frame host/parameters host/json host/sources host/geometry host/scene"},
-    {"host/pictures", "frame"},
+    {"host/pictures", "frame host/files"},
     {"host/shading",
         "frame module shaders/optics shaders/scene host/threads host/library host/geometry host/scene"
         " host/documents host/pictures"},
     {"host/validation", "frame module host/library host/parameters"},
     {"tools",
-        "frame host/library host/parameters host/json host/sources host/documents host/pictures host/shading"
+        "frame host/files host/library host/parameters host/json host/sources host/documents host/pictures "
+        "host/shading"
         " host/validation"},
 };
 

@@ -2,6 +2,8 @@
 #include "host/documents/GraphDocument.h"
 #include "tests/host/parameters/TableChecks.h"
 #include "tests/support/ShaderTest.h"
+#include "tests/support/Shell.h"
+#include <OpenImageIO/imageio.h>
 #include <filesystem>
 #include <fstream>
 
@@ -155,6 +157,58 @@ TEST_F(SourcesTest, PicturesAreDecodedByTheirEncodingAndKeepAStraightAlpha)
 
     const PictureFile broken("fernwick.png", "no picture");
     EXPECT_THROW(colorOf(R"("fernwick.png")"), GraphError);
+}
+
+/// A file of 16 by 16 equal pixels as OpenImageIO writes it.
+std::string FileOf(const std::string& format, const std::vector<float>& pixel)
+{
+    constexpr int kSide = 16;
+    std::vector<float> pixels;
+    for (int i = 0; i < kSide * kSide; ++i)
+        pixels.insert(pixels.end(), pixel.begin(), pixel.end());
+    const auto path = std::filesystem::path(testing::TempDir()) / ("fernwick_written." + format);
+    const OIIO::ImageSpec layout(kSide, kSide, static_cast<int>(pixel.size()), OIIO::TypeDesc::UINT8);
+    const auto output = OIIO::ImageOutput::create(path.string());
+    EXPECT_TRUE(output && output->open(path.string(), layout)
+        && output->write_image(OIIO::TypeDesc::FLOAT, pixels.data()) && output->close());
+    const std::string bytes = FileText(path);
+    std::filesystem::remove(path);
+    return bytes;
+}
+
+TEST_F(SourcesTest, ADecoderIsntTrusted)
+{
+    const auto colorOf = [this](const std::string& name) {
+        return ColorAt(*Source(R"("picture", "encoding": "linear", "file": ")" + name + '"'), 0.5f, 0.5f);
+    };
+    const auto errorOf = [&](const std::string& name) -> std::string {
+        try {
+            colorOf(name);
+        } catch (const GraphError& error) {
+            return error.what();
+        }
+        return "read";
+    };
+    const PictureFile gif(
+        "fernwick.gif", FileOf("gif", {1, 0, 0.2f, 1})); // its alpha is told to lie behind the last
+    EXPECT_TRUE(colorOf("fernwick.gif").Equals({1, 0, 0.2f, 1}, 1e-6f));
+    const PictureFile pair("fernwick.tif", FileOf("tif", {0.4f, 0.6f})); // a channel too few for a colour
+    EXPECT_TRUE(colorOf("fernwick.tif").Equals({0.4f, 0.4f, 0.4f, 1}, 1e-6f));
+    const PictureFile multiplied("fernwick_multiplied.tif", FileOf("tif", {0.4f, 0.2f, 0.2f, 0.8f}));
+    EXPECT_TRUE(colorOf("fernwick_multiplied.tif").Equals({0.5f, 0.25f, 0.25f, 0.8f}, 1e-6f));
+
+    for (const char* const format : {"jpg", "png", "tif", "bmp", "gif", "exr"}) {
+        const std::string bytes = FileOf(format, {0.3f, 0.5f, 0.7f});
+        const std::string name = std::string("fernwick_cut.") + format;
+        const PictureFile cut(name, bytes.substr(0, bytes.size() - 24)); // some of the pixels too
+        EXPECT_THAT(errorOf(name), testing::HasSubstr(name + " can't be read: ")) << format;
+    }
+
+    using namespace std::string_literals;
+    const PictureFile huge("fernwick_huge.png",
+        "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\xea\x60\0\0\xea\x60\x08\x06\0\0\0\x80\xd2\x75\x42\0\0\0\0IDAT\x35\xaf\x06\x1e"s);
+    EXPECT_THAT(errorOf("fernwick_huge.png"),
+        testing::HasSubstr("it is said to have 60000 x 60000 pixels; the most are 16384 x 16384"));
 }
 
 } // namespace

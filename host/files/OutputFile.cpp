@@ -1,0 +1,249 @@
+#include "host/files/OutputFile.h"
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <mutex>
+#include <random>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace fernwick {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kStdout = "-";
+
+std::mutex gWriting; // one file at a time has the name below
+char gUnfinished[PATH_MAX];
+std::atomic<bool> gIsUnfinished{false};
+static_assert(std::atomic<bool>::is_always_lock_free); // for signal handlers
+
+[[noreturn]] void Fail(const fs::path& path, int reason)
+{
+    const std::string name = path == kStdout ? "stdout" : path.string();
+    throw FileError(fmt::format("{}: can't be written: {}", name, std::generic_category().message(reason)));
+}
+
+/// Looks up what is there under a name, links followed.
+/// @return false, with the reason in errno, when there is nothing
+bool Look(const fs::path& path, struct stat& found) { return stat(path.c_str(), &found) == 0; }
+
+bool MayWrite(const fs::path& path) { return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0; }
+
+/// The file that a name leads to in the end, which needn't be there.
+fs::path EndOf(const fs::path& path)
+{
+    constexpr int kMostLinks = 40; // as many as the kernel follows
+    fs::path end = path;
+    std::error_code failure;
+    for (int links = 0; fs::is_symlink(end, failure); ++links) {
+        if (links == kMostLinks)
+            Fail(path, ELOOP);
+        end = end.parent_path() / fs::read_symlink(end, failure);
+        if (failure)
+            Fail(path, failure.value());
+    }
+    return end;
+}
+
+/// An open file, closed with what holds it.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : fNumber(number) { }
+    ~Descriptor() { Close(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int Number() const { return fNumber; }
+    /// @return false when the last bytes didn't get to the file
+    bool Close()
+    {
+        const int number = std::exchange(fNumber, -1);
+        return number < 0 || close(number) == 0;
+    }
+
+private:
+    int fNumber;
+};
+
+/// @return false, with the reason in errno, when not all bytes could be written
+bool WriteAll(int file, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written > 0)
+            bytes.remove_prefix(static_cast<size_t>(written));
+        else if (written == 0 || errno != EINTR)
+            return false;
+    }
+    return true;
+}
+
+/// A file beside another one under a passing name, removed unless it got the other's.
+class UnfinishedFile {
+public:
+    /// @param final     the file that it is to be
+    /// @param reported  what messages call it
+    UnfinishedFile(fs::path final, const fs::path& reported)
+        : fFinal(std::move(final)), fReported(reported), fLock(gWriting), fFile(Create())
+    { }
+    ~UnfinishedFile()
+    {
+        unlink(gUnfinished);
+        gIsUnfinished = false;
+    }
+    UnfinishedFile(const UnfinishedFile&) = delete;
+    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+
+    void Write(std::string_view bytes)
+    {
+        if (!WriteAll(fFile.Number(), bytes) || fsync(fFile.Number()) != 0)
+            Fail(fReported, errno);
+    }
+    /// Takes over owner and mode of the file that it replaces.
+    void Resemble(const struct stat& old)
+    {
+        // Only the superuser may give a file away; for others it stays theirs.
+        [[maybe_unused]] const int ignored = fchown(fFile.Number(), old.st_uid, old.st_gid);
+        if (fchmod(fFile.Number(), old.st_mode & 07777) != 0)
+            Fail(fReported, errno);
+    }
+    void Finish()
+    {
+        if (!fFile.Close() || std::rename(gUnfinished, fFinal.c_str()) != 0)
+            Fail(fReported, errno);
+    }
+
+private:
+    fs::path fFinal;
+    fs::path fReported;
+    std::lock_guard<std::mutex> fLock;
+    Descriptor fFile;
+
+    int Create() const
+    {
+        constexpr size_t kMostOfName = 200; // bytes; what comes behind must fit in too
+        constexpr int kAttempts = 8;
+        const std::string start = fFinal.filename().string().substr(0, kMostOfName);
+        for (int attempt = 1;; ++attempt) {
+            fs::path name
+                = fFinal.parent_path() / fmt::format("{}.{:08x}.part", start, std::random_device()());
+            if (name.native().size() >= sizeof gUnfinished)
+                Fail(fReported, ENAMETOOLONG);
+            std::strcpy(gUnfinished, name.c_str());
+            gIsUnfinished = true; // before it is there, so that there is no moment between
+            const int file = open(gUnfinished, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            if (file >= 0)
+                return file;
+            const int reason = errno;
+            gIsUnfinished = false;
+            if (reason != EEXIST || attempt == kAttempts)
+                Fail(fReported, reason);
+        }
+    }
+};
+
+void WriteStream(const fs::path& path, std::string_view bytes)
+{
+    if (path == kStdout) {
+        if (std::fflush(stdout) != 0 || !WriteAll(STDOUT_FILENO, bytes))
+            Fail(path, errno);
+        return;
+    }
+    Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    if (file.Number() < 0 || !WriteAll(file.Number(), bytes) || !file.Close())
+        Fail(path, errno);
+}
+
+void RequireStream(const fs::path& path)
+{
+    if (path != kStdout && !MayWrite(path))
+        Fail(path, errno);
+    const int flags = path == kStdout ? fcntl(STDOUT_FILENO, F_GETFL) : O_WRONLY;
+    if (flags < 0 || (flags & O_ACCMODE) == O_RDONLY)
+        Fail(path, EBADF);
+}
+
+/// Throws when what is there under the name may not be replaced.
+/// @return whether there is a file
+bool RequireReplaceable(const fs::path& path, struct stat& old)
+{
+    if (!Look(path, old)) {
+        if (errno != ENOENT)
+            Fail(path, errno);
+        return false;
+    }
+    if (S_ISDIR(old.st_mode))
+        throw FileError(path.string() + ": is a folder");
+    if (!MayWrite(path))
+        Fail(path, errno);
+    return true;
+}
+
+/// The innermost folder that is there of those that a file is to lie in.
+fs::path FolderThatIs(const fs::path& file)
+{
+    struct stat found;
+    fs::path folder = file.parent_path();
+    while (!folder.empty() && !Look(folder, found) && errno == ENOENT)
+        folder = folder.parent_path();
+    return folder;
+}
+
+} // namespace
+
+bool IsStream(const fs::path& path)
+{
+    struct stat found;
+    return path == kStdout || (Look(path, found) && !S_ISREG(found.st_mode) && !S_ISDIR(found.st_mode));
+}
+
+void RequireWritable(const fs::path& path)
+{
+    if (IsStream(path))
+        return RequireStream(path);
+    struct stat old;
+    RequireReplaceable(path, old);
+    const fs::path end = EndOf(path);
+    constexpr size_t kPage = 4096; // bytes; a full disk may still take a name
+    UnfinishedFile(FolderThatIs(end) / end.filename(), path).Write(std::string(kPage, '\0'));
+}
+
+void MakeFolderOf(const fs::path& path)
+{
+    const fs::path folder = EndOf(path).parent_path();
+    std::error_code failure;
+    if (!folder.empty())
+        fs::create_directories(folder, failure);
+    if (failure)
+        throw FileError(fmt::format("{}: its folder can't be made: {}", path.string(), failure.message()));
+}
+
+void WriteFile(const fs::path& path, std::string_view bytes)
+{
+    if (IsStream(path))
+        return WriteStream(path, bytes);
+    struct stat old;
+    const bool isThere = RequireReplaceable(path, old);
+    UnfinishedFile file(EndOf(path), path);
+    file.Write(bytes);
+    if (isThere)
+        file.Resemble(old);
+    file.Finish();
+}
+
+void RemoveUnfinishedFile() noexcept
+{
+    if (gIsUnfinished)
+        unlink(gUnfinished);
+}
+
+} // namespace fernwick

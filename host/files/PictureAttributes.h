@@ -1,0 +1,11 @@
+#pragma once
+
+namespace fernwick {
+
+// What a picture file tells of itself beyond its format: a text in the header of an EXR, which holds its colours
+// multiplied by the alpha unless it says so.
+constexpr const char* kAlphaAttribute = "fernwick:alpha";
+constexpr const char* kStraightAlpha = "straight";
+constexpr const char* kPremultipliedAlpha = "premultiplied";
+
+} // namespace fernwick
