@@ -1,12 +1,13 @@
 #include "tools/BakeOptions.h"
 #include "tools/Commands.h"
+#include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 
 namespace {
 
 constexpr const char* kIntroduction =
     R"(U runs to the right and V up. The square lies from (0, 0, 0) to (1, 1, 0) on the shaded object of the graph's
-scene. Alpha is straight: colours aren't multiplied by it.
+scene. The colours of a .png aren't multiplied by the alpha; those of an .exr are, unless --straight is given.
 
 )";
 
@@ -28,6 +29,8 @@ struct BakeCommandOptions {
 void RunBake(const BakeCommandOptions& options)
 {
     RequireSense(options.bake);
+    RequireTarget(options.bake.picture);
+    WatchForInterrupt();
     const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());

@@ -33,9 +33,9 @@ const char* const kChannelHelp =
             the other colours of a surface
   alpha     the alpha of the colour, as grey
   coverage  the coverage that the shader answers, as grey
-  value     the value, as grey; PNG holds 0 to 1, not encoded
+  value     the value, as grey; PNG holds 0 to 1 in 16 bits, not encoded
   normal    the bent normal of a vector shader or surface, as a normal map: red along U, green along V (or
-            down, with --directx), blue away from the surface, in unit length; PNG holds -1 to 1 as 0 to 255
+            down, with --directx), blue away from the surface, in unit length; PNG holds -1 to 1 as 0 to 65535
   lit       the colour, or a grey where the shader has none, with the bent normal of a vector shader under a
             lamp: it shines from the upper left, from (-1, 1, 1); what is flat keeps its colour)";
 
@@ -102,5 +102,5 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
     }
     if (*job.cancel)
         throw Interrupted();
-    picture.Save(options.picture.file);
+    picture.Save(options.picture.file, options.picture.layout);
 }

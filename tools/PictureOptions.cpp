@@ -44,8 +44,8 @@ bool ReadSize(const std::string& size, int& width, int& height)
 CLI::Option& AddPictureOption(CLI::App& command, std::string& picture)
 {
     return *command
-                .add_option(
-                    "-o,--picture", picture, "The picture: .png (8 bits, colours as sRGB) or .exr (floats)")
+                .add_option("-o,--picture", picture,
+                    "The picture: .png (colours as sRGB) or .exr (floats); - is a PNG on stdout")
                 ->required()
                 ->type_name("FILE")
                 ->check(CheckPicture);
@@ -54,6 +54,13 @@ CLI::Option& AddPictureOption(CLI::App& command, std::string& picture)
 CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
 {
     CLI::Option& picture = AddPictureOption(command, options.file);
+    command
+        .add_option("--bits", options.layout.bits,
+            "Bits of a channel of a .png, 8 or 16 (else 8 for colours, 16 for all other numbers)")
+        ->type_name("N")
+        ->check(CLI::IsMember({8, 16}).description(""));
+    command.add_flag("--straight", options.layout.straight,
+        "Leaves the colours of an .exr as they are, not multiplied by the alpha");
     command.add_option("--size", options.size, "Width and height in pixels")
         ->type_name("WxH")
         ->check(CheckSize)
@@ -63,6 +70,18 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
         ->type_name("N")
         ->check(CLI::Range(1, kMostThreads).description(""));
     return picture;
+}
+
+void RequireTarget(const PictureOptions& options)
+{
+    if (options.file.empty())
+        return;
+    const bool isFloat = fernwick::Picture::HoldsLayers(options.file);
+    if (isFloat && options.layout.bits != 0)
+        throw UsageError("--bits is for a .png; an .exr holds floats");
+    if (!isFloat && options.layout.straight)
+        throw UsageError("--straight is for an .exr; the alpha of a .png is straight anyway");
+    fernwick::RequireWritable(options.file);
 }
 
 fernwick::RenderJob RenderJobOf(const PictureOptions& options, int samples)

@@ -1,4 +1,5 @@
 #pragma once
+#include "host/pictures/Picture.h"
 #include "host/shading/Render.h"
 #include "tools/Commands.h"
 
@@ -7,6 +8,7 @@ struct PictureOptions {
     std::string file;
     std::string size = "512x512";
     int threads = 0; ///< 0 for one a processor
+    fernwick::PictureLayout layout = {};
 };
 
 /// Adds `-o`, the picture that a command writes; an ending that no picture has is bad usage. It is required; the
@@ -14,9 +16,13 @@ struct PictureOptions {
 /// @return the option of the picture
 CLI::Option& AddPictureOption(CLI::App& command, std::string& picture);
 
-/// Adds `-o`, `--size` and `--threads`, checked as they are read.
+/// Adds `-o`, `--bits`, `--straight`, `--size` and `--threads`, checked as they are read.
 /// @return the option of the picture
 CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options);
+
+/// Throws, before the work, `UsageError` when the options don't fit the kind of file, and `FileError` when it couldn't be
+/// written. No file at all fits.
+void RequireTarget(const PictureOptions& options);
 
 /// Reads a size such as "640x480"; false for anything else.
 bool ReadSize(const std::string& size, int& width, int& height);

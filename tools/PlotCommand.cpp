@@ -17,6 +17,7 @@ struct PlotOptions {
 
 void RunPlot(const PlotOptions& options)
 {
+    fernwick::RequireWritable(options.picture);
     const std::atomic<bool>& cancel = WatchForInterrupt();
     fernwick::Library library(FindLibrary(options.library));
     const ReportSummary reports(library.HostUtilities().Debug());

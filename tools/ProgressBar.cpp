@@ -1,6 +1,7 @@
 #include "tools/ProgressBar.h"
+#include "tools/Streams.h"
 #include <algorithm>
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 #ifdef _WIN32
 #include <io.h>
@@ -30,7 +31,7 @@ ProgressBar::ProgressBar(std::string label) : fLabel(std::move(label)), fIsShown
 ProgressBar::~ProgressBar()
 {
     if (fIsShown)
-        fmt::print(stderr, "\r\033[K");
+        Tell("\r\033[K");
 }
 
 void ProgressBar::Show(double share)
@@ -41,8 +42,8 @@ void ProgressBar::Show(double share)
     fPercent = percent;
     constexpr int kWidth = 40; // of the bar, in characters
     const int filled = percent * kWidth / 100;
-    fmt::print(stderr, "\r[{:=<{}}{: <{}}] {:3} %  {}{}\033[K", "", filled, "", kWidth - filled, percent,
-        fLabel, TimeLeft(share));
+    Tell(fmt::format("\r[{:=<{}}{: <{}}] {:3} %  {}{}\033[K", "", filled, "", kWidth - filled, percent,
+        fLabel, TimeLeft(share)));
 }
 
 /// As if the rest took as long as what is done; nothing in the first second, which tells too little.

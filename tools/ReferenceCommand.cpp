@@ -1,3 +1,4 @@
+#include "host/files/OutputFile.h"
 #include "host/library/Library.h"
 #include "host/shading/Graph.h"
 #include "tools/Commands.h"
@@ -11,6 +12,8 @@
 
 namespace {
 
+constexpr const char* kIndex = "index.md";
+
 struct ReferenceOptions {
     std::string folder;
     std::string root;
@@ -22,14 +25,6 @@ std::string TextOf(const std::filesystem::path& file)
 {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void Store(const std::filesystem::path& file, const std::string& text)
-{
-    std::ofstream stream(file, std::ios::binary);
-    stream << text;
-    if (!stream.flush())
-        throw std::runtime_error(file.string() + ": can't be written");
 }
 
 /// @param root  empty for nothing but the tables
@@ -55,14 +50,15 @@ std::string PageOf(const fernwick::ParameterTable& table, const fernwick::Librar
 void RunReference(const ReferenceOptions& options)
 {
     const std::filesystem::path folder = options.folder;
+    fernwick::RequireWritable(folder / kIndex);
     fernwick::Library library(FindLibrary(options.library));
     const ReportSummary reports(library.HostUtilities().Debug());
     const Showcase showcase(options.root);
-    std::filesystem::create_directories(folder);
+    fernwick::MakeFolderOf(folder / kIndex);
     for (const fernwick::ParameterTable& table : fernwick::AllClasses())
-        Store(folder / (table.fName + ".md"), PageOf(table, library, showcase, options.root));
-    Store(folder / "sources.md", SourcesPage());
-    Store(folder / "index.md", ReferenceIndex());
+        fernwick::WriteFile(folder / (table.fName + ".md"), PageOf(table, library, showcase, options.root));
+    fernwick::WriteFile(folder / "sources.md", SourcesPage());
+    fernwick::WriteFile(folder / kIndex, ReferenceIndex());
 }
 
 } // namespace

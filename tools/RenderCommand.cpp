@@ -4,7 +4,7 @@
 #include "tools/LibraryOption.h"
 #include "tools/PictureOptions.h"
 #include "tools/ShownJob.h"
-#include <fmt/core.h>
+#include "tools/Streams.h"
 
 namespace {
 
@@ -15,7 +15,8 @@ constexpr const char* kFooter =
 shader; elements without one get the output. Colours are shown as they are, or, on elements whose shading is "lit",
 under a lamp beside the camera. What lies behind a surface shows by its alpha.
 
-An .exr holds the picture and every channel of the surfaces as layers, such as second.R or normal.X.
+An .exr holds the picture, its colours multiplied by the alpha, and every channel of the surfaces as layers, such as
+second.R or normal.X.
 
 Examples:
   fernwick render examples/spot-room.json -o room.png
@@ -31,17 +32,18 @@ struct RenderOptions {
 
 void RunRender(const RenderOptions& options)
 {
+    RequireTarget(options.picture);
     fernwick::RenderJob job = RenderJobOf(options.picture, options.samples);
     job.camera = options.camera;
     const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
     if (document.Scene())
         for (const std::string& notice : document.Scene()->fNotices)
-            fmt::print(stderr, "fernwick: {}\n", notice);
+            Tell("fernwick: " + notice + '\n');
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
-    RunShown(job, reports, options.graph, [&] {
-        return fernwick::Render(library, document, job);
-    }).Save(options.picture.file);
+    const fernwick::Picture picture
+        = RunShown(job, reports, options.graph, [&] { return fernwick::Render(library, document, job); });
+    picture.Save(options.picture.file, options.picture.layout);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "tools/ReportSummary.h"
-#include <fmt/core.h>
+#include "tools/Streams.h"
+#include <fmt/format.h>
 
 ReportSummary::ReportSummary(fernwick::DebugService& service) : fService(service)
 {
@@ -15,6 +16,6 @@ ReportSummary::~ReportSummary()
 {
     fService.fListener = nullptr;
     for (const auto& [text, count] : fCounts)
-        fmt::print(stderr, "fernwick: report of the library: {}{}\n", text,
-            count == 1 ? "" : fmt::format(", {} times", count));
+        Tell(fmt::format("fernwick: report of the library: {}{}\n", text,
+            count == 1 ? "" : fmt::format(", {} times", count)));
 }

@@ -1,7 +1,7 @@
 #include "host/documents/GraphSchema.h"
+#include "host/files/OutputFile.h"
 #include "tools/Commands.h"
 #include <fmt/core.h>
-#include <fstream>
 
 namespace {
 
@@ -12,9 +12,7 @@ void RunSchema(const std::string& file)
         fmt::print("{}", text);
         return;
     }
-    std::ofstream stream(file, std::ios::binary);
-    if (!(stream << text).flush())
-        throw std::runtime_error(file + ": can't be written");
+    fernwick::WriteFile(file, text);
 }
 
 } // namespace

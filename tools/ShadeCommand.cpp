@@ -28,7 +28,7 @@ Sources for --plug:
   color:#ff8800       a colour as the web has it, encoded as sRGB; #ff880080 has an alpha
   color:1,0.5,0       a colour in linear light; a fourth number is its alpha
   value:0.3           a number
-  picture:FILE        a picture
+  picture:FILE        a picture; :linear or :sRGB behind the name tells what its numbers are
 
 An array of slots takes one source for all of them, or each its own: fWarpSubShader[0].
 
@@ -103,14 +103,15 @@ void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fern
 {
     const PictureOptions& picture = options.bake.picture;
     fernwick::RenderJob job = RenderJobOf(picture, kSamples);
-    RunShown(job, reports, options.settings.name, [&] {
-        return fernwick::Render(library, document, job);
-    }).Save(picture.file);
+    const fernwick::Picture made = RunShown(
+        job, reports, options.settings.name, [&] { return fernwick::Render(library, document, job); });
+    made.Save(picture.file, picture.layout);
 }
 
 void RunShade(ShadeOptions options)
 {
     RequireShadeSense(options);
+    RequireTarget(options.bake.picture);
     options.settings.isLit = options.bake.isLit;
     const fernwick::BakeJob job = JobOf(options.bake);
     const fernwick::GraphDocument document = MakeShadeDocument(options.settings);

@@ -1,7 +1,19 @@
 #include "tools/Commands.h"
-#include <fmt/core.h>
+#include "tools/Interrupt.h"
+#include "tools/Streams.h"
+#include <cstdio>
 
-int main(int argc, char** argv)
+namespace {
+
+/// Tells why the command failed, but for stdout, of which `FinishStreams` tells.
+void TellFailure(const std::exception& error)
+{
+    if (std::ferror(stdout) == 0)
+        Tell(std::string("fernwick: ") + error.what() + '\n');
+}
+
+/// @return what is answered to the shell
+int Run(int argc, char** argv)
 {
     CLI::App app("Looks at the Fernwick shaders, and bakes and renders pictures with them.", "fernwick");
     app.footer("Exit status: 0 done, 1 the job failed, 2 the command line is wrong, 130 stopped by Ctrl-C.\n"
@@ -25,21 +37,31 @@ int main(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kSucceeded : kBadUsage;
     } catch (const UsageError& error) {
-        fmt::print(stderr, "fernwick: {}\n", error.what());
+        TellFailure(error);
         return kBadUsage;
     } catch (const Interrupted&) {
-        fmt::print(stderr, "fernwick: stopped; nothing is written\n");
+        Tell("fernwick: stopped; nothing is written\n");
         return kInterrupted;
     } catch (const std::bad_alloc&) {
-        fmt::print(stderr, "fernwick: there isn't enough memory\n");
+        Tell("fernwick: there isn't enough memory\n");
         return kFailed;
     } catch (const std::exception& error) {
-        fmt::print(stderr, "fernwick: {}\n", error.what());
+        TellFailure(error);
         return kFailed;
     }
     if (app.get_subcommands().empty()) {
-        fmt::print(stderr, "{}", app.help());
+        Tell(app.help());
         return kBadUsage;
     }
     return kSucceeded;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    OpenMissingStreams();
+    LeaveNoUnfinishedFile();
+    const int status = Run(argc, argv);
+    return FinishStreams() || status != kSucceeded ? status : kFailed;
 }

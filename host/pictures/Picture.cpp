@@ -1,28 +1,34 @@
 #include "host/pictures/Picture.h"
+#include "host/files/PictureAttributes.h"
 #include <OpenImageIO/color.h>
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <algorithm>
 #include <fmt/format.h>
-#include <random>
+#include <functional>
+#include <limits>
 
 namespace fernwick {
 
 namespace {
 
-/// The format of a file by the end of its name; empty for any other than the two.
+/// The present time would make equal pictures unequal files.
+constexpr const char* kNoTime = "1970:01:01 00:00:00";
+
+/// The format of a file by the end of its name, PNG for a stream without one; empty for any other than the two.
 std::string FormatOf(const std::filesystem::path& path)
 {
     std::string ending = path.extension().string();
     std::transform(ending.begin(), ending.end(), ending.begin(), [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
     });
+    if (ending.empty() && IsStream(path))
+        return "png";
     return ending == ".png" || ending == ".exr" ? ending.substr(1) : "";
 }
 
 /// 0 to 1; NaN gives 0.
 float Clamped(float number) { return number >= 0 ? std::min(number, 1.0f) : 0.0f; }
-
-uint8_t Byte(float number) { return static_cast<uint8_t>(Clamped(number) * 255.0f + 0.5f); }
 
 float Encoded(float number, PictureContent content)
 {
@@ -37,24 +43,49 @@ float Encoded(float number, PictureContent content)
     return number;
 }
 
-/// A name beside `path` that no other writer has.
-std::filesystem::path NameWhileWriting(const std::filesystem::path& path)
+/// Adds the numbers of a row, pixel by pixel.
+using ReadRow = std::function<void(int y, std::vector<float>& numbers)>;
+
+template <class Integer> std::vector<Integer> Integers(const std::vector<float>& numbers)
 {
-    std::filesystem::path name = path;
-    name += fmt::format(".{:08x}.part", std::random_device()());
-    return name;
+    constexpr auto kGreatest = static_cast<float>(std::numeric_limits<Integer>::max());
+    std::vector<Integer> integers;
+    integers.reserve(numbers.size());
+    for (const float number : numbers)
+        integers.push_back(static_cast<Integer>(Clamped(number) * kGreatest + 0.5f));
+    return integers;
 }
 
-/// The file under its passing name, removed unless it got its own.
-struct UnfinishedFile {
-    std::filesystem::path path;
-
-    ~UnfinishedFile()
-    {
-        std::error_code ignored;
-        std::filesystem::remove(path, ignored);
+/// Writes all rows into memory, where no disk can fail behind a library's back.
+/// @return the bytes of the file
+std::vector<unsigned char> FileBytes(
+    const std::string& format, const OIIO::ImageSpec& layout, const ReadRow& readRow)
+{
+    constexpr int kRowsAtATime = 64;
+    OIIO::Filesystem::IOVecOutput bytes;
+    const auto output = OIIO::ImageOutput::create(format, &bytes);
+    if (!output)
+        throw PictureError(OIIO::geterror());
+    const auto require = [&output](bool done) {
+        if (!done)
+            throw PictureError(output->geterror());
+    };
+    require(output->open("." + format, layout));
+    for (int top = 0; top < layout.height; top += kRowsAtATime) {
+        const int end = std::min(top + kRowsAtATime, layout.height);
+        std::vector<float> numbers;
+        for (int y = top; y < end; ++y)
+            readRow(y, numbers);
+        if (layout.format == OIIO::TypeDesc::UINT8)
+            require(output->write_scanlines(top, end, 0, layout.format, Integers<uint8_t>(numbers).data()));
+        else if (layout.format == OIIO::TypeDesc::UINT16)
+            require(output->write_scanlines(top, end, 0, layout.format, Integers<uint16_t>(numbers).data()));
+        else
+            require(output->write_scanlines(top, end, 0, layout.format, numbers.data()));
     }
-};
+    require(output->close());
+    return std::move(bytes.buffer());
+}
 
 } // namespace
 
@@ -97,74 +128,57 @@ void Picture::RequireSavable(const std::filesystem::path& path)
 
 bool Picture::HoldsLayers(const std::filesystem::path& path) { return FormatOf(path) == "exr"; }
 
-void Picture::Save(const std::filesystem::path& path) const
+void Picture::Save(const std::filesystem::path& path, const PictureLayout& layout) const
 {
     RequireSavable(path);
-    std::error_code failure;
-    if (path.has_parent_path())
-        std::filesystem::create_directories(path.parent_path(), failure);
-    if (failure)
-        throw PictureError(fmt::format("{}: its folder can't be made: {}", path.string(), failure.message()));
-    const UnfinishedFile file{NameWhileWriting(path)};
+    std::vector<unsigned char> bytes;
     try {
-        Write(file.path, FormatOf(path));
+        bytes = FormatOf(path) == "exr" ? FloatFile(layout.straight) : IntegerFile(layout.bits);
     } catch (const PictureError& error) {
         throw PictureError(fmt::format("{}: can't be written: {}", path.string(), error.what()));
     }
-    std::filesystem::rename(file.path, path, failure);
-    if (failure)
-        throw PictureError(fmt::format("{}: can't be written: {}", path.string(), failure.message()));
+    MakeFolderOf(path);
+    WriteFile(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
-std::vector<uint8_t> Picture::Bytes() const
+std::vector<unsigned char> Picture::IntegerFile(int bits) const
 {
-    std::vector<uint8_t> bytes;
-    bytes.reserve(fPixels.size() * 4);
-    for (const TMCColorRGBA& color : fPixels) {
-        for (const float channel : {color.fRed, color.fGreen, color.fBlue})
-            bytes.push_back(Byte(Encoded(channel, fContent)));
-        bytes.push_back(Byte(color.fAlpha));
-    }
-    return bytes;
-}
-
-/// All channels, pixel by pixel.
-std::vector<float> Picture::Floats() const
-{
-    std::vector<float> floats;
-    floats.reserve(fPixels.size() * (4 + fChannels.size()));
-    for (size_t i = 0; i < fPixels.size(); ++i) {
-        const TMCColorRGBA& color = fPixels[i];
-        floats.insert(floats.end(), {color.fRed, color.fGreen, color.fBlue, color.fAlpha});
-        for (const auto& [name, values] : fChannels)
-            floats.push_back(values[i]);
-    }
-    return floats;
-}
-
-void Picture::Write(const std::filesystem::path& path, const std::string& format) const
-{
-    const auto output = OIIO::ImageOutput::create(format);
-    if (!output)
-        throw PictureError(OIIO::geterror());
-    const bool isFloat = format == "exr";
-    OIIO::ImageSpec layout(fWidth, fHeight, 4, isFloat ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT8);
-    if (isFloat)
-        for (const auto& [name, values] : fChannels) {
-            ++layout.nchannels;
-            layout.channelnames.push_back(name);
-        }
+    const bool isColor = fContent == PictureContent::kColor;
+    const bool isCoarse = bits == 8 || (bits == 0 && isColor);
+    OIIO::ImageSpec layout(fWidth, fHeight, 4, isCoarse ? OIIO::TypeDesc::UINT8 : OIIO::TypeDesc::UINT16);
     layout.attribute("oiio:UnassociatedAlpha", 1);
-    // The present time would make equal pictures unequal files.
-    layout.attribute("DateTime", "1970:01:01 00:00:00");
-    if (!isFloat && fContent == PictureContent::kColor)
-        layout.attribute("oiio:ColorSpace", "sRGB");
-    const bool written = output->open(path.string(), layout)
-        && (isFloat ? output->write_image(OIIO::TypeDesc::FLOAT, Floats().data())
-                    : output->write_image(OIIO::TypeDesc::UINT8, Bytes().data()))
-        && output->close();
-    if (!written)
-        throw PictureError(output->geterror());
+    layout.attribute("DateTime", kNoTime);
+    layout.attribute("oiio:ColorSpace", isColor ? "sRGB" : "Linear");
+    return FileBytes("png", layout, [this](int y, std::vector<float>& numbers) {
+        for (int x = 0; x < fWidth; ++x) {
+            const TMCColorRGBA& color = At(x, y);
+            for (const float channel : {color.fRed, color.fGreen, color.fBlue})
+                numbers.push_back(Encoded(channel, fContent));
+            numbers.push_back(color.fAlpha);
+        }
+    });
+}
+
+std::vector<unsigned char> Picture::FloatFile(bool straight) const
+{
+    OIIO::ImageSpec layout(fWidth, fHeight, 4, OIIO::TypeDesc::FLOAT);
+    for (const auto& [name, values] : fChannels) {
+        ++layout.nchannels;
+        layout.channelnames.push_back(name);
+    }
+    layout.attribute("DateTime", kNoTime);
+    layout.attribute(kAlphaAttribute, straight ? kStraightAlpha : kPremultipliedAlpha);
+    return FileBytes("exr", layout, [this, straight](int y, std::vector<float>& numbers) {
+        for (int x = 0; x < fWidth; ++x) {
+            const TMCColorRGBA& color = At(x, y);
+            const float factor = straight ? 1 : color.fAlpha;
+            for (const float channel : {color.fRed, color.fGreen, color.fBlue})
+                numbers.push_back(factor != 0 ? channel * factor : 0); // what is hidden may be anything
+            numbers.push_back(color.fAlpha);
+            for (const auto& [name, values] : fChannels)
+                numbers.push_back(values[Index(x, y)]);
+        }
+    });
 }
 
 } // namespace fernwick

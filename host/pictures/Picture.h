@@ -1,23 +1,28 @@
 #pragma once
 #include "frame/Colors.h"
-#include <filesystem>
-#include <stdexcept>
+#include "host/files/OutputFile.h"
 #include <string>
 #include <vector>
 
 namespace fernwick {
 
 /// A picture that can't be written. The text names the file.
-class PictureError : public std::runtime_error {
+class PictureError : public FileError {
 public:
-    using std::runtime_error::runtime_error;
+    using FileError::FileError;
 };
 
-/// What the numbers of a picture are. It decides how they become the bytes of an 8-bit file.
+/// What the numbers of a picture are. It decides how they become the integers of a PNG.
 enum class PictureContent {
     kColor,  ///< linear light: red, green and blue are encoded as sRGB
-    kValue,  ///< plain numbers: 0 to 1 becomes 0 to 255
-    kNormal, ///< components of a unit vector: -1 to 1 becomes 0 to 255
+    kValue,  ///< plain numbers: 0 to 1 becomes 0 to the greatest integer
+    kNormal, ///< components of a unit vector: -1 to 1 becomes 0 to the greatest integer
+};
+
+/// How a picture is put into a file.
+struct PictureLayout {
+    int bits = 0;          ///< of a PNG's channel, 8 or 16; 0 for 8 of colours and 16 of all else
+    bool straight = false; ///< leaves the colours of an EXR as they are
 };
 
 /// Red, green, blue and alpha in float, row 0 at the top. The alpha is straight: a colour isn't multiplied by it.
@@ -41,14 +46,14 @@ public:
     /// or NaN) shows it.
     void LayOver(const Picture& ground);
 
-    /// Writes the picture. A name that ends in `.exr` gets the floats as they are, unencoded; `.png` gets 8 bits
-    /// a channel, encoded by the content and clamped, with NaN as 0. Both hold the straight alpha.
-    ///
-    /// The file appears whole or not at all: it is written under a name of its own beside `path` and renamed.
-    /// Missing folders are made. Throws `PictureError`.
-    void Save(const std::filesystem::path& path) const;
+    /// Writes the picture with `WriteFile`, whole or not at all, into folders that are made. A name that ends in `.exr` gets the floats, unencoded,
+    /// the colours multiplied by the alpha as is the custom of that format; its header tells which by the attribute
+    /// `kAlphaAttribute`. `.png`, and a stream without an ending, gets integers, encoded by the content and clamped,
+    /// with NaN as 0, and a straight alpha; what isn't a colour is marked as linear. Throws `FileError`.
+    void Save(const std::filesystem::path& path, const PictureLayout& layout = {}) const;
 
-    /// Throws `PictureError` when `Save` couldn't write `path` for its name. To be asked before long work.
+    /// Throws `PictureError` when `Save` couldn't write `path` for its name. To be asked before long work, and so is
+    /// `RequireWritable`.
     static void RequireSavable(const std::filesystem::path& path);
 
     /// Whether a file of this name holds the added channels.
@@ -65,9 +70,8 @@ private:
     {
         return static_cast<size_t>(y) * static_cast<size_t>(fWidth) + static_cast<size_t>(x);
     }
-    std::vector<uint8_t> Bytes() const;
-    std::vector<float> Floats() const;
-    void Write(const std::filesystem::path& path, const std::string& format) const;
+    std::vector<unsigned char> IntegerFile(int bits) const;
+    std::vector<unsigned char> FloatFile(bool straight) const;
 };
 
 } // namespace fernwick

@@ -148,6 +148,101 @@ TEST_F(CommandTest, AFailedOrStoppedJobLeavesTheOldPicture)
         FilesIn(fFolder), testing::UnorderedElementsAre("graph.json", "value.json", "chain.json", "old.png"));
 }
 
+TEST_F(CommandTest, EndsWhereverItIsWhenItIsInterrupted)
+{
+    std::string chain = R"({"shaders": {"0": {"source": "color"})"; // each asks the one below twice
+    for (int i = 1; i <= 60; ++i) {
+        const std::string below = '"' + std::to_string(i - 1) + '"';
+        chain += ", \"" + std::to_string(i) + R"(": {"class": "Super_mixer", "fDistribution": "Automatic",)"
+            + R"("fSubShader[0]": )" + below + R"(, "fSubShader[2]": )" + below + R"(, "fSubShader[3]": )"
+            + below + '}';
+    }
+    Store(fFolder / "dear.json", chain + R"(}, "output": "60"})");
+    Store(fFolder / "old.png", "old");
+    // One sample is never done; what isn't over after a while is killed, with 137.
+    EXPECT_EQ(
+        Run("bake dear.json -o old.png --size 8x8", "timeout --preserve-status -k 9 -s INT 0.6").status, 130);
+    EXPECT_EQ(
+        Run("bake dear.json -o old.png --size 8x8", "timeout --preserve-status -k 9 -s TERM 0.6").status,
+        143);
+    EXPECT_EQ(FileText(fFolder / "old.png"), "old");
+    EXPECT_THAT(FilesIn(fFolder), testing::UnorderedElementsAre("dear.json", "old.png"));
+}
+
+TEST_F(CommandTest, AFullDiskOrAnUnwritablePlaceLeavesTheOldFileAndIsToldBeforeTheWork)
+{
+    Store(fFolder / "old.png", "old");
+    Store(fFolder / "old.exr", "old");
+    Store(fFolder / "old.json", "old");
+    const std::string small = "ulimit -f 16;"; // blocks, which some shells take for 512 bytes each
+    for (const std::string& arguments : {"bake '" + fKey + "' -o old.png", "bake '" + fKey + "' -o old.exr",
+             std::string("plot reflectance -o old.png"), std::string("schema -o old.json")}) {
+        const Answer answer = Run(arguments, small);
+        EXPECT_EQ(answer.status, 1) << arguments;
+        EXPECT_THAT(answer.error,
+            testing::MatchesRegex("fernwick: old\\.[a-z]+: can't be written: File too large\n"));
+    }
+    for (const std::string name : {"old.png", "old.exr", "old.json"})
+        EXPECT_EQ(FileText(fFolder / name), "old");
+    EXPECT_THAT(FilesIn(fFolder), testing::UnorderedElementsAre("old.png", "old.exr", "old.json"));
+
+    for (const std::string& arguments : {"bake '" + fKey + "' --size 16384x16384 -o /proc/new.png",
+             std::string("render missing.json -o /proc/new.png"), std::string("shade Spoke -o /proc/new.png"),
+             std::string("plot wavelengths -o /proc/new.png"), std::string("schema -o /proc/new.json"),
+             std::string("reference -o /proc/new")}) {
+        const Answer answer = Run(arguments);
+        EXPECT_EQ(answer.status, 1) << arguments;
+        EXPECT_THAT(answer.error, testing::StartsWith("fernwick: /proc/new")) << arguments;
+    }
+}
+
+TEST_F(CommandTest, StreamsMayBeClosedOrFullOrTakeThePicture)
+{
+    for (const std::string arguments : {"list", "describe Key", "--help", "schema", "completion bash", "man",
+             "shade Spoke --print 0.5,0.5", "shade Spoke --size 8x8 -o -"})
+        for (const std::string where : {" >&-", " >/dev/full"}) {
+            const Answer answer = Run(arguments + where);
+            EXPECT_EQ(answer.status, 1) << arguments << where;
+            EXPECT_THAT(answer.error, testing::MatchesRegex("fernwick: stdout:? can't be written: .+\n"));
+        }
+    for (const std::string where : {"2>&-", "2>/dev/full"}) {
+        const auto statusOf = [&](const std::string& arguments) {
+            return Shell("cd '" + fFolder.string() + "' && '" FERNWICK_COMMAND "' " + arguments + ' ' + where)
+                .status;
+        };
+        EXPECT_EQ(statusOf("describe key"), 2);
+        EXPECT_EQ(statusOf("bake missing.json -o a.png"), 1);
+        EXPECT_EQ(statusOf("shade Spoke --size 8x8 -o a.png"), 0);
+        Store(fFolder / "shift.json",
+            R"({"shaders": {"a": {"class": "Coordinate_Shift", "fMode": "OBJM"}}, "output": "a"})");
+        EXPECT_EQ(statusOf("bake shift.json -o b.png --size 8x4"), 1); // has something to tell
+        EXPECT_THAT(FileText(fFolder / "b.png"), HasSubstr("IEND"));
+    }
+    const Answer piped = Run("shade Spoke --size 8x8 -o -");
+    EXPECT_EQ(piped.status, 0) << piped.error;
+    EXPECT_EQ(piped.out, FileText(fFolder / "a.png"));
+}
+
+TEST_F(CommandTest, ThePictureIsAsAskedFor)
+{
+    Store(fFolder / "value.json", R"({"shaders": {"a": {"source": "value", "value": 0.3}}, "output": "a"})");
+    EXPECT_EQ(Run("bake value.json --output value --size 1x1 -o fine.png").status, 0);
+    EXPECT_EQ(Run("bake value.json --output value --size 1x1 --bits 8 -o coarse.png").status, 0);
+    EXPECT_NEAR(ReadBack(fFolder / "fine.png", 1, 1).At(0, 0).fRed, 0.3, 1e-5);
+    EXPECT_FLOAT_EQ(ReadBack(fFolder / "coarse.png", 1, 1).At(0, 0).fRed, 77 / 255.0f);
+    const auto green = [this](const std::string& picture) {
+        EXPECT_EQ(Run("shade Gray --plug fSubShader=picture:" + picture + " --size 1x1 -o a.exr").status, 0);
+        return ReadBack(fFolder / "a.exr", 1, 1).At(0, 0).fGreen;
+    };
+    EXPECT_NEAR(green("fine.png"), 0.3, 1e-5); // marked as linear
+    EXPECT_NEAR(green("fine.png:sRGB"), 0.0732, 1e-4);
+    std::filesystem::copy_file(fFolder / "fine.png", fFolder / "fine.png:sRGB");
+    EXPECT_NEAR(green("fine.png:sRGB"), 0.3, 1e-5); // a file of that name
+    EXPECT_EQ(Run("bake value.json -o a.png --straight").status, 2);
+    EXPECT_EQ(Run("bake value.json -o a.exr --bits 16").status, 2);
+    EXPECT_EQ(Run("bake value.json -o a.png --bits 12").status, 2);
+}
+
 TEST_F(CommandTest, ReportsOfTheLibraryAreCounted)
 {
     Store(fFolder / "shift.json",
