@@ -19,6 +19,7 @@ struct SingleSlot {
     const char* fClass;
     std::vector<std::pair<const char*, FieldValue>> fSettings = {}; ///< that make the class ask its shader
     bool fAsks = true;
+    bool fPassesFlag = true; ///< the caller's, to its shader
 };
 
 void PrintTo(const SingleSlot& slot, std::ostream* out) { *out << slot.fClass; }
@@ -27,10 +28,10 @@ const SingleSlot kSingleSlots[] = {
     {"Key"},
     {"Gray"},
     {"Location", {{"fUseSubShader", true}}},
-    {"Coordinate_Shift"},
+    {"Coordinate_Shift", {}, true, false},
     {"Proximity", {{"fUseShader", true}, {"fTargetName", std::string("Shaded")}}},
     {"Curvature", {{"fMixStyle", Code("SHMX")}, {"fSurfaceName", std::string("Shaded")}}},
-    {"Corners", {}, false},
+    {"Corners", {}, false, false},
 };
 
 constexpr MCErr kRefusal = 0x80011234;
@@ -106,6 +107,7 @@ TEST_P(SingleSlotTest, AChangeConnectsTheShaderAndTellsTheStatusOfTheQuery)
     plugged->fKinds = kOutputVector;
     Shade(); // nor are the kinds of now
     EXPECT_EQ(plugged->fColorCalls, calls);
+    EXPECT_EQ(fLeftFlag, GetParam().fPassesFlag); // as the shader left it
 
     const auto refusing = MakeCounted<NoShader>();
     *fSlot = refusing.Get();

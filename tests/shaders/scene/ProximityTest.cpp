@@ -83,6 +83,7 @@ TEST_F(ProximityTest, AxesAndReferencePointsCount)
         fRecord.fAxisZ = z;
         EXPECT_FLOAT_EQ(Value(), 1 - distance / 10);
     }
+    EXPECT_EQ(TakeReports(), Reports{});
 }
 
 TEST_F(ProximityTest, WithoutANameOrAShadedElementThereIsNoCoverage)

@@ -168,6 +168,15 @@ TEST_F(CornersTest, NoWidthOrDivisorLeavesTheArraysOrHangs)
                 EXPECT_GE(Value(0.25f, 0.999f), 0);
                 EXPECT_LE(Value(0.999f, 0.25f), 1.001f);
             }
+    fRecord = {};
+    EXPECT_EQ(Value(), 0);
+    fGrid->SetNormal(3, 1, {1, 0, 0});
+    EXPECT_EQ(Value(), kRightAngle);
+    fRecord.fWidthPercent = 10000;
+    fRecord.fStepDivisor = 25600; // a line of so many probes
+    Value();
+    fRecord = {};
+    EXPECT_EQ(Value(), kRightAngle); // the grid is as it was
 }
 
 TEST_F(CornersTest, RefusedMemoryGivesNoObject)
