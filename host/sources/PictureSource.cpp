@@ -14,6 +14,8 @@ namespace {
 constexpr int kLongestSide = 65536;                      // pixels
 constexpr OIIO::imagesize_t kMostPixels = 16384 * 16384; // 4 GB of colours
 
+constexpr std::string_view kHangingFormat = "rla"; // its decoder never comes back from a damaged row
+
 SourceError Unreadable(const std::filesystem::path& file, const std::string& reason)
 {
     return SourceError("file: " + file.string()
@@ -52,6 +54,8 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::
         throw Unreadable(file, OIIO::geterror());
     if (!input->open(file.string(), layout, wishes))
         throw Unreadable(file, input->geterror());
+    if (std::string_view(input->format_name()) == kHangingFormat)
+        throw Unreadable(file, "pictures in RLA aren't read; convert it to another format");
     RequireSensible(layout, file);
     return input;
 }
