@@ -114,6 +114,14 @@ void FuzzCase::Apply(const Specimen& object, const std::vector<bool>& kept) cons
         object.Slot(*plug.slot) = plug.shader.Get();
 }
 
+void FuzzCase::Listen(CallLog* log)
+{
+    fScene.Listen(log);
+    for (size_t slot = 0; slot < fPlugs.size(); ++slot)
+        if (fPlugs[slot].shader)
+            fPlugs[slot].shader->Listen(log, static_cast<uint32_t>(slot));
+}
+
 ShadingIn FuzzCase::NextSample() { return RandomSample(fRandom, fHasScene ? fScene.Instance() : nullptr); }
 
 bool FuzzCase::IsLetGo()

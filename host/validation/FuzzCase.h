@@ -19,6 +19,9 @@ public:
     void Apply(const Specimen& object, const std::vector<bool>& kept) const;
     void Apply(const Specimen& object) const { Apply(object, std::vector<bool>(FieldCount(), true)); }
 
+    /// @param log  takes down what the case's shaders and its scene are asked from now on; null for none
+    void Listen(CallLog* log);
+
     /// The next sample in the case's scene.
     ShadingIn NextSample();
     /// True when nobody but the case holds its shaders and its scene.

@@ -2,6 +2,7 @@
 #include "frame/IShellShader.h"
 #include "frame/SceneServices.h"
 #include "host/library/Component.h"
+#include "host/validation/CallLog.h"
 #include "host/validation/Random.h"
 #include <vector>
 
@@ -22,8 +23,19 @@ class ProbeShader final : public Component<IShellShader, IID_IShellShader> {
 public:
     explicit ProbeShader(uint32_t kinds, uint32_t salt = 0) : fKinds(kinds), fSalt(salt) { }
 
+    /// @param log   takes down all further calls; null for none
+    /// @param slot  the number under which they are taken down
+    void Listen(CallLog* log, uint32_t slot)
+    {
+        fLog = log;
+        fSlot = slot;
+    }
+
+    MCErr QueryInterface(const GUID& id, void** out) override;
+    uint32_t AddRef() override;
+    uint32_t Release() override;
     void GetShadingFlags(ShadingFlags& flags) override;
-    uint32_t GetOutputKinds() override { return fKinds; }
+    uint32_t GetOutputKinds() override;
     int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override;
     float ShadeValue(float& value, bool& fullArea, ShadingIn& in) override;
     float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) override;
@@ -31,8 +43,14 @@ public:
 private:
     uint32_t fKinds;
     uint32_t fSalt;
+    CallLog* fLog = nullptr;
+    uint32_t fSlot = 0;
 
     Random Answers(const ShadingIn& in) const;
+    void AnswerColor(TMCColorRGBA& color, bool& fullArea, const ShadingIn& in) const;
+    void Connecting(const char* operation, uint64_t with = 0) const;
+    template <class Result>
+    void Shading(const char* operation, const ShadingIn& in, const Result& result, bool fullArea) const;
 };
 
 /// How a host answers the lookups of a scene.
@@ -42,7 +60,8 @@ enum class Hospitality {
     kLeavesUntouched ///< no out argument is ever written
 };
 
-/// A scene: a root, the shaded element and a light, which is also the camera and whatever is asked for by name.
+/// A scene: a root, the shaded element and a light, which is also the camera and whatever is asked for by name. All
+/// three can be hit by rays.
 class ProbeScene final : public IScene, public IGroup, public IRenderingModule {
 public:
     /// @param random  makes the numbers of the scene
@@ -52,10 +71,12 @@ public:
     IMCUnknown* Instance();
     /// True when nobody but its owner holds any part of it.
     bool IsLetGo();
+    /// @param log  takes down all further calls; null for none
+    void Listen(CallLog* log) { fLog = log; }
 
     MCErr QueryInterface(const GUID& id, void** out) override;
-    uint32_t AddRef() override { return ++fCount; }
-    uint32_t Release() override { return --fCount; }
+    uint32_t AddRef() override;
+    uint32_t Release() override;
 
     void GetRootGroup(IGroup** out) override;
     void GetTreeByName(ITreeElement** out, const TMCString& name) override;
@@ -67,12 +88,15 @@ public:
 
 private:
     class Element;
-    enum Part { kRoot, kShaded, kLight };
+    enum Part { kRoot, kShaded, kLight, kScene };
 
     Hospitality fHospitality;
+    CallLog* fLog = nullptr;
     std::atomic<uint32_t> fCount{1};
     std::vector<MCCountedPtr<Element>> fElements;
 
+    void Connecting(const char* operation, uint32_t part, uint64_t with = 0) const;
+    void Asked(const char* operation, uint32_t part, uint64_t with = 0) const;
     template <class Face> void Give(Face** out, Face* object) const;
 };
 

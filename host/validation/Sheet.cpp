@@ -53,12 +53,28 @@ Sheet::Sheet(const ShadingIn& sample, bool fullArea) : fSample(sample)
     fColorFullArea.fRecord = fullArea;
 }
 
+void Sheet::Ask(I3DExShader& shader, Operation operation)
+{
+    ShadingIn& in = fIn[operation].fRecord;
+    switch (operation) {
+    case kValue:
+        fCoverage[kValue] = shader.ShadeValue(fValue.fRecord, fValueFullArea.fRecord, in);
+        break;
+    case kColor:
+        fCoverage[kColor] = shader.ShadeColor(fColor.fRecord, fColorFullArea.fRecord, in);
+        break;
+    case kVector:
+        fCoverage[kVector] = shader.ShadeVector(fVector.fRecord, in);
+        break;
+    default:
+        fProduced = shader.ShadeSurface(fResult.fRecord, in);
+    }
+}
+
 void Sheet::Ask(I3DExShader& shader)
 {
-    fCoverage[kValue] = shader.ShadeValue(fValue.fRecord, fValueFullArea.fRecord, fIn[kValue].fRecord);
-    fCoverage[kColor] = shader.ShadeColor(fColor.fRecord, fColorFullArea.fRecord, fIn[kColor].fRecord);
-    fCoverage[kVector] = shader.ShadeVector(fVector.fRecord, fIn[kVector].fRecord);
-    fProduced = shader.ShadeSurface(fResult.fRecord, fIn[kSurface].fRecord);
+    for (const Operation operation : {kValue, kColor, kVector, kSurface})
+        Ask(shader, operation);
 }
 
 std::string Sheet::WildWrite() const

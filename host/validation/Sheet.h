@@ -47,6 +47,8 @@ public:
 
     explicit Sheet(const ShadingIn& sample, bool fullArea = false);
 
+    void Ask(I3DExShader& shader, Operation operation);
+    /// All four, in their order.
     void Ask(I3DExShader& shader);
 
     /// What was written that isn't the shader's to write; empty for nothing.
