@@ -92,15 +92,29 @@ nlohmann::ordered_json JsonOf(const Result& result)
         {"passed", result.findings.empty()}, {"findings", findings}};
 }
 
+void List(const std::vector<const Check*>& checks, bool json)
+{
+    auto listed = nlohmann::ordered_json::array();
+    for (const Check* const check : checks) {
+        if (json)
+            listed.push_back({{"check", check->name}, {"protects", check->protects}});
+        else
+            fmt::print("{:<18}  {}\n", check->name, check->protects);
+    }
+    if (json)
+        fmt::print("{}\n", listed.dump(2));
+}
+
 void RunValidate(const ValidateOptions& options)
 {
     const std::vector<const Check*> checks = ChosenChecks(options.only);
     if (options.list) {
-        for (const Check* const check : checks)
-            fmt::print("{:<18}  {}\n", check->name, check->protects);
+        List(checks, options.json);
         return;
     }
     const fernwick::validation::Job job = JobOf(options);
+    if (const std::string trouble = fernwick::validation::LoadTrouble(job.library); !trouble.empty())
+        throw std::runtime_error(trouble);
     auto results = nlohmann::ordered_json::array();
     size_t faults = 0;
     for (const Check* const check : checks) {

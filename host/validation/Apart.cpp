@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -110,6 +111,7 @@ Ending RunApart(const std::function<void(const Teller&, Activity&)>& job, std::c
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         const rlimit noCore{0, 0};
         setrlimit(RLIMIT_CORE, &noCore);
+        dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
         job([&](const std::string& line) { WriteAll(ends[1], line + '\n'); }, *activity);
         _exit(0);
     }

@@ -24,7 +24,7 @@ struct Ending {
 using Teller = std::function<void(const std::string& line)>;
 
 /// Runs `job` in a process of its own and waits for it; past the limit, ends it. The process is a copy of this one,
-/// which must have one thread.
+/// which must have one thread. What the job prints to the standard output is lost.
 Ending RunApart(const std::function<void(const Teller&, Activity&)>& job, std::chrono::milliseconds limit);
 
 /// Ends this process as one that hung when it computes for longer from now on. For jobs that run apart.

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <vector>
 
 namespace fernwick::validation {
@@ -33,6 +34,16 @@ struct ProbeCall {
 struct CallLog {
     std::vector<ProbeCall> fShading;    ///< calls whose answers a shader takes
     std::vector<ProbeCall> fConnecting; ///< queries, counts and kinds
+
+    /// Done within each call whose answer a shader takes, before it is answered; empty for nothing.
+    std::function<void()> fInterlude;
+
+    void Shading(const ProbeCall& call)
+    {
+        fShading.push_back(call);
+        if (fInterlude)
+            fInterlude();
+    }
 
     void Clear()
     {

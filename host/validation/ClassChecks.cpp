@@ -39,16 +39,19 @@ const char* DifferenceInShading(const Specimen& left, const Specimen& right, uin
 void CompareNew(Inspection& inspection, const ParameterTable& table, const Specimen& left,
     const Specimen& right, const char* whose)
 {
-    for (const char* const when : {"new", "after the first change"}) {
+    for (const char* const when : {"before the first change", "after it"}) {
         const std::string difference = DifferenceOf(table, left.Record(), right.Record());
-        if (!inspection.Require(difference.empty(), fmt::format("{} {}: {}", whose, when, difference)))
+        if (!inspection.Require(difference.empty(),
+                fmt::format("{} {}: expected one record, came {}", whose, when, difference)))
             return;
+        inspection.Doing(fmt::format("shading {}", when).c_str());
+        const char* const operation = DifferenceInShading(left, right, inspection.fJob.seed);
+        inspection.Require(operation == nullptr,
+            fmt::format("{} of {} {}: expected one answer, came two", operation != nullptr ? operation : "",
+                whose, when));
         left.Changed();
         right.Changed();
     }
-    const char* const operation = DifferenceInShading(left, right, inspection.fJob.seed);
-    inspection.Require(operation == nullptr,
-        fmt::format("{} differ in {}", whose, operation != nullptr ? operation : "nothing"));
 }
 
 /// Queries, counts and releases at random, beginning with one reference. Every identifier leads from every face
@@ -84,6 +87,26 @@ std::string WalkFaces(I3DExShader* start, uint64_t seed)
     for (; held.size() > 1; held.pop_back())
         held.back()->Release();
     return ReferencesOf(*start) == 1 ? "" : "references are left over";
+}
+
+/// A query without a place for the answer gives none, and counts nothing.
+void RequireNoPlace(Inspection& inspection, I3DExShader& shader)
+{
+    constexpr GUID kIDs[] = {IID_I3DExShader, IID_IExDataExchanger, IID_IMCUnknown, kUnknownID};
+    inspection.Doing("calling QueryInterface without a place for the answer");
+    for (const GUID& from : {IID_I3DExShader, IID_IExDataExchanger, IID_IMCUnknown})
+        for (const GUID& id : kIDs) {
+            void* face = nullptr;
+            shader.QueryInterface(from, &face);
+            auto* const object = static_cast<IMCUnknown*>(face);
+            const MCErr status = object->QueryInterface(id, nullptr);
+            inspection.Require(status == kMCNoInterface && ReferencesOf(*object) == 2,
+                fmt::format(
+                    "QueryInterface for {} without a place for the answer: expected {:#x} and 2 references, "
+                    "came {:#x} and {}",
+                    GuidText(id), kMCNoInterface, status, ReferencesOf(*object)));
+            object->Release();
+        }
 }
 
 } // namespace
@@ -143,7 +166,8 @@ void CheckComponentLaws(Inspection& inspection, const ParameterTable& table)
     subject.library.CreateInstance(table.fClassIDs.front(), nullptr, IID_I3DExShader, &face);
     auto* const shader = static_cast<I3DExShader*>(face);
     const std::string broken = WalkFaces(shader, inspection.fJob.seed);
-    inspection.Require(broken.empty(), broken);
+    if (inspection.Require(broken.empty(), broken))
+        RequireNoPlace(inspection, *shader);
     inspection.Require(shader->Release() == 0, "the last release doesn't answer 0");
     inspection.Require(subject.Remains().empty(), "after the last release " + subject.Remains());
 }

@@ -1,7 +1,9 @@
 #include "host/validation/FuzzCase.h"
 #include "frame/TMCString.h"
 #include "host/validation/Sheet.h"
+#include "host/validation/Statements.h"
 #include <cstring>
+#include <fmt/format.h>
 
 namespace fernwick::validation {
 
@@ -135,23 +137,39 @@ bool FuzzCase::IsLetGo()
 std::string FuzzCase::Try(const Subject& subject, const GUID& classID, const std::vector<bool>& kept)
 {
     {
+        const Statement& stated = StatementOf(fTable);
         const Specimen left = subject.MakeIn(0x00, classID);
         const Specimen right = subject.MakeIn(0xFF, classID);
         for (const Specimen* const object : {&left, &right})
             Apply(*object, kept);
+        const RecordCopy applied(fTable, left);
         if (left.Changed() != right.Changed())
             return "ExtensionDataChanged answers two things for one record";
         if (const std::string difference = DifferenceOf(fTable, left.Record(), right.Record());
             !difference.empty())
             return "ExtensionDataChanged derives two things from one record: " + difference;
+        if (const std::string change = applied.Change(true, stated.rewritten); !change.empty())
+            return "ExtensionDataChanged rewrites the record's " + change;
         for (int i = 0; i < kSamples; ++i) {
             const ShadingIn sample = NextSample();
+            const RecordCopy before(fTable, left);
+            const bool otherContents = i % 2 != 0;
             Sheet leftSheet(sample);
-            Sheet rightSheet(sample);
-            leftSheet.Ask(left.Shader());
+            Sheet rightSheet = otherContents ? Sheet(sample, true, -3) : Sheet(sample);
+            for (const Sheet::Operation operation : Sheet::kOperations) {
+                leftSheet.Ask(left.Shader(), operation);
+                if (const std::string change = before.Change(false, stated.shadedInto); !change.empty())
+                    return fmt::format("{} rewrites the record's {}", Sheet::NameOf(operation), change);
+            }
             rightSheet.Ask(right.Shader());
-            if (const std::string wild = leftSheet.WildWrite(); !wild.empty())
+            if (const std::string wild = leftSheet.WildWrite(stated.sampleChanges); !wild.empty())
                 return wild;
+            if (const std::string unset
+                = leftSheet.LeftUnset(rightSheet, fTable.fOutputKinds, stated.leftResults);
+                !unset.empty())
+                return unset;
+            if (otherContents)
+                continue;
             if (const char* const operation = leftSheet.DifferenceFrom(rightSheet))
                 return std::string(operation) + " answers two things for one record and sample";
         }

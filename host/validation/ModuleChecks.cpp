@@ -147,6 +147,11 @@ void CheckRefusals(Inspection& inspection)
     inspection.Require(
         subject.library.fGetClassObject(kUnknownID, kUnknownID, &out) == kMCNoInterface && out == nullptr,
         "a factory gives an unknown interface");
+    inspection.Doing("asking for a factory without a place for it");
+    const MCErr noPlace = subject.library.fGetClassObject(kUnknownID, IID_IExClassFactory, nullptr);
+    inspection.Require(noPlace == kMCNoInterface,
+        fmt::format("MCDllGetClassObject without a place for the factory: expected {:#x}, came {:#x}",
+            kMCNoInterface, noPlace));
     for (const ParameterTable& table : AllClasses())
         for (const GUID& classID : table.fClassIDs) {
             out = &unknown;

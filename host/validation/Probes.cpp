@@ -63,8 +63,7 @@ void ProbeShader::Shading(
     const char* operation, const ShadingIn& in, const Result& result, bool fullArea) const
 {
     if (fLog != nullptr)
-        fLog->fShading.push_back(
-            {operation, fSlot, DigestOf(in), DigestOf(result) + static_cast<uint64_t>(fullArea)});
+        fLog->Shading({operation, fSlot, DigestOf(in), DigestOf(result) + static_cast<uint64_t>(fullArea)});
 }
 
 Random ProbeShader::Answers(const ShadingIn& in) const
@@ -300,7 +299,7 @@ void ProbeScene::Connecting(const char* operation, uint32_t part, uint64_t with)
 void ProbeScene::Asked(const char* operation, uint32_t part, uint64_t with) const
 {
     if (fLog != nullptr)
-        fLog->fShading.push_back({operation, part, with});
+        fLog->Shading({operation, part, with});
 }
 
 template <class Face> void ProbeScene::Give(Face** out, Face* object) const

@@ -4,7 +4,6 @@
 #include "host/validation/RuntimeAllocations.h"
 #include "host/validation/Sheet.h"
 #include <fmt/format.h>
-#include <thread>
 
 // What holds for every class while it shades, whatever is plugged in and whoever the host is.
 
@@ -41,26 +40,6 @@ void UseSlot(Inspection& inspection, const Specimen& object, const Field& slot, 
             fmt::format("{} {}: ExtensionDataChanged answers {:#010x}", slot.fName, step.name, status));
         ShadeSome(object, inspection.fJob.seed);
     }
-}
-
-using Answers = std::vector<Sheet>;
-
-Answers Shade(const Specimen& object, FuzzCase& samples)
-{
-    Answers answers;
-    for (int i = 0; i < kSamples; ++i) {
-        answers.emplace_back(samples.NextSample());
-        answers.back().Ask(object.Shader());
-    }
-    return answers;
-}
-
-const char* DifferenceOf(const Answers& left, const Answers& right)
-{
-    for (size_t i = 0; i < left.size(); ++i)
-        if (const char* const operation = left[i].DifferenceFrom(right[i]))
-            return operation;
-    return nullptr;
 }
 
 } // namespace
@@ -113,38 +92,6 @@ void CheckHosts(Inspection& inspection, const ParameterTable& table)
     }
     inspection.Require(ReferencesOf(*nothing) == 1, "references to an instance are left over");
     inspection.Require(subject.Remains().empty(), "after the last release " + subject.Remains());
-}
-
-void CheckTwoThreads(Inspection& inspection, const ParameterTable& table)
-{
-    const Subject subject(inspection.fJob.library);
-    inspection.Doing("shading on two threads");
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; seed += 2) {
-        Answers alone[2];
-        Answers together[2];
-        for (const int round : {0, 1}) {
-            FuzzCase cases[] = {{table, seed}, {table, seed + 1}};
-            const Specimen objects[] = {{subject.library, table}, {subject.library, table}};
-            for (const int i : {0, 1}) {
-                cases[i].Apply(objects[i]);
-                objects[i].Changed();
-            }
-            if (round == 0) {
-                for (const int i : {0, 1})
-                    alone[i] = Shade(objects[i], cases[i]);
-            } else {
-                std::thread other([&] { together[1] = Shade(objects[1], cases[1]); });
-                together[0] = Shade(objects[0], cases[0]);
-                other.join();
-            }
-        }
-        for (const int i : {0, 1})
-            if (const char* const operation = DifferenceOf(alone[i], together[i])) {
-                inspection.Found(fmt::format("{} answers otherwise beside another thread", operation));
-                return;
-            }
-        subject.utilities->Debug().Clear();
-    }
 }
 
 void CheckNoAllocation(Inspection& inspection, const ParameterTable& table)

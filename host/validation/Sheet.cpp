@@ -1,5 +1,8 @@
 #include "host/validation/Sheet.h"
+#include "host/validation/Statements.h"
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <span>
 
 namespace fernwick::validation {
 
@@ -19,14 +22,38 @@ ShadingOut WithoutPadding(ShadingOut result)
     return result;
 }
 
-/// What a shader may change of a sample on its way: the points, the UV and the channel mask.
-ShadingIn WithChangesOf(ShadingIn sample, const ShadingIn& changed)
+/// The field of a sample that a shader changed though it isn't its to change, with both values; empty for none.
+std::string ChangeOf(const ShadingIn& sample, const ShadingIn& changed, uint32_t allowed)
 {
-    sample.fPointGlobal = changed.fPointGlobal;
-    sample.fPointLocal = changed.fPointLocal;
-    sample.fUV = changed.fUV;
-    sample.fChannelMask = changed.fChannelMask;
-    return sample;
+    std::string change; // the first
+    const auto require = [&](const char* name, const auto& before, const auto& after) {
+        const auto numbers = [](const auto& record) {
+            return std::span(reinterpret_cast<const float*>(&record), sizeof record / sizeof(float));
+        };
+        if (change.empty() && !SameBits(before, after))
+            change = fmt::format("{}: expected [{}], came [{}]", name, fmt::join(numbers(before), ", "),
+                fmt::join(numbers(after), ", "));
+    };
+    if ((allowed & kChangesPoints) == 0) {
+        require("fPointGlobal", sample.fPointGlobal, changed.fPointGlobal);
+        require("fPointLocal", sample.fPointLocal, changed.fPointLocal);
+    }
+    if ((allowed & kChangesUV) == 0)
+        require("fUV", sample.fUV, changed.fUV);
+    require("fNormalGlobal", sample.fNormalGlobal, changed.fNormalGlobal);
+    require("fNormalLocal", sample.fNormalLocal, changed.fNormalLocal);
+    require("fDerivU", sample.fDerivU, changed.fDerivU);
+    require("fDerivV", sample.fDerivV, changed.fDerivV);
+    if (!change.empty())
+        return change;
+    if ((allowed & kChangesChannelMask) == 0 && sample.fChannelMask != changed.fChannelMask)
+        return fmt::format(
+            "fChannelMask: expected {:#x}, came {:#x}", sample.fChannelMask, changed.fChannelMask);
+    if (!SameBits(sample.fHostDataA, changed.fHostDataA) || !SameBits(sample.fHostDataB, changed.fHostDataB))
+        return "host data: expected the host's, came other bytes";
+    if (sample.fInstance != changed.fInstance)
+        return "fInstance: expected the host's, came another";
+    return "";
 }
 
 } // namespace
@@ -42,13 +69,14 @@ const char* Sheet::NameOf(Operation operation)
     return kNames[operation];
 }
 
-Sheet::Sheet(const ShadingIn& sample, bool fullArea) : fSample(sample)
+Sheet::Sheet(const ShadingIn& sample, bool fullArea, float number) : fSample(sample)
 {
     for (Walled<ShadingIn>& in : fIn)
         in.fRecord = sample;
-    fValue.fRecord = 0.25f;
-    fColor.fRecord = {0.5f, 0.25f, 0.125f, 0.75f};
-    fVector.fRecord = sample.fNormalGlobal;
+    fValue.fRecord = number;
+    fColor.fRecord = {number * 2, number, number / 2, number * 3};
+    // The host hands over the normal that is to be bent.
+    fVector.fRecord = number == kUsualNumber ? sample.fNormalGlobal : TVector3(number, number, number);
     fValueFullArea.fRecord = fullArea;
     fColorFullArea.fRecord = fullArea;
 }
@@ -73,18 +101,18 @@ void Sheet::Ask(I3DExShader& shader, Operation operation)
 
 void Sheet::Ask(I3DExShader& shader)
 {
-    for (const Operation operation : {kValue, kColor, kVector, kSurface})
+    for (const Operation operation : kOperations)
         Ask(shader, operation);
 }
 
-std::string Sheet::WildWrite() const
+std::string Sheet::WildWrite(uint32_t sampleChanges) const
 {
-    for (const Operation operation : {kValue, kColor, kVector, kSurface}) {
+    for (const Operation operation : kOperations) {
         const Walled<ShadingIn>& in = fIn[operation];
         if (!in.IsWhole())
             return fmt::format("{} writes beside ShadingIn", NameOf(operation));
-        if (!SameBits(WithChangesOf(fSample, in.fRecord), in.fRecord))
-            return fmt::format("{} changes a field of ShadingIn that is the host's", NameOf(operation));
+        if (const std::string change = ChangeOf(fSample, in.fRecord, sampleChanges); !change.empty())
+            return fmt::format("{} changes ShadingIn's {}", NameOf(operation), change);
     }
     if (!fValue.IsWhole() || !fValueFullArea.IsWhole())
         return "ShadeValue writes beside its result";
@@ -95,6 +123,37 @@ std::string Sheet::WildWrite() const
     if (!fResult.IsWhole())
         return "ShadeSurface writes beside ShadingOut";
     return "";
+}
+
+std::string Sheet::LeftUnset(const Sheet& other, int32_t kinds, uint32_t left) const
+{
+    std::string text; // of the first
+    const auto require = [&](Operation operation, const char* result, const auto& own, const auto& others) {
+        if (text.empty() && !SameBits(own, others))
+            text = fmt::format("{} leaves its {}: expected one result whatever was there, came {} and {}",
+                NameOf(operation), result, own, others);
+    };
+    if ((kinds & kOutputValue) != 0 && fCoverage[kValue] != 0) {
+        require(kValue, "value", fValue.fRecord, other.fValue.fRecord);
+        if ((left & kLeavesValueFullArea) == 0)
+            require(kValue, "fullArea", fValueFullArea.fRecord, other.fValueFullArea.fRecord);
+    }
+    if ((kinds & kOutputColor) != 0 && fCoverage[kColor] != 0) {
+        const TMCColorRGBA& own = fColor.fRecord;
+        const TMCColorRGBA& others = other.fColor.fRecord;
+        require(kColor, "fullArea", fColorFullArea.fRecord, other.fColorFullArea.fRecord);
+        if ((left & kLeavesColor) == 0) {
+            require(kColor, "red", own.fRed, others.fRed);
+            require(kColor, "green", own.fGreen, others.fGreen);
+            require(kColor, "blue", own.fBlue, others.fBlue);
+        }
+        if ((left & kLeavesAlpha) == 0)
+            require(kColor, "alpha", own.fAlpha, others.fAlpha);
+    }
+    if ((kinds & kOutputVector) != 0 && (left & kLeavesVector) == 0)
+        for (const uint32_t i : {0u, 1u, 2u})
+            require(kVector, "vector", fVector.fRecord[i], other.fVector.fRecord[i]);
+    return text;
 }
 
 const char* Sheet::DifferenceFrom(const Sheet& other) const
@@ -109,7 +168,7 @@ const char* Sheet::DifferenceFrom(const Sheet& other) const
         SameBits(fVector.fRecord, other.fVector.fRecord),
         SameResult(fResult.fRecord, other.fResult.fRecord) && fProduced == other.fProduced,
     };
-    for (const Operation operation : {kValue, kColor, kVector, kSurface}) {
+    for (const Operation operation : kOperations) {
         const bool sameCoverage
             = operation == kSurface || SameBits(fCoverage[operation], other.fCoverage[operation]);
         if (!same[operation] || !sameCoverage

@@ -43,16 +43,26 @@ private:
 class Sheet {
 public:
     enum Operation { kValue, kColor, kVector, kSurface, kOperationCount };
+    static constexpr Operation kOperations[] = {kValue, kColor, kVector, kSurface};
     static const char* NameOf(Operation operation);
+    static constexpr float kUsualNumber = 0.25f;
 
-    explicit Sheet(const ShadingIn& sample, bool fullArea = false);
+    /// @param fullArea  what the flags hold before
+    /// @param number    what the other results hold before, or are made of
+    explicit Sheet(const ShadingIn& sample, bool fullArea = false, float number = kUsualNumber);
 
     void Ask(I3DExShader& shader, Operation operation);
     /// All four, in their order.
     void Ask(I3DExShader& shader);
 
     /// What was written that isn't the shader's to write; empty for nothing.
-    std::string WildWrite() const;
+    /// @param sampleChanges  the `SampleChanges` that are the shader's
+    std::string WildWrite(uint32_t sampleChanges) const;
+    /// The first result that another sheet, which held other contents before, came back with otherwise; empty for
+    /// none. For the values, colours and vectors that a class offers; without coverage they may be anything.
+    /// @param kinds  the class's `OutputKinds`
+    /// @param left   the class's `LeftResults`
+    std::string LeftUnset(const Sheet& other, int32_t kinds, uint32_t left) const;
     /// The first operation whose answers differ to the bit; null for none.
     const char* DifferenceFrom(const Sheet& other) const;
 

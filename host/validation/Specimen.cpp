@@ -1,6 +1,9 @@
 #include "host/validation/Specimen.h"
 #include "frame/Query.h"
+#include "frame/TMCString.h"
 #include "host/parameters/FieldValue.h"
+#include "host/validation/Statements.h"
+#include <cstring>
 #include <fmt/format.h>
 
 namespace fernwick::validation {
@@ -14,6 +17,17 @@ Specimen::Specimen(const Library& library, const GUID& classID)
     *fShader.Address() = static_cast<I3DExShader*>(face);
     if (Query(*fShader, IID_IExDataExchanger, fExchanger) != MC_S_OK)
         throw LibraryError(fmt::format("{} has no IExDataExchanger", GuidText(classID)));
+}
+
+FieldPlace PlaceOf(const Field& field)
+{
+    if (field.fType != FieldType::kString)
+        return {field.fOffset, LayoutOf(field.fType).fSize};
+    constexpr size_t kHead = sizeof(void*);
+    constexpr size_t kCounts = 3 * sizeof(uint32_t);
+    constexpr size_t kText = 256;
+    static_assert(kHead + kCounts + kText <= sizeof(TMCString255));
+    return {field.fOffset + kHead, kCounts + kText};
 }
 
 std::vector<const Field*> SlotsOf(const ParameterTable& table)
@@ -32,6 +46,22 @@ std::string DifferenceOf(const ParameterTable& table, const void* left, const vo
         const std::string rightText = ValueText(field, ReadField(field, right));
         if (leftText != rightText)
             return fmt::format("{} is {} and {}", field.fName, leftText, rightText);
+    }
+    return "";
+}
+
+std::string RecordCopy::Change(bool derived, std::string_view written) const
+{
+    const char* const record = fObject.Record();
+    if (std::memcmp(fBytes.data(), record, fBytes.size()) == 0)
+        return "";
+    for (const Field& field : fTable.fFields) {
+        const FieldPlace place = PlaceOf(field);
+        if (std::memcmp(fBytes.data() + place.start, record + place.start, place.size) == 0
+            || (derived && field.fDerived) || Names(written, field.fName))
+            continue;
+        return fmt::format("{}: expected {}, came {}", field.fName,
+            ValueText(field, ReadField(field, fBytes.data())), ValueText(field, ReadField(field, record)));
     }
     return "";
 }

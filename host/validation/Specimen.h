@@ -29,11 +29,36 @@ private:
     MCCountedPtr<IExDataExchanger> fExchanger;
 };
 
+/// Where a field's data lie in a record. A string's table of operations and its padding are no data.
+struct FieldPlace {
+    size_t start;
+    size_t size; ///< bytes
+};
+FieldPlace PlaceOf(const Field& field);
+
 /// The slots of a class.
 std::vector<const Field*> SlotsOf(const ParameterTable& table);
 
 /// The first field in which two records of the class differ, with both values; empty for none. Slots don't count.
 std::string DifferenceOf(const ParameterTable& table, const void* left, const void* right);
+
+/// A copy of a record's data, to be compared with what becomes of it.
+class RecordCopy {
+public:
+    RecordCopy(const ParameterTable& table, const Specimen& object)
+        : fTable(table), fObject(object), fBytes(object.Record(), object.Record() + table.fRecordSize)
+    { }
+
+    /// The first field that isn't as it was, with what was expected and what came; empty for none.
+    /// @param derived   fields that the table calls derived may change
+    /// @param written   names of further fields that may
+    std::string Change(bool derived, std::string_view written) const;
+
+private:
+    const ParameterTable& fTable;
+    const Specimen& fObject;
+    std::vector<char> fBytes;
+};
 
 /// What the check loads: the library with the host's own services.
 struct Subject {

@@ -1,6 +1,7 @@
 #include "host/validation/Validation.h"
 #include "host/validation/Checks.h"
 #include "host/validation/Inspection.h"
+#include "host/validation/Specimen.h"
 
 namespace fernwick::validation {
 
@@ -19,7 +20,9 @@ constexpr Check kChecks[] = {
     {"routes", "Every identifier of saved documents makes its class, twins alike", nullptr, CheckRoutes},
     {"buffer-sizes", "The record lies where the host writes it, and is as long as documents hold it", nullptr,
         CheckBufferSizes},
-    {"defaults", "A new object always has the same parameters, whatever its memory held", nullptr,
+    {"default-values", "A new object holds the parameters that panels show and documents leave out", nullptr,
+        CheckDefaultValues},
+    {"defaults", "A new object always has the same parameters and answers, whatever its memory held", nullptr,
         CheckDefaults},
     {"component-laws", "Faces of an object are one object with one count", nullptr, CheckComponentLaws},
     {"aggregation", "An object inside a wrapper counts, asks and dies through it", nullptr, CheckAggregation},
@@ -29,13 +32,26 @@ constexpr Check kChecks[] = {
     {"absent-kinds", "What a class doesn't offer leaves the result as it was", nullptr, CheckAbsentKinds},
     {"slots", "Every slot can be empty, plugged, emptied again, or hold what is no shader", nullptr,
         CheckSlots},
+    {"emptied-slots", "What was unplugged is never called again, but by the layers, which keep it", nullptr,
+        CheckEmptiedSlots},
+    {"same-parameters", "Two objects count as the same when nothing that is compared differs", nullptr,
+        CheckSameParameters},
     {"hosts", "A host that gives no scene, or answers null or nothing, harms nobody", nullptr, CheckHosts},
     {"refused-memory", "Memory refused at any allocation is a failure that leaves nothing", nullptr,
         CheckRefusedMemory},
+    {"interleaved", "Two objects by turns, or one within the other's sample, answer as each does alone",
+        nullptr, CheckInterleaved},
     {"two-threads", "Two objects of a class don't disturb each other", nullptr, CheckTwoThreads},
+    {"static-data", "Changing and shading write to no data of the module, which all objects share", nullptr,
+        CheckStaticData},
+    {"processor-state", "The processor's rounding and its traps stay as the host set them", nullptr,
+        CheckProcessorState},
+    {"silence", "Nothing is printed to the host's outputs", nullptr, CheckSilence},
+    {"stack", "An operation takes no more than 32 KiB of stack", nullptr, CheckStack},
     {"no-allocation", "Changing and shading ask for no memory", nullptr, CheckNoAllocation},
     {"leaks", "A life of any length leaves no block, component or reference", nullptr, CheckLeaks},
-    {"parameter-fuzz", "No record and no sample makes a crash, a hang, a wild write or a chance result",
+    {"parameter-fuzz",
+        "No record and no sample makes a crash, a hang, a wild write, or a result left unset or to chance",
         nullptr, CheckParameterFuzz},
 };
 
@@ -59,6 +75,25 @@ std::vector<Finding> RunOn(const Check& check, const Job& job, const ParameterTa
 } // namespace
 
 std::span<const Check> AllChecks() { return kChecks; }
+
+std::string LoadTrouble(const std::filesystem::path& library)
+{
+    constexpr std::chrono::seconds kLimit{10};
+    const auto load = [&](const Teller& teller, Activity& activity) {
+        activity.Set("it was loaded");
+        try {
+            const Subject subject(library);
+        } catch (...) {
+            teller(TextOfException());
+        }
+    };
+    const Ending ending = RunApart(load, kLimit);
+    if (!ending.lines.empty())
+        return ending.lines.substr(0, ending.lines.find('\n'));
+    return ending.trouble.empty()
+        ? ""
+        : library.string() + ": " + ending.trouble + " while " + ending.activity.text;
+}
 
 std::vector<Finding> Run(const Check& check, const Job& job)
 {

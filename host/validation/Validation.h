@@ -38,6 +38,10 @@ struct Check {
 /// All checks, in the order in which they run.
 std::span<const Check> AllChecks();
 
+/// Why a library can't be loaded, in one line that begins with its path; empty when it can. It is tried in a process
+/// of its own.
+std::string LoadTrouble(const std::filesystem::path& library);
+
 /// Runs one check: in a process of its own for the module, or one for each class. A crash and an overrun of the
 /// time limit are findings.
 std::vector<Finding> Run(const Check& check, const Job& job);

@@ -1,5 +1,4 @@
 #include "tests/same/Comparison.h"
-#include "frame/TMCString.h"
 #include "host/parameters/FieldValue.h"
 #include <bit>
 #include <fmt/format.h>
@@ -9,23 +8,6 @@ namespace fernwick::same {
 using namespace validation;
 
 namespace {
-
-/// Where a field's data begin and how long they are.
-struct Place {
-    size_t start;
-    size_t size;
-};
-
-Place PlaceOf(const Field& field)
-{
-    if (field.fType != FieldType::kString)
-        return {field.fOffset, LayoutOf(field.fType).fSize};
-    constexpr size_t kHead = sizeof(void*);
-    constexpr size_t kCounts = 3 * sizeof(uint32_t);
-    constexpr size_t kText = 256;
-    static_assert(kHead + kCounts + kText <= sizeof(TMCString255));
-    return {field.fOffset + kHead, kCounts + kText};
-}
 
 std::string TextOf(const ProbeCall& call) { return fmt::format("{} of {}", call.operation, call.whom); }
 
@@ -104,7 +86,7 @@ std::string DifferenceOf(std::span<const ProbeCall> left, std::span<const ProbeC
 RecordSpans::RecordSpans(const ParameterTable& table) : fTable(table)
 {
     for (const Field& field : table.fFields) {
-        const Place place = PlaceOf(field);
+        const FieldPlace place = PlaceOf(field);
         if (!fSpans.empty() && fSpans.back().start + fSpans.back().size == place.start)
             fSpans.back().size += place.size;
         else
@@ -119,7 +101,7 @@ std::string RecordSpans::DifferenceOf(const char* left, const char* right) const
             continue;
         for (const Field* field = span.field; field != fTable.fFields.data() + fTable.fFields.size();
              ++field) {
-            const Place place = PlaceOf(*field);
+            const FieldPlace place = PlaceOf(*field);
             if (std::memcmp(left + place.start, right + place.start, place.size) != 0)
                 return fmt::format("the record's {} is {} and {}", field->fName,
                     ValueText(*field, ReadField(*field, left)), ValueText(*field, ReadField(*field, right)));
@@ -135,7 +117,7 @@ void RecordSpans::Copy(const Field& field, const char* from, char* to)
             = *reinterpret_cast<const SubShaderSlot*>(from + field.fOffset);
         return;
     }
-    const Place place = PlaceOf(field);
+    const FieldPlace place = PlaceOf(field);
     std::memcpy(to + place.start, from + place.start, place.size);
 }
 

@@ -266,8 +266,7 @@ private:
     bool Shade(const ShadingIn& sample, const Specimen& left, const Specimen& right)
     {
         Sheet sheets[2] = {Sheet(sample), Sheet(sample)};
-        for (const Sheet::Operation operation :
-            {Sheet::kValue, Sheet::kColor, Sheet::kVector, Sheet::kSurface}) {
+        for (const Sheet::Operation operation : Sheet::kOperations) {
             const char* const name = Sheet::NameOf(operation);
             const bool same = CompareCalls(name, left, right,
                 [&](const Specimen& object, int side) { sheets[side].Ask(object.Shader(), operation); });
