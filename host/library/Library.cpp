@@ -1,5 +1,6 @@
 #include "host/library/Library.h"
 #include "host/library/Module.h"
+#include "host/library/RegularFile.h"
 
 namespace fernwick {
 
@@ -29,6 +30,9 @@ Library::Library(const std::filesystem::path& path, MCCountedPtr<Utilities> util
     if (!std::filesystem::exists(fPath))
         throw LibraryError(fPath.string()
             + ": no such file; build the library, or name it with --library or FERNWICK_LIBRARY");
+    if (const std::string reason = WhyNoFile(fPath); !reason.empty())
+        throw LibraryError(fPath.string() + ": can't be loaded: " + reason
+            + "; name the library with --library or FERNWICK_LIBRARY");
     fHandle.reset(OpenModule(fPath));
     if (!fHandle)
         throw LibraryError(fPath.string() + ": can't be loaded: " + LastModuleFailure());

@@ -3,7 +3,10 @@
 #ifdef _WIN32
 #include <windows.h>
 #else
+#include <cstring>
 #include <dlfcn.h>
+#include <fstream>
+#include <link.h>
 #endif
 
 namespace fernwick {
@@ -25,7 +28,40 @@ bool IsModuleLoaded(const std::filesystem::path& path)
 
 std::string LastModuleFailure() { return "system error " + std::to_string(GetLastError()); }
 #else
-void* OpenModule(const std::filesystem::path& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
+namespace {
+
+thread_local std::string gDamage; // of the file that was opened last
+
+/// What is wrong with the length of a file: to touch a segment that is mapped beyond its end stops the program. Empty
+/// for a whole file, and for one that isn't of this system, which the system itself tells best.
+std::string DamageOf(const std::filesystem::path& path)
+{
+    std::error_code failure;
+    const uintmax_t size = std::filesystem::file_size(path, failure);
+    std::ifstream stream(path, std::ios::binary);
+    ElfW(Ehdr) head{};
+    constexpr unsigned char kClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
+    if (failure || !stream.read(reinterpret_cast<char*>(&head), sizeof head)
+        || std::memcmp(head.e_ident, ELFMAG, SELFMAG) != 0 || head.e_ident[EI_CLASS] != kClass)
+        return "";
+    for (size_t i = 0; i < head.e_phnum; ++i) {
+        ElfW(Phdr) segment{};
+        stream.seekg(static_cast<std::streamoff>(head.e_phoff + i * head.e_phentsize));
+        const bool isRead = static_cast<bool>(stream.read(reinterpret_cast<char*>(&segment), sizeof segment));
+        const bool isMapped = segment.p_type == PT_LOAD;
+        if (!isRead || (isMapped && (segment.p_offset > size || segment.p_filesz > size - segment.p_offset)))
+            return "the file is cut off after " + std::to_string(size) + " bytes; build or copy it anew";
+    }
+    return "";
+}
+
+} // namespace
+
+void* OpenModule(const std::filesystem::path& path)
+{
+    gDamage = DamageOf(path);
+    return gDamage.empty() ? dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+}
 
 void CloseModule(void* handle) { dlclose(handle); }
 
@@ -41,6 +77,8 @@ bool IsModuleLoaded(const std::filesystem::path& path)
 
 std::string LastModuleFailure()
 {
+    if (!gDamage.empty())
+        return gDamage;
     const char* const text = dlerror();
     return text != nullptr ? text : "no reason given";
 }

@@ -1,5 +1,6 @@
 #include "host/sources/PictureSource.h"
 #include "host/files/PictureAttributes.h"
+#include "host/library/RegularFile.h"
 #include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
@@ -45,8 +46,8 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::
     [[maybe_unused]] static const bool isLimited = OIIO::attribute("limits:imagesize_MB", kMostMegabytes);
     if (file.empty())
         throw SourceError("file: expected the name of a picture file, got none");
-    if (!std::filesystem::is_regular_file(file))
-        throw Unreadable(file, "there is no such file");
+    if (const std::string reason = WhyNoFile(file); !reason.empty())
+        throw Unreadable(file, reason);
     OIIO::ImageSpec wishes;
     wishes.attribute("oiio:UnassociatedAlpha", 1);
     auto input = OIIO::ImageInput::create(file.string());

@@ -40,7 +40,7 @@ constexpr Room kHouse[] = {
     {"host/sources", "frame host/files host/library host/parameters"},
     {"host/geometry", "frame host/threads"},
     {"host/scene", "frame host/library host/geometry"},
-    {"host/documents", "frame host/parameters host/json host/sources host/geometry host/scene"},
+    {"host/documents", "frame host/library host/parameters host/json host/sources host/geometry host/scene"},
     {"host/pictures", "frame host/files"},
     {"host/shading",
         "frame module shaders/optics shaders/scene host/threads host/library host/geometry host/scene"
