@@ -15,5 +15,7 @@ std::string HelpText(const fernwick::Field& field)
         text += fmt::format(" ({} to {})", *field.fMinimum, *field.fMaximum);
     else if (field.fMinimum)
         text += fmt::format(" (at least {})", *field.fMinimum);
+    if (field.fCondition)
+        text += fmt::format(" (only with {} {})", field.fCondition->fField, field.fCondition->fValue);
     return text + (field.fDerived ? " (written by the shader)" : "");
 }

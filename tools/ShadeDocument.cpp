@@ -1,6 +1,7 @@
 #include "tools/ShadeDocument.h"
 #include "host/documents/HexColor.h"
 #include "host/json/JsonNode.h"
+#include "host/json/Nearest.h"
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Names.h"
@@ -27,12 +28,21 @@ Assignment Split(const std::string& text, const char* option, const char* exampl
     return {text.substr(0, sign), text.substr(sign + 1)};
 }
 
-/// `#ff8800` or `1,0.5,0` as the numbers of a colour; else, and for an alpha that isn't wanted, the text as it is.
+/// `#ff8800`, `#f80` or `1,0.5,0` as the numbers of a colour, else the text as it is. Throws `UsageError` for any
+/// other text that begins as a colour of the web, and for an alpha that isn't wanted.
 /// @param channels  3, or 4 with alpha
-Json ColorOf(const std::string& text, size_t channels)
+Json ColorOf(const std::string& text, size_t channels, const std::string& place)
 {
+    const bool isHex = text.starts_with('#');
     const auto color = fernwick::ReadHexColor(text);
-    if (color && (channels > 3 || text.size() < std::size("#rrggbbaa") - 1)) {
+    if (isHex && !color)
+        throw UsageError(
+            fmt::format("{}: \"{}\" is no colour; a colour is like #ff8800, #f80 or 1,0.5,0", place, text));
+    const bool hasAlpha
+        = isHex && (text.size() == std::size("#rgba") - 1 || text.size() == std::size("#rrggbbaa") - 1);
+    if (hasAlpha && channels < 4)
+        throw UsageError(fmt::format("{}: this colour has no alpha; leave it out of \"{}\"", place, text));
+    if (color) {
         Json numbers = {color->fRed, color->fGreen, color->fBlue};
         if (channels > 3)
             numbers.push_back(color->fAlpha);
@@ -44,19 +54,20 @@ Json ColorOf(const std::string& text, size_t channels)
 
 /// A value as JSON, else the text as it is: `true`, `[0, 1]`, `KEYM`. What a label of a choice or a text looks like,
 /// such as `12`, is a text for a field of those.
-Json ValueOf(const fernwick::ParameterTable& table, const Assignment& set)
+/// @param shader  what texts call the shader whose field is set
+Json ValueOf(const fernwick::ParameterTable& table, const Assignment& set, const std::string& shader)
 {
     using fernwick::FieldType;
     const fernwick::Field* const field = table.Find(set.field);
     const FieldType type = field != nullptr ? field->fType : FieldType::kFloat;
     if ((type == FieldType::kRGB || type == FieldType::kRGBA) && !Json::accept(set.value))
-        return ColorOf(set.value, type == FieldType::kRGB ? 3 : 4);
+        return ColorOf(set.value, type == FieldType::kRGB ? 3 : 4, shader + '.' + set.field);
     const bool isLabel = field != nullptr
         && std::any_of(field->fChoices.begin(), field->fChoices.end(),
             [&set](const fernwick::Choice& choice) { return choice.fLabel == set.value; });
     if (isLabel || !Json::accept(set.value))
         return set.value;
-    Json value = fernwick::JsonNode::Parse(set.value);
+    Json value = fernwick::ParseJson(set.value);
     const bool holdsText = type == FieldType::kString || type == FieldType::kFile;
     return holdsText && !value.is_string() ? Json(set.value) : value;
 }
@@ -95,7 +106,8 @@ std::optional<std::string> TakeEncoding(const fernwick::Field& encoding, std::st
 }
 
 /// The source that a text such as `checker`, `ramp:v` or `color:#ff8800` describes.
-Json SourceOf(const std::string& text)
+/// @param shader  what texts call it
+Json SourceOf(const std::string& text, const char* option, const std::string& shader)
 {
     const size_t colon = text.find(':');
     const std::string name = text.substr(0, colon);
@@ -106,12 +118,12 @@ Json SourceOf(const std::string& text)
     const auto argument = std::find_if(std::begin(kArguments), std::end(kArguments),
         [&name](const Argument& candidate) { return candidate.source == name; });
     if (argument == std::end(kArguments))
-        throw UsageError(fmt::format("--plug: {} takes nothing behind a colon", name));
+        throw UsageError(fmt::format("{}: {} takes nothing behind a colon", option, name));
     std::string value = text.substr(colon + 1);
     if (const fernwick::Field* const encoding = kind->fTable.Find("encoding"))
         if (const auto label = TakeEncoding(*encoding, value))
             source["encoding"] = *label;
-    source[argument->field] = ValueOf(kind->fTable, {argument->field, value});
+    source[argument->field] = ValueOf(kind->fTable, {argument->field, value}, shader);
     return source;
 }
 
@@ -130,9 +142,9 @@ size_t CountSlots(const fernwick::ParameterTable& table, const std::string& name
 void RequireOption(const fernwick::ParameterTable& table, const std::string& name, bool isPlug)
 {
     const fernwick::Field* const field = table.Find(name);
-    if (field != nullptr && isPlug && !IsSlot(*field))
-        throw UsageError(fmt::format("--plug: {}.{} takes {}; give it with --set", table.fName, name,
-            fernwick::TypeText(field->fType)));
+    const std::string taken = table.AddressText(name);
+    if (isPlug && !taken.empty() && (field == nullptr || !IsSlot(*field)) && CountSlots(table, name) == 0)
+        throw UsageError(fmt::format("--plug: {}.{} takes {}; give it with --set", table.fName, name, taken));
     if (!isPlug && ((field != nullptr && IsSlot(*field)) || CountSlots(table, name) > 0))
         throw UsageError(fmt::format("--set: {}.{} takes a shader; give it with --plug", table.fName, name));
 }
@@ -201,7 +213,7 @@ void ReadSets(const ShadeSettings& settings, const fernwick::ParameterTable& tab
         if (set.field == "class" || set.field == "source")
             throw UsageError(fmt::format("{}.{}: {} has no such field", table.fName, set.field, table.fName));
         RequireOption(table, set.field, false);
-        Put(shader, set.field, ValueOf(table, set));
+        Put(shader, set.field, ValueOf(table, set, table.fName));
     }
 }
 
@@ -213,7 +225,7 @@ void ReadPlugs(
         const Assignment plug = Split(text, "--plug", "fSubShader=checker");
         RequireOption(table, plug.field, true);
         const std::string plugged = settings.name + '.' + plug.field;
-        shaders[plugged] = SourceOf(plug.value);
+        shaders[plugged] = SourceOf(plug.value, "--plug", plugged);
         const size_t count = CountSlots(table, plug.field);
         Put(shader, plug.field, count > 0 ? Json(std::vector(count, plugged)) : Json(plugged));
     }
@@ -256,5 +268,26 @@ fernwick::GraphDocument MakeShadeDocument(const ShadeSettings& settings)
         throw UsageError(error.what());
     } catch (const Json::exception&) {
         throw UsageError("--set, --plug: a text isn't UTF-8");
+    }
+}
+
+fernwick::GraphDocument MakeGroundDocument(const std::string& over)
+{
+    const std::string source = over.substr(0, over.find(':'));
+    if (fernwick::FindSource(source) == nullptr) {
+        const std::string hint = fernwick::NearestHint(source, SourceNames());
+        if (!hint.empty() && !std::filesystem::exists(over))
+            throw fernwick::GraphError(
+                fmt::format("--over: there is no source or file \"{}\"{}", over, hint));
+        return fernwick::GraphDocument::Read(over);
+    }
+    const std::string name = "--over";
+    const Json document = {{"shaders", {{name, SourceOf(over, "--over", name)}}}, {"output", name}};
+    try {
+        return fernwick::GraphDocument::Parse(document.dump(), "");
+    } catch (const fernwick::GraphError& error) {
+        throw UsageError(error.what());
+    } catch (const Json::exception&) {
+        throw UsageError("--over: the text isn't UTF-8");
     }
 }

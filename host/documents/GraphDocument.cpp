@@ -2,17 +2,46 @@
 #include "host/documents/SceneReader.h"
 #include "host/json/FieldReader.h"
 #include "host/json/Nearest.h"
+#include "host/json/Printable.h"
+#include "host/library/RegularFile.h"
+#include "host/parameters/Doubts.h"
 #include "host/sources/Sources.h"
 #include <algorithm>
+#include <cerrno>
 #include <fmt/format.h>
 #include <fstream>
-#include <iterator>
+#include <system_error>
 
 namespace fernwick {
 
 namespace {
 
-constexpr size_t kDeepest = 256; // shaders call each other as deep as they are plugged
+constexpr size_t kDeepest = 256;        // shaders call each other as deep as they are plugged
+constexpr size_t kMostBytes = 64 << 20; // of a file
+
+/// All of a file, or of a pipe that ends.
+std::string TextOf(const std::filesystem::path& file)
+{
+    const auto fail = [&file](const std::string& reason) {
+        throw GraphError(fmt::format("{}: can't be read: {}", file.string(), reason));
+    };
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    std::error_code failure;
+    if (!stream || std::filesystem::is_directory(file, failure)) {
+        const int reason = errno;
+        const std::string other = WhyNoFile(file);
+        fail(other.empty() ? std::generic_category().message(reason) : other);
+    }
+    std::string text;
+    std::vector<char> piece(1 << 20);
+    while (stream.read(piece.data(), static_cast<std::streamsize>(piece.size())), stream.gcount() > 0) {
+        text.append(piece.data(), static_cast<size_t>(stream.gcount()));
+        if (text.size() > kMostBytes)
+            fail(fmt::format("it goes on behind {} MiB, and a graph is shorter", kMostBytes >> 20));
+    }
+    return text;
+}
 
 /// The table that `name` is the name of.
 template <class Tables, class TableOf>
@@ -56,8 +85,8 @@ public:
         if (fStates[place] == State::kOpen)
             FailCircle();
         if (fPath.size() > kDeepest)
-            throw GraphError(
-                fmt::format("{}: shaders are plugged more than {} deep", fShaders[place].fName, kDeepest));
+            throw GraphError(Printable(
+                fmt::format("{}: shaders are plugged more than {} deep", fShaders[place].fName, kDeepest)));
         fStates[place] = State::kOpen;
         for (const size_t below : PluggedIn(fShaders[place]))
             Add(below);
@@ -82,8 +111,8 @@ private:
         const auto start = std::find(fPath.begin(), fPath.end(), fPath.back());
         for (auto place = start; place != fPath.end(); ++place)
             circle += (place == start ? "" : " -> ") + fShaders[*place].fName;
-        throw GraphError(
-            fmt::format("{}: the shaders are plugged in a circle: {}", fShaders[fPath.back()].fName, circle));
+        throw GraphError(Printable(fmt::format(
+            "{}: the shaders are plugged in a circle: {}", fShaders[fPath.back()].fName, circle)));
     }
 };
 
@@ -112,7 +141,7 @@ void MakeSource(DocumentShader& shader)
     try {
         shader.fSource = kind->fMake(shader.fSettings);
     } catch (const SourceError& error) {
-        throw GraphError(fmt::format("{}.{}", shader.fName, error.what()));
+        throw GraphError(Printable(fmt::format("{}.{}", shader.fName, error.what())));
     }
 }
 
@@ -131,12 +160,18 @@ std::vector<size_t> PluggedIn(const DocumentShader& shader)
     return places;
 }
 
+std::string TitleOf(const DocumentShader& shader, const void* record)
+{
+    std::string title = fmt::format("{} ({}", shader.fName, shader.fTable->fName);
+    for (const Field& field : shader.fTable->fFields)
+        if (field.fType == FieldType::kString && !field.fName.ends_with(']')) // arrays of texts are labels
+            title += fmt::format(", {} {}", field.fName, ValueText(field, ReadField(field, record)));
+    return title + ')';
+}
+
 GraphDocument GraphDocument::Read(const std::filesystem::path& file)
 {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(file))
-        throw GraphError(file.string() + ": can't be read");
-    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    const std::string text = TextOf(file);
     try {
         return Parse(text, std::filesystem::absolute(file).parent_path());
     } catch (const GraphError& error) {
@@ -146,7 +181,7 @@ GraphDocument GraphDocument::Read(const std::filesystem::path& file)
 
 GraphDocument GraphDocument::Parse(const std::string& text, const std::filesystem::path& folder)
 {
-    const Json json = JsonNode::Parse(text);
+    const Json json = ParseJson(text);
     const JsonNode root(json, "");
     root.RequireKeys({"$schema", "shaders", "output", "scene"});
     const auto shaders = root.Find("shaders");
@@ -160,6 +195,7 @@ GraphDocument GraphDocument::Parse(const std::string& text, const std::filesyste
     if (names.contains(""))
         shaders->Fail("a shader needs a name");
 
+    GraphDocument document;
     std::vector<DocumentShader> read;
     for (const auto& [name, member] : shaders->Members()) {
         const JsonNode node = member.At(name);
@@ -170,11 +206,12 @@ GraphDocument GraphDocument::Parse(const std::string& text, const std::filesyste
         for (const auto& [address, value] : node.Members())
             if (address != "class" && address != "source")
                 reader.Read(address, value, shader.fSettings);
+        for (const std::string& doubt : FindDoubts(shader.fSettings))
+            document.fDoubts.push_back(Printable(fmt::format("{}.{}", name, doubt)));
     }
 
     Sorter sorter(read);
     sorter.Add(FindShader(*output, names));
-    GraphDocument document;
     document.fOutputIndex = sorter.Order().size() - 1;
     for (size_t place = 0; place < read.size(); ++place)
         sorter.Add(place);

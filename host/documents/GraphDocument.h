@@ -18,6 +18,11 @@ struct DocumentShader {
 /// What a shader plugs in by place, in the order of the record. An emptied slot plugs in nothing.
 std::vector<size_t> PluggedIn(const DocumentShader& shader);
 
+/// What users know a shader by: its name, its class and the elements that its record names, such as
+/// `wall (Lit, fLightName "Lamp")`.
+/// @param record  of the live shader, with the settings in it
+std::string TitleOf(const DocumentShader& shader, const void* record);
+
 /// A graph of shaders as a file describes it, read and checked against the tables. Plain data: it needs no
 /// library, and any number of threads may make their graphs of it.
 ///
@@ -32,13 +37,13 @@ std::vector<size_t> PluggedIn(const DocumentShader& shader);
 ///
 /// Fields that aren't set keep the defaults of the object. An array is given whole or by element
 /// (`"fRange[3]": [30, 50]`), a nested record as an object, in part if wanted, or by field (`"fX.fEdgeA": 2`). A
-/// code is given as its four characters or a choice's label, or as an integer, which is taken unseen. A slot
+/// code is given as its four characters or a choice's label, or as an integer, any of which is taken. A slot
 /// takes the name of another shader; null or "" leaves it empty. A colour with alpha may go without it and is
 /// opaque then. Files are found from the document's folder. A key `$schema` is for editors, which find the schema
 /// of documents by it (see `GraphSchema`), and isn't read.
 class GraphDocument {
 public:
-    /// Reads a file. Throws `GraphError`, which names it.
+    /// Reads a file of at most 64 MiB. Throws `GraphError`, which names it.
     static GraphDocument Read(const std::filesystem::path& file);
     /// Reads a text. Throws `GraphError`.
     /// @param folder  where relative file names start
@@ -50,11 +55,14 @@ public:
     const DocumentShader& Output() const { return fShaders[fOutputIndex]; }
     uint32_t OutputKinds() const { return static_cast<uint32_t>(Output().fTable->fOutputKinds); }
     const std::optional<SceneDescription>& Scene() const { return fScene; }
+    /// What is taken as it is and may yet be a slip (see `FindDoubts`): a place and what is expected there, each.
+    const std::vector<std::string>& Doubts() const { return fDoubts; }
 
 private:
     std::vector<DocumentShader> fShaders;
     size_t fOutputIndex = 0;
     std::optional<SceneDescription> fScene;
+    std::vector<std::string> fDoubts;
 
     GraphDocument() = default;
 };

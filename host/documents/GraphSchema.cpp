@@ -34,9 +34,9 @@ Json ValueSchema(const Field& field)
     if (field.fType == FieldType::kCode || !field.fChoices.empty())
         return ChoiceSchema(field);
     Json number = {{"type", field.fType == FieldType::kInt32 ? "integer" : "number"}};
-    if (field.fMinimum)
+    if (field.fMinimum && !field.fIsLoose)
         number["minimum"] = *field.fMinimum;
-    if (field.fMaximum)
+    if (field.fMaximum && !field.fIsLoose)
         number["maximum"] = *field.fMaximum;
     switch (field.fType) {
     case FieldType::kFloat:
@@ -71,7 +71,10 @@ Json FieldSchema(const Field& field, Texts texts)
     if (texts == Texts::kNone)
         return ValueSchema(field);
     Json schema = {{"title", field.fLabel}};
-    schema["description"] = field.fUnit.empty() ? field.fHelp : field.fHelp + " In " + field.fUnit + '.';
+    std::string description = field.fUnit.empty() ? field.fHelp : field.fHelp + " In " + field.fUnit + '.';
+    if (field.fIsLoose)
+        description += " Expected: " + RangeText(field) + '.';
+    schema["description"] = description;
     schema.update(ValueSchema(field));
     return schema;
 }

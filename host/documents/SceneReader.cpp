@@ -6,6 +6,7 @@
 #include "host/scene/Placement.h"
 #include <algorithm>
 #include <fmt/format.h>
+#include <unordered_map>
 
 namespace fernwick {
 
@@ -263,11 +264,12 @@ private:
 
     void ReadNodes(const JsonNode& node, std::vector<ElementDescription>& elements) const
     {
-        std::vector<std::string> names;
-        CollectNames(elements, names);
+        std::unordered_multimap<std::string, ElementDescription*> named;
+        CollectElements(elements, named);
         for (const auto& [name, member] : node.Members()) {
-            if (std::find(names.begin(), names.end(), name) == names.end())
-                member.Fail(fmt::format("there is no element \"{}\"{}", name, NearestHint(name, names)));
+            const auto [first, last] = named.equal_range(name);
+            if (first == last)
+                FailUnknown(member, name, elements);
             ElementDescription given;
             if (member.IsText()) {
                 FindShader(member, fNames);
@@ -278,26 +280,33 @@ private:
                 ReadPlace(member, given);
             }
             const bool hasHotPoint = !member.IsText() && member.Find("hotPoint");
-            ForEachNamed(name, elements, [&](ElementDescription& element) {
+            for (auto entry = first; entry != last; ++entry) {
+                ElementDescription& element = *entry->second;
                 if (given.fLook.fShader)
                     element.fLook.fShader = given.fLook.fShader;
                 if (given.fLook.fLit)
                     element.fLook.fLit = given.fLook.fLit;
                 if (hasHotPoint)
                     element.fHotPoint = given.fHotPoint;
-            });
+            }
         }
     }
 
-    template <class Change>
-    static void ForEachNamed(
-        const std::string& name, std::vector<ElementDescription>& elements, const Change& change)
+    static void CollectElements(std::vector<ElementDescription>& elements,
+        std::unordered_multimap<std::string, ElementDescription*>& named)
     {
         for (ElementDescription& element : elements) {
-            if (element.fName == name)
-                change(element);
-            ForEachNamed(name, element.fChildren, change);
+            named.emplace(element.fName, &element);
+            CollectElements(element.fChildren, named);
         }
+    }
+
+    [[noreturn]] static void FailUnknown(
+        const JsonNode& node, const std::string& name, const std::vector<ElementDescription>& elements)
+    {
+        std::vector<std::string> names;
+        CollectNames(elements, names);
+        node.Fail(fmt::format("there is no element \"{}\"{}", name, NearestHint(name, names)));
     }
 
     static void CollectNames(const std::vector<ElementDescription>& elements, std::vector<std::string>& names)

@@ -10,9 +10,7 @@ namespace {
 
 void CheckRange(const Field& field, double number, const JsonNode& node)
 {
-    const bool tooLow = field.fMinimum && number < *field.fMinimum;
-    const bool tooHigh = field.fMaximum && number > *field.fMaximum;
-    if (!tooLow && !tooHigh)
+    if (field.fIsLoose || IsInRange(field, number))
         return;
     const std::string_view type = TypeText(field.fType);
     if (!field.fMaximum)
@@ -49,13 +47,8 @@ std::vector<TMCColorRGBA> ReadColors(const Field& field, const JsonNode& node)
     return colors;
 }
 
-std::string ChoiceText(const Field& field, const Choice& choice)
-{
-    return fmt::format("{} ({})", ValueText(field, choice.fValue), choice.fLabel);
-}
-
 /// A code's four characters, a number, or the label of a choice. Any integer is taken for a code: the shaders
-/// know no wrong ones.
+/// know no wrong ones (`FindDoubts` tells of them).
 int32_t ReadChoice(const Field& field, const JsonNode& node)
 {
     const bool isCode = field.fType == FieldType::kCode;
@@ -68,10 +61,7 @@ int32_t ReadChoice(const Field& field, const JsonNode& node)
         if (named || (node.IsInteger() && node.Int32() == choice.fValue))
             return choice.fValue;
     }
-    std::string choices;
-    for (const Choice& choice : field.fChoices)
-        choices += (choices.empty() ? "" : ", ") + ChoiceText(field, choice);
-    node.Refuse("one of " + choices);
+    node.Refuse(ChoicesText(field));
 }
 
 int32_t ReadInteger(const Field& field, const JsonNode& node)
@@ -109,38 +99,23 @@ void FieldReader::Read(
         if (field->fDerived)
             node.Fail("the shader derives this field; it can't be set");
         settings.push_back({field, ReadValue(*field, node)});
-    } else if (HasFieldsUnder(address, '[')) {
+    } else if (fTable.HasFieldsUnder(address, '[')) {
         ReadArray(address, node, settings);
-    } else if (HasFieldsUnder(address, '.')) {
+    } else if (fTable.HasFieldsUnder(address, '.')) {
         ReadRecord(address, node, settings);
     } else {
         FailUnknown(address, node);
     }
 }
 
-bool FieldReader::HasFieldsUnder(const std::string& address, char separator) const
-{
-    const std::string start = address + separator;
-    return std::any_of(fTable.fFields.begin(), fTable.fFields.end(),
-        [&start](const Field& field) { return field.fName.starts_with(start); });
-}
-
-bool FieldReader::IsKnown(const std::string& address) const
-{
-    return fTable.Find(address) != nullptr || HasFieldsUnder(address, '[') || HasFieldsUnder(address, '.');
-}
-
 void FieldReader::ReadArray(
     const std::string& address, const JsonNode& node, std::vector<FieldSetting>& settings) const
 {
-    const auto elementAt = [&address](size_t index) { return fmt::format("{}[{}]", address, index); };
-    size_t count = 0;
-    while (IsKnown(elementAt(count)))
-        ++count;
+    const size_t count = fTable.CountElements(address);
     if (!node.IsArray() || node.Count() != count)
-        node.Refuse(fmt::format("an array of {}", count));
+        node.Refuse(fTable.AddressText(address));
     for (size_t index = 0; index < count; ++index)
-        Read(elementAt(index), node.Element(index), settings);
+        Read(fmt::format("{}[{}]", address, index), node.Element(index), settings);
 }
 
 void FieldReader::ReadRecord(

@@ -28,8 +28,6 @@ private:
     const ShaderNames& fNames;
     const std::filesystem::path& fFolder;
 
-    bool HasFieldsUnder(const std::string& address, char separator) const;
-    bool IsKnown(const std::string& address) const;
     void ReadArray(
         const std::string& address, const JsonNode& node, std::vector<FieldSetting>& settings) const;
     void ReadRecord(

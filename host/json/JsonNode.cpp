@@ -1,9 +1,9 @@
 #include "host/json/JsonNode.h"
 #include "host/json/Nearest.h"
+#include "host/json/Printable.h"
 #include <algorithm>
 #include <fmt/format.h>
 #include <limits>
-#include <set>
 
 namespace fernwick {
 
@@ -11,7 +11,6 @@ namespace {
 
 constexpr size_t kTextRoom = 255;
 constexpr size_t kShownBytes = 60;
-constexpr int kDeepest = 256; // what reads a document may call itself as deep
 
 /// What a document holds at some place, briefly.
 std::string Shown(const Json& json)
@@ -27,40 +26,11 @@ std::string Shown(const Json& json)
                             : "a long number";
 }
 
-/// The text of an exception of the parser behind its code.
-std::string Reason(const std::exception& error)
-{
-    const std::string text = error.what();
-    const size_t end = text.find("] ");
-    return end == std::string::npos ? text : text.substr(end + 2);
-}
-
 } // namespace
-
-Json JsonNode::Parse(const std::string& text)
-{
-    std::vector<std::set<std::string>> keys; // of the objects that are open
-    const auto watch = [&keys](int depth, Json::parse_event_t event, const Json& parsed) {
-        if (depth > kDeepest)
-            throw GraphError(fmt::format("arrays and objects are nested more than {} deep", kDeepest));
-        if (event == Json::parse_event_t::object_start)
-            keys.emplace_back();
-        else if (event == Json::parse_event_t::object_end)
-            keys.pop_back();
-        else if (event == Json::parse_event_t::key && !keys.back().insert(parsed).second)
-            throw GraphError("the key " + parsed.dump() + " occurs twice in one object");
-        return true;
-    };
-    try {
-        return Json::parse(text, watch);
-    } catch (const Json::exception& error) {
-        throw GraphError("not JSON: " + Reason(error));
-    }
-}
 
 void JsonNode::Fail(std::string_view text) const
 {
-    throw GraphError(fWhere.empty() ? std::string(text) : fmt::format("{}: {}", fWhere, text));
+    throw GraphError(Printable(fWhere.empty() ? std::string(text) : fmt::format("{}: {}", fWhere, text)));
 }
 
 void JsonNode::Refuse(std::string_view expected) const

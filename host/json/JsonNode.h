@@ -1,7 +1,7 @@
 #pragma once
 #include "frame/Vectors.h"
 #include "host/json/GraphError.h"
-#include <nlohmann/json.hpp>
+#include "host/json/ParseJson.h"
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,17 +9,11 @@
 
 namespace fernwick {
 
-using Json = nlohmann::ordered_json;
-
 /// One value of a document and its place there. Every reading operation throws a `GraphError` that names the
 /// place, what was expected and what is there.
 class JsonNode {
 public:
     JsonNode(const Json& json, std::string where) : fJson(json), fWhere(std::move(where)) { }
-
-    /// Parses a text. Syntax errors are told with line and column; a key may occur once in an object,
-    /// and nesting has an end.
-    static Json Parse(const std::string& text);
 
     /// The same value under another name in texts.
     JsonNode At(std::string where) const { return {fJson, std::move(where)}; }

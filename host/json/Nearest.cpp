@@ -29,11 +29,17 @@ size_t Distance(std::string_view left, std::string_view right)
 
 std::string NearestHint(std::string_view name, const std::vector<std::string>& known)
 {
-    constexpr size_t kLongestName = 255; // the distance costs the product of the lengths
+    constexpr size_t kLongestName = 255;      // the distance costs the product of the lengths
+    constexpr size_t kMostWork = 100'000'000; // so that a hint among very many names comes soon
+    size_t work = 0;
     size_t nearest = name.size() > kLongestName ? 0 : std::max<size_t>(2, name.size() / 3) + 1;
     const std::string* found = nullptr;
     for (const std::string& candidate : known) {
-        const size_t distance = nearest > 0 ? Distance(name, candidate) : 0;
+        const size_t apart
+            = std::max(name.size(), candidate.size()) - std::min(name.size(), candidate.size());
+        if (apart >= nearest || (work += name.size() * candidate.size()) > kMostWork)
+            continue;
+        const size_t distance = Distance(name, candidate);
         if (distance < nearest && distance < candidate.size()) {
             nearest = distance;
             found = &candidate;

@@ -1,4 +1,5 @@
 #include "host/library/Services.h"
+#include "host/library/ShaderWrapper.h"
 #include <cstdlib>
 #include <cstring>
 
@@ -100,6 +101,8 @@ void DebugService::Clear()
 void DebugService::Keep(const char* file, int32_t line, std::string message)
 {
     fernwick::Report report{file != nullptr ? file : "", line, std::move(message)};
+    if (const ShaderWrapper* const wrapper = ShaderWrapper::Shading(); wrapper != nullptr)
+        report.shader = wrapper->Title();
     if (fListener)
         fListener(report);
     const std::lock_guard lock(fMutex);

@@ -14,6 +14,7 @@ struct Report {
     std::string file; ///< empty when the library gave none
     int32_t line = 0;
     std::string message;
+    std::string shader = {}; ///< the title of the shader that was answering; empty when none is known
 };
 
 /// The memory service. It counts what is alive, so that a leak is a number, knows when somebody wrote beyond a

@@ -4,6 +4,8 @@
 #include "frame/IShellDataComponent.h"
 #include "frame/IShellShader.h"
 #include "host/library/Component.h"
+#include <string>
+#include <utility>
 
 namespace fernwick {
 
@@ -28,14 +30,17 @@ public:
     void GetShadingFlags(ShadingFlags& flags) override { fShader->ReportNeeds(flags); }
     int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
     {
+        const Turn turn(*this);
         return fShader->ShadeSurface(result, in);
     }
     float ShadeValue(float& value, bool& fullArea, ShadingIn& in) override
     {
+        const Turn turn(*this);
         return fShader->ShadeValue(value, fullArea, in);
     }
     float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) override
     {
+        const Turn turn(*this);
         return fShader->ShadeColor(color, fullArea, in);
     }
     uint32_t GetOutputKinds() override { return static_cast<uint32_t>(fShader->GetOutputKinds()); }
@@ -54,15 +59,37 @@ public:
         return *static_cast<Params*>(fExchanger->GetExtensionDataBuffer());
     }
 
+    /// What users know the shader by, for reports; nothing until it is told.
+    const std::string& Title() const { return fTitle; }
+    void SetTitle(std::string title) { fTitle = std::move(title); }
+
+    /// The wrapper whose shader this thread is in, by a call through wrappers; null outside of any.
+    static const ShaderWrapper* Shading() { return gShading; }
+
     ShaderWrapper(const ShaderWrapper&) = delete;
     ShaderWrapper& operator=(const ShaderWrapper&) = delete;
 
 private:
+    /// Of a shader to answer, while it lives.
+    class Turn {
+    public:
+        explicit Turn(const ShaderWrapper& wrapper) : fBefore(std::exchange(gShading, &wrapper)) { }
+        ~Turn() { gShading = fBefore; }
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+    private:
+        const ShaderWrapper* fBefore;
+    };
+
+    static inline constinit thread_local const ShaderWrapper* gShading = nullptr;
+
     std::atomic<uint32_t> fCount{1};
     GUID fClassID;
     I3DExShader* fShader = nullptr;         // not counted
     IExDataExchanger* fExchanger = nullptr; // not counted
     void* fForwarded = nullptr;
+    std::string fTitle;
 
     explicit ShaderWrapper(const GUID& classID) : fClassID(classID) { }
     ~ShaderWrapper() = default;

@@ -121,4 +121,13 @@ std::string ValueText(const Field& field, const FieldValue& value)
     return std::visit(ValueWriter{field}, value);
 }
 
+std::string ChoicesText(const Field& field)
+{
+    std::string choices;
+    for (const Choice& choice : field.fChoices)
+        choices += fmt::format(
+            "{}{} ({})", choices.empty() ? "one of " : ", ", ValueText(field, choice.fValue), choice.fLabel);
+    return choices;
+}
+
 } // namespace fernwick

@@ -31,4 +31,7 @@ void WriteField(const FieldSetting& setting, void* record);
 /// back the same.
 std::string ValueText(const Field& field, const FieldValue& value);
 
+/// The choices of a field with their labels, such as `one of "KEYM" (Mask), "KEYA" (Cut-out)`.
+std::string ChoicesText(const Field& field);
+
 } // namespace fernwick

@@ -42,7 +42,8 @@ fernwick::ParameterTable FresnelTable()
                 "Relative magnetic permeability of medium 2."),
             FIELD(FresnelParams, fPolarization, "Polarisation", "Share of the light that is s-polarised.")
                 .Unit("%")
-                .Range(0, 100),
+                .Range(0, 100)
+                .Loose(),
             FIELD(FresnelParams, fMode, "Output",
                 "A change of the output alone keeps the old tables: change another parameter with it.")
                 .Choices({{"RSel", "Reflectance"}, {"TSel", "Transmittance"}}),
@@ -51,9 +52,11 @@ fernwick::ParameterTable FresnelTable()
             FIELD(FresnelParams, fPermeability2Offset, "Adjust permeability 2", kFineAdjustment),
             FIELD(FresnelParams, fWavelength, "Wavelength", "Of the light.")
                 .Unit("nm")
-                .Range(kFirstWavelength, kLastWavelength),
+                .Range(kFirstWavelength, kLastWavelength)
+                .Loose(),
             FIELD(FresnelParams, fDispersion, "Dispersion", "Strength of the dispersion of medium 2.")
-                .Range(-kDispersionLimit, kDispersionLimit),
+                .Range(-kDispersionLimit, kDispersionLimit)
+                .Loose(),
             FIELD(FresnelParams, fIndex2ReAtWavelength, "Index 2 at the wavelength, real", "Dispersed.")
                 .Derived(),
             FIELD(FresnelParams, fIndex2ImAtWavelength, "Index 2 at the wavelength, imaginary", "Dispersed.")
@@ -77,7 +80,8 @@ fernwick::ParameterTable FresnelTable()
             FIELD(FresnelParams, fTemperature, "Temperature",
                 "Of the illuminant 15. In a graph it counts only together with that; every other illuminant "
                 "writes its own temperature here. Changed in a panel, it makes the illuminant 15.")
-                .Unit("K"),
+                .Unit("K")
+                .OnlyWith("fIlluminantPreset", 15),
             FIELD(FresnelParams, fWhiteX, "White x", "Chromaticity of the illuminant.").Derived(),
             FIELD(FresnelParams, fWhiteY, "White y", "Chromaticity of the illuminant.").Derived(),
         }};

@@ -118,6 +118,18 @@ bool IsCode(int32_t value) { return (static_cast<uint32_t>(value) >> 24) != 0; }
 
 } // namespace
 
+bool IsInRange(const Field& field, double number)
+{
+    return !(field.fMinimum && number < *field.fMinimum) && !(field.fMaximum && number > *field.fMaximum);
+}
+
+std::string RangeText(const Field& field)
+{
+    const std::string range = field.fMaximum ? fmt::format("{} to {}", *field.fMinimum, *field.fMaximum)
+                                             : fmt::format("{} or more", *field.fMinimum);
+    return field.fUnit.empty() ? range : range + ' ' + field.fUnit;
+}
+
 std::string_view TypeName(FieldType type) { return TypeRowOf(type).name; }
 
 std::string_view TypeText(FieldType type) { return TypeRowOf(type).text; }
@@ -158,6 +170,18 @@ Row& Row::AtLeast(double minimum)
     return *this;
 }
 
+Row& Row::Loose()
+{
+    fField.fIsLoose = true;
+    return *this;
+}
+
+Row& Row::OnlyWith(std::string field, int32_t value)
+{
+    fField.fCondition = {std::move(field), value};
+    return *this;
+}
+
 Row& Row::Choices(std::initializer_list<Choice> choices)
 {
     fField.fChoices = choices;
@@ -193,6 +217,33 @@ const Field* ParameterTable::Find(std::string_view name) const
     const auto found = std::find_if(
         fFields.begin(), fFields.end(), [name](const Field& field) { return field.fName == name; });
     return found != fFields.end() ? &*found : nullptr;
+}
+
+bool ParameterTable::HasFieldsUnder(std::string_view address, char separator) const
+{
+    const std::string start = std::string(address) + separator;
+    return std::any_of(fFields.begin(), fFields.end(),
+        [&start](const Field& field) { return field.fName.starts_with(start); });
+}
+
+size_t ParameterTable::CountElements(std::string_view address) const
+{
+    size_t count = 0;
+    while (!AddressText(fmt::format("{}[{}]", address, count)).empty())
+        ++count;
+    return count;
+}
+
+std::string ParameterTable::AddressText(std::string_view address) const
+{
+    if (const Field* const field = Find(address); field != nullptr)
+        return std::string(TypeText(field->fType));
+    if (HasFieldsUnder(address, '.'))
+        return "an object";
+    if (!HasFieldsUnder(address, '['))
+        return "";
+    return fmt::format(
+        "an array of {}, each {}", CountElements(address), AddressText(fmt::format("{}[0]", address)));
 }
 
 std::span<const ParameterTable> AllClasses()

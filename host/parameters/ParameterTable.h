@@ -49,6 +49,12 @@ struct Choice {
     Choice(int32_t value, std::string label) : fValue(value), fLabel(std::move(label)) { }
 };
 
+/// What an integer field must hold for another one to count.
+struct Condition {
+    std::string fField;
+    int32_t fValue;
+};
+
 /// The four characters of a code, first the high byte.
 std::string CodeText(int32_t code);
 
@@ -60,11 +66,19 @@ struct Field {
     std::string fLabel;             ///< short name for users
     std::string fHelp;              ///< what it does
     std::string fUnit;              ///< such as "%" or "nm"; empty for none
-    std::optional<double> fMinimum; ///< documents with a value outside are refused
+    std::optional<double> fMinimum; ///< documents with a value outside are refused, unless the range is loose
     std::optional<double> fMaximum;
+    bool fIsLoose = false; ///< the shader takes values outside the range too, in its own way
     std::vector<Choice> fChoices;
-    bool fDerived = false; ///< written by the shader; not for documents to set
+    bool fDerived = false;               ///< written by the shader; not for documents to set
+    std::optional<Condition> fCondition; ///< without it the shader doesn't read what documents set
 };
+
+/// Whether a number lies in a field's range, ends included; any does where the field has none.
+bool IsInRange(const Field& field, double number);
+
+/// The range with its unit, such as "380 to 825 nm" or "1 or more"; for a field that has one.
+std::string RangeText(const Field& field);
 
 /// One line of a table as it is written: a field, an array of fields, or nested records.
 struct Row {
@@ -78,6 +92,10 @@ struct Row {
     Row& Unit(std::string unit);
     Row& Range(double minimum, double maximum);
     Row& AtLeast(double minimum);
+    /// Of a range: a document may hold a value outside, and is told of it.
+    Row& Loose();
+    /// Of a field that counts only where the integer `field`, which isn't so by default, holds `value`.
+    Row& OnlyWith(std::string field, int32_t value);
     /// Makes an int32 a code when the choices are codes.
     Row& Choices(std::initializer_list<Choice> choices);
     Row& Derived();
@@ -103,6 +121,14 @@ struct ParameterTable {
 
     /// The field of exactly this name; null when there is none.
     const Field* Find(std::string_view name) const;
+
+    /// Whether an address goes on with the separator, `[` of an array or `.` of a nested record.
+    bool HasFieldsUnder(std::string_view address, char separator) const;
+    /// How many elements the array at an address has; 0 when it is none.
+    size_t CountElements(std::string_view address) const;
+    /// What documents give at an address: "a number" of a field, "an array of 2, each an object" of an array of
+    /// nested records; empty where nothing is.
+    std::string AddressText(std::string_view address) const;
 };
 
 /// All classes of the pack that have a table, in the order of their routes, those without a route last.

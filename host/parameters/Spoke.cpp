@@ -13,8 +13,10 @@ fernwick::ParameterTable SpokeTable()
             FIELD(SpokeParams, fWidth, "Width",
                 "Angle of a spoke. With parallel sides a length: 20 is one degree of arc at radius 1.")
                 .Unit("degrees"),
-            FIELD(SpokeParams, fCount, "Spokes",
-                "Number of spokes; 0 draws none, and at most a filled centre."),
+            FIELD(
+                SpokeParams, fCount, "Spokes", "Number of spokes; 0 draws none, and at most a filled centre.")
+                .AtLeast(0)
+                .Loose(),
             FIELD(SpokeParams, fRotation, "Rotation", "Of the wheel.").Unit("degrees"),
             FIELD(SpokeParams, fTaper, "Taper", "Width lost per unit of radius.").Unit("degrees"),
             FIELD(SpokeParams, fSoftness, "Softness",

@@ -58,6 +58,7 @@ Graph::LiveShader Graph::Make(const Library& library, const DocumentShader& shad
             slot = plugged->fIndex ? fShaders[*plugged->fIndex].fFace.Get() : nullptr;
         }
     }
+    wrapper->SetTitle(TitleOf(shader, record));
     const MCErr status = exchanger.ExtensionDataChanged();
     if (status != MC_S_OK)
         throw GraphError(

@@ -1,7 +1,11 @@
 #include "host/shading/Graph.h"
 #include "host/sources/Sources.h"
-#include "tests/support/ShaderTest.h"
+#include "tests/support/BakeText.h"
+#include <chrono>
+#include <csignal>
 #include <fstream>
+#include <sys/stat.h>
+#include <thread>
 
 using namespace fernwick;
 
@@ -169,6 +173,83 @@ TEST_F(GraphTest, AFailedBuildLeavesNothingBehind)
         ASSERT_LT(allowed, 20);
     }
     memory.RefuseAfter(-1);
+}
+
+std::string ReadErrorOf(const std::filesystem::path& file)
+{
+    try {
+        GraphDocument::Read(file);
+    } catch (const GraphError& error) {
+        return error.what();
+    }
+    return "read";
+}
+
+TEST_F(GraphTest, WhatIsNoFileIsCalledByItsNameAndWhatNeverEndsEnds)
+{
+    const FreshFolder place;
+    EXPECT_THAT(ReadErrorOf(place.Path()), testing::EndsWith(": can't be read: it is a folder"));
+    EXPECT_THAT(ReadErrorOf(place / "none"), testing::EndsWith("none: can't be read: there is no such file"));
+    EXPECT_EQ(ReadErrorOf("/dev/zero"),
+        "/dev/zero: can't be read: it goes on behind 64 MiB, and a graph is shorter");
+
+    const auto pipe = place / "pipe";
+    mkfifo(pipe.c_str(), 0600);
+    const auto fed = [&pipe](const std::string& text, bool isEndless) {
+        std::thread writer([&] {
+            std::signal(SIGPIPE, SIG_IGN);
+            for (std::ofstream stream(pipe); stream << text << std::flush && isEndless;) { }
+        });
+        const std::string error = ReadErrorOf(pipe);
+        writer.join();
+        return error;
+    };
+    EXPECT_EQ(fed(WithShaders(R"("key": {"source": "color"})"), false), "read");
+    EXPECT_THAT(fed(std::string(100000, ' '), true), testing::HasSubstr("it goes on behind 64 MiB"));
+
+    const auto file = [&pipe](const std::string& source) {
+        return WithShaders(R"("key": {"source": "color"})", R"(, "scene": {"file": ")" + source + "\"}");
+    };
+    EXPECT_THAT(ErrorOf(file(place.Path())), testing::HasSubstr("can't be read: it is a folder"));
+    EXPECT_THAT(ErrorOf(file(pipe)), testing::HasSubstr("can't be read: it is a pipe; "));
+    EXPECT_THAT(ErrorOf(WithShaders(R"("key": {"source": "picture", "file": "/dev/zero"})")),
+        testing::EndsWith("/dev/zero can't be read: it is a device"));
+}
+
+TEST_F(GraphTest, ManyShadersAndElementsAreReadInTimeThatGrowsWithTheirNumber)
+{
+    constexpr int kCount = 30000;
+    std::string shaders = kGreen;
+    std::string elements;
+    std::string looks;
+    for (int i = 0; i < kCount; ++i) {
+        const std::string number = std::to_string(i);
+        shaders += ", \"s" + number + R"(": {"class": "Key", "fSubShader": "green"})";
+        elements += std::string(i > 0 ? ", " : "") + R"({"name": "e)" + number + "\"}";
+        looks += std::string(i > 0 ? ", " : "") + "\"e" + number + "\": \"s" + number + '"';
+    }
+    const auto start = std::chrono::steady_clock::now();
+    const GraphDocument document = GraphDocument::Parse("{\"shaders\": {" + shaders
+            + R"(}, "output": "s7", "scene": {"elements": [)" + elements + "], \"nodes\": {" + looks + "}}}",
+        "");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_EQ(document.Shaders().size(), kCount + 1u);
+    EXPECT_EQ(document.Scene()->fElements[kCount - 1].fLook.fShader, "s" + std::to_string(kCount - 1));
+}
+
+TEST_F(GraphTest, DoubtsAndErrorsNameThePlaceInPlainCharacters)
+{
+    const GraphDocument document = Parse(WithShaders(R"("key": {"class": "Fresnel", "fWavelength": 5000,
+        "fTemperature": 3000}, "\u001b[1m": {"class": "Key", "fMode": 17})"));
+    EXPECT_THAT(document.Doubts(),
+        testing::ElementsAre(
+            "key.fWavelength: expected 380 to 825 nm, got 5000; the shader takes it in its own way",
+            "key.fTemperature: it counts only where fIlluminantPreset is 15, which isn't set",
+            "\\u001b[1m.fMode: expected one of \"KEYM\" (Mask), \"KEYA\" (Cut-out), got 17; the shader takes "
+            "it "
+            "in its own way"));
+    EXPECT_THAT(ErrorOf(WithShaders(R"("key": {"class": "Key", "\u001b]0;x\u0007": 1})")),
+        testing::StartsWith("key.\\u001b]0;x\\u0007: Key has no such field"));
 }
 
 TEST_F(GraphTest, FilesAreFoundFromTheDocumentsFolder)

@@ -1,5 +1,6 @@
 #include "host/parameters/ParameterTable.h"
 #include "host/json/FieldReader.h"
+#include "host/parameters/Doubts.h"
 #include "host/parameters/Notation.h"
 #include "tests/host/parameters/TableChecks.h"
 #include "tests/support/ShaderTest.h"
@@ -24,6 +25,10 @@ struct TestRecord {
     TMCColorRGBA fColor = {0, 0, 0, 0};
     TMCString255 fText;
     int32_t fMade = 7;
+    float fLoose[2] = {1, 1};
+    TVector2 fEnds;
+    int32_t fPreset = 1;
+    float fTyped = 2;
     SubShaderSlot fSlot;
 };
 
@@ -40,6 +45,10 @@ const ParameterTable& TestTable()
             FIELD(TestRecord, fColor, "Colour", "Which."),
             FIELD(TestRecord, fText, "Text", "What."),
             FIELD(TestRecord, fMade, "Made", "Out of the rest.").Derived(),
+            FIELD(TestRecord, fLoose, "Loose #", "Number #.").AtLeast(0).Unit("mm").Loose(),
+            FIELD(TestRecord, fEnds, "Ends", "From, to.").Range(-1, 1).Loose(),
+            FIELD(TestRecord, fPreset, "Preset", "Which.").Range(1, 15).Loose(),
+            FIELD(TestRecord, fTyped, "Typed", "How much.").OnlyWith("fPreset", 15),
             FIELD(TestRecord, fSlot, "Slot", "What is plugged in."),
         });
     return table;
@@ -91,21 +100,26 @@ TEST_F(ParameterTableTest, ArraysAndNestedRecordsBecomeFieldsWithNamesAndLabels)
         EXPECT_EQ(field->fHelp, row.help);
     }
     EXPECT_EQ(TestTable().Find("fParts[0].fEdge")->fUnit, "mm");
-    EXPECT_EQ(TestTable().fFields.size(), 18u);
+    EXPECT_EQ(TestTable().fFields.size(), 23u);
     EXPECT_EQ(TestTable().Find("fParts"), nullptr);
 }
 
-/// Reads `{"address": value, ...}` into `record`.
-void ReadInto(TestRecord& record, const std::string& text)
+/// Reads `{"address": value, ...}`.
+std::vector<FieldSetting> ReadSettings(const std::string& text)
 {
-    const Json json = JsonNode::Parse(text);
+    const Json json = ParseJson(text);
     const ShaderNames names{{"other", 0}};
     const std::filesystem::path folder;
     const FieldReader reader(TestTable(), names, folder);
     std::vector<FieldSetting> settings;
     for (const auto& [address, node] : JsonNode(json, "t").Members())
         reader.Read(address, node, settings);
-    for (const FieldSetting& setting : settings)
+    return settings;
+}
+
+void ReadInto(TestRecord& record, const std::string& text)
+{
+    for (const FieldSetting& setting : ReadSettings(text))
         WriteField(setting, &record);
 }
 
@@ -140,6 +154,36 @@ TEST_F(ParameterTableTest, DocumentsAddressFieldsWholeOrInPart)
     EXPECT_EQ(text("fParts[0].fEdge"), "0.1");
 }
 
+TEST_F(ParameterTableTest, ValuesThatTheShaderTakesInItsOwnWayAreToldOnceAField)
+{
+    const auto doubts = [](const std::string& text) { return FindDoubts(ReadSettings(text)); };
+    EXPECT_THAT(doubts(R"({"fMode": 1145258561, "fLoose": [0, 1e30], "fEnds": [-1, 1], "fCount": 5,
+        "fPreset": 15, "fTyped": 3})"),
+        testing::ElementsAre(
+            R"(fMode: expected one of "ABCD" (First), "EFGH" (Second), got 1145258561; the shader )"
+            "takes it in its own way"));
+    EXPECT_THAT(doubts(R"({"fLoose": [-1, -0.5], "fLoose[0]": 2, "fEnds": [-3, 1.5], "fPreset": 16})"),
+        testing::ElementsAre("fLoose[1]: expected 0 or more mm, got -0.5; the shader takes it in its own way",
+            "fEnds: expected -1 to 1, got -3; the shader takes it in its own way",
+            "fPreset: expected 1 to 15, got 16; the shader takes it in its own way"));
+    const char* const alone = "fTyped: it counts only where fPreset is 15, which isn't set";
+    EXPECT_THAT(doubts(R"({"fTyped": 3})"), testing::ElementsAre(alone));
+    EXPECT_THAT(doubts(R"({"fTyped": 3, "fPreset": 8})"), testing::ElementsAre(alone));
+    EXPECT_THAT(doubts(R"({"fTyped": 3, "fPreset": 15})"), testing::IsEmpty());
+
+    // A condition that the defaults fulfil would be told where nothing is amiss.
+    for (const ParameterTable& table : AllClasses())
+        for (const Field& field : table.fFields) {
+            if (!field.fCondition)
+                continue;
+            const Field* const other = table.Find(field.fCondition->fField);
+            ASSERT_NE(other, nullptr) << field.fName;
+            const auto made = ShaderWrapper::Make(TestedLibrary(), table.fClassIDs.front());
+            EXPECT_NE(std::get<int32_t>(ReadField(*other, made->Exchanger().GetExtensionDataBuffer())),
+                field.fCondition->fValue);
+        }
+}
+
 TEST_F(ParameterTableTest, RefusedValuesNameThePlaceAndWhatWasExpected)
 {
     const std::string longText(256, 'x');
@@ -149,14 +193,16 @@ TEST_F(ParameterTableTest, RefusedValuesNameThePlaceAndWhatWasExpected)
     } rows[] = {
         {R"("fMode": "abcd")", R"(t.fMode: expected one of "ABCD" (First), "EFGH" (Second), got "abcd")"},
         {R"("fMode": 4294967296)", "t.fMode: expected an integer of 32 bits, got 4294967296"},
-        {R"("fParts": [{}])", "t.fParts: expected an array of 2, got an array of 1"},
+        {R"("fParts": [{}])", "t.fParts: expected an array of 2, each an object, got an array of 1"},
+        {R"("fGrid": "Test.fGrid")",
+            R"(t.fGrid: expected an array of 2, each an array of 3, each true or false, got "Test.fGrid")"},
         {R"("fParts[0]": 1)", "t.fParts[0]: expected an object, got 1"},
         {R"("fParts": [{"fOn": 1}, {}])", "t.fParts[0].fOn: expected true or false, got 1"},
         {R"("fPart": [])", "t.fPart: Test has no such field; did you mean \"fParts\"?"},
         {R"("fGrid[2]": [])", "t.fGrid[2]: Test has no such field; did you mean \"fGrid[0]\"?"},
         {R"("qqqqqqq": 1)",
             "t.qqqqqqq: Test has no such field; it has fMode, fGrid, fParts, fRange, fCount, fColor, fText, "
-            "fMade, fSlot"},
+            "fMade, fLoose, fEnds, fPreset, fTyped, fSlot"},
         {R"("fRange[0]": [1, 2, 3])", "t.fRange[0]: expected two numbers, got an array of 3"},
         {R"("fRange[0]": [1, "2"])", "t.fRange[0][1]: expected a number, got \"2\""},
         {R"("fRange[0]": [1, -3.5e38])",
