@@ -2,6 +2,7 @@
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
+#include "tools/Tell.h"
 
 namespace {
 
@@ -32,6 +33,7 @@ void RunBake(const BakeCommandOptions& options)
     RequireTarget(options.bake.picture);
     WatchForInterrupt();
     const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
+    TellDoubts(document);
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
     BakeToFile(library, reports, document, options.bake, options.graph);

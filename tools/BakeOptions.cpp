@@ -1,8 +1,9 @@
 #include "tools/BakeOptions.h"
-#include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
+#include "tools/ShadeDocument.h"
 #include "tools/ShownJob.h"
+#include "tools/Tell.h"
 #include <fmt/core.h>
 
 namespace {
@@ -12,15 +13,6 @@ fernwick::Picture BakeShown(fernwick::Library& library, const fernwick::GraphDoc
     fernwick::BakeJob job, ReportSummary& reports, const std::string& name)
 {
     return RunShown(job, reports, name, [&] { return fernwick::Bake(library, document, job); });
-}
-
-/// The document of what lies under the picture: a source with its defaults, or a graph of its own.
-fernwick::GraphDocument ReadGround(const std::string& over)
-{
-    if (fernwick::FindSource(over) == nullptr)
-        return fernwick::GraphDocument::Read(over);
-    return fernwick::GraphDocument::Parse(
-        fmt::format(R"({{"shaders": {{"ground": {{"source": "{}"}}}}, "output": "ground"}})", over), "");
 }
 
 } // namespace
@@ -57,7 +49,8 @@ CLI::Option& AddBakeOptions(CLI::App& command, BakeOptions& options)
     command.add_flag("--lit", options.isLit, "Short for --output lit");
     command.add_flag("--directx", options.isDirectX, "Green of a normal map points down (DirectX), not up");
     command
-        .add_option("--over", options.over, "Lays the colour, by its alpha, over a source or another graph")
+        .add_option("--over", options.over,
+            "Lays the colour, by its alpha, over a source, such as color:#f80, or another graph")
         ->type_name("SOURCE");
     return picture;
 }
@@ -94,11 +87,13 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
 {
     const fernwick::BakeJob job = JobOf(options);
     fernwick::Picture picture = BakeShown(library, document, job, reports, name);
+    TellEmptySlots(picture, document);
     if (!options.over.empty()) {
         fernwick::BakeJob groundJob = job;
         if (job.channel == fernwick::BakeChannel::kLit)
             groundJob.channel = fernwick::BakeChannel::kColor; // the lamp is for what lies over it
-        picture.LayOver(BakeShown(library, ReadGround(options.over), groundJob, reports, options.over));
+        picture.LayOver(
+            BakeShown(library, MakeGroundDocument(options.over), groundJob, reports, options.over));
     }
     if (*job.cancel)
         throw Interrupted();

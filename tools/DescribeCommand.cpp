@@ -166,6 +166,10 @@ Json FieldsOf(const Description& description)
             entry["minimum"] = *field.fMinimum;
         if (field.fMaximum)
             entry["maximum"] = *field.fMaximum;
+        if (field.fIsLoose)
+            entry["loose"] = true;
+        if (field.fCondition)
+            entry["onlyWith"] = {{"field", field.fCondition->fField}, {"value", field.fCondition->fValue}};
         if (!field.fChoices.empty())
             entry["choices"] = ChoicesOf(field);
         if (field.fDerived)

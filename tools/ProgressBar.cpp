@@ -31,7 +31,7 @@ ProgressBar::ProgressBar(std::string label) : fLabel(std::move(label)), fIsShown
 ProgressBar::~ProgressBar()
 {
     if (fIsShown)
-        Tell("\r\033[K");
+        PrintOnStderr("\r\033[K");
 }
 
 void ProgressBar::Show(double share)
@@ -42,8 +42,8 @@ void ProgressBar::Show(double share)
     fPercent = percent;
     constexpr int kWidth = 40; // of the bar, in characters
     const int filled = percent * kWidth / 100;
-    Tell(fmt::format("\r[{:=<{}}{: <{}}] {:3} %  {}{}\033[K", "", filled, "", kWidth - filled, percent,
-        fLabel, TimeLeft(share)));
+    PrintOnStderr(fmt::format("\r[{:=<{}}{: <{}}] {:3} %  {}{}\033[K", "", filled, "", kWidth - filled,
+        percent, fLabel, TimeLeft(share)));
 }
 
 /// As if the rest took as long as what is done; nothing in the first second, which tells too little.

@@ -4,7 +4,7 @@
 #include "tools/LibraryOption.h"
 #include "tools/PictureOptions.h"
 #include "tools/ShownJob.h"
-#include "tools/Streams.h"
+#include "tools/Tell.h"
 
 namespace {
 
@@ -38,11 +38,13 @@ void RunRender(const RenderOptions& options)
     const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
     if (document.Scene())
         for (const std::string& notice : document.Scene()->fNotices)
-            Tell("fernwick: " + notice + '\n');
+            Tell(notice);
+    TellDoubts(document);
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
     const fernwick::Picture picture
         = RunShown(job, reports, options.graph, [&] { return fernwick::Render(library, document, job); });
+    TellEmptySlots(picture, document);
     picture.Save(options.picture.file, options.picture.layout);
 }
 

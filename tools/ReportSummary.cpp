@@ -1,14 +1,17 @@
 #include "tools/ReportSummary.h"
-#include "tools/Streams.h"
-#include <fmt/format.h>
+#include "tools/Tell.h"
+#include <fmt/core.h>
 
 ReportSummary::ReportSummary(fernwick::DebugService& service) : fService(service)
 {
     fService.fListener = [this](const fernwick::Report& report) {
-        const std::string place
-            = report.file.empty() ? "" : fmt::format(" ({}:{})", report.file, report.line);
+        std::string text = report.message;
+        if (!report.file.empty())
+            text += fmt::format(" ({}:{})", report.file, report.line);
+        if (!report.shader.empty())
+            text += " by " + report.shader;
         const std::lock_guard lock(fMutex);
-        ++fCounts[report.message + place];
+        ++fCounts[text];
     };
 }
 
@@ -16,6 +19,6 @@ ReportSummary::~ReportSummary()
 {
     fService.fListener = nullptr;
     for (const auto& [text, count] : fCounts)
-        Tell(fmt::format("fernwick: report of the library: {}{}\n", text,
-            count == 1 ? "" : fmt::format(", {} times", count)));
+        Tell(fmt::format(
+            "report of the library: {}{}", text, count == 1 ? "" : fmt::format(", {} times", count)));
 }

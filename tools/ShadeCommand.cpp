@@ -5,6 +5,7 @@
 #include "tools/SampleReport.h"
 #include "tools/ShadeDocument.h"
 #include "tools/ShownJob.h"
+#include "tools/Tell.h"
 #include <charconv>
 #include <fmt/format.h>
 
@@ -25,7 +26,7 @@ take unless --set names another. Curvature and Corners have nothing to find on t
 Sources for --plug:
   checker, ramp, ...  a source of `fernwick list` with its defaults
   ramp:v              a ramp, or a gradient, along V
-  color:#ff8800       a colour as the web has it, encoded as sRGB; #ff880080 has an alpha
+  color:#ff8800       a colour as the web has it, or short (#f80), encoded as sRGB; #ff880080 has an alpha
   color:1,0.5,0       a colour in linear light; a fourth number is its alpha
   value:0.3           a number
   picture:FILE        a picture; :linear or :sRGB behind the name tells what its numbers are
@@ -103,9 +104,10 @@ void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fern
 {
     const PictureOptions& picture = options.bake.picture;
     fernwick::RenderJob job = RenderJobOf(picture, kSamples);
-    const fernwick::Picture made = RunShown(
+    const fernwick::Picture rendered = RunShown(
         job, reports, options.settings.name, [&] { return fernwick::Render(library, document, job); });
-    made.Save(picture.file, picture.layout);
+    TellEmptySlots(rendered, document);
+    rendered.Save(picture.file, picture.layout);
 }
 
 void RunShade(ShadeOptions options)
@@ -115,6 +117,7 @@ void RunShade(ShadeOptions options)
     options.settings.isLit = options.bake.isLit;
     const fernwick::BakeJob job = JobOf(options.bake);
     const fernwick::GraphDocument document = MakeShadeDocument(options.settings);
+    TellDoubts(document);
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
     if (!options.sample.empty()) {

@@ -13,7 +13,7 @@ std::vector<std::filesystem::path> FilesOf(const std::filesystem::path& folder, 
     std::vector<std::filesystem::path> files;
     if (std::filesystem::is_directory(folder))
         for (const auto& entry : std::filesystem::directory_iterator(folder))
-            if (entry.path().extension() == suffix)
+            if (entry.is_regular_file() && entry.path().extension() == suffix)
                 files.push_back(entry.path());
     std::sort(files.begin(), files.end());
     return files;

@@ -1,5 +1,6 @@
 #pragma once
 #include "host/json/GraphError.h"
+#include "host/json/Printable.h"
 #include "host/shading/Bake.h"
 #include "host/shading/Render.h"
 #include "tools/Commands.h"
@@ -12,7 +13,7 @@
 template <class Job, class Make>
 fernwick::Picture RunShown(Job& job, ReportSummary& reports, const std::string& name, const Make& make)
 {
-    ProgressBar bar(name);
+    ProgressBar bar(fernwick::Printable(name));
     job.onProgress = [&](double share) {
         reports.Forget();
         bar.Show(share);

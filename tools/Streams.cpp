@@ -14,7 +14,7 @@ void OpenMissingStreams()
             open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-void Tell(const std::string& text) noexcept { std::fputs(text.c_str(), stderr); }
+void PrintOnStderr(const std::string& text) noexcept { std::fputs(text.c_str(), stderr); }
 
 bool FinishStreams()
 {
@@ -22,7 +22,7 @@ bool FinishStreams()
     std::cout.flush();
     const bool isWhole = std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout;
     if (!isWhole)
-        Tell("fernwick: stdout can't be written"
+        PrintOnStderr("fernwick: stdout can't be written"
             + (errno != 0 ? std::string(": ") + std::strerror(errno) : std::string()) + '\n');
     return std::fflush(stderr) == 0 && std::ferror(stderr) == 0 && isWhole;
 }

@@ -8,7 +8,7 @@
 void OpenMissingStreams();
 
 /// Writes a text on stderr as it is. What can't be written is noted for `FinishStreams`.
-void Tell(const std::string& text) noexcept;
+void PrintOnStderr(const std::string& text) noexcept;
 
 /// Writes out what is still in the buffers of stdout and stderr.
 /// @return false, after telling of it on stderr, when not all that was printed could be written

@@ -1,7 +1,10 @@
+#include "host/json/Nearest.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/Streams.h"
+#include "tools/Tell.h"
 #include <cstdio>
+#include <fmt/core.h>
 
 namespace {
 
@@ -9,7 +12,17 @@ namespace {
 void TellFailure(const std::exception& error)
 {
     if (std::ferror(stdout) == 0)
-        Tell(std::string("fernwick: ") + error.what() + '\n');
+        Tell(error.what());
+}
+
+/// Tells of a first word that is no command, with the likest one.
+void TellUnknownCommand(const CLI::App& app, const std::string& word)
+{
+    std::vector<std::string> names;
+    for (const CLI::App* const command : app.get_subcommands({}))
+        names.push_back(command->get_name());
+    Tell(fmt::format("there is no command \"{}\"{}\n  `fernwick --help` names them", word,
+        fernwick::NearestHint(word, names)));
 }
 
 /// @return what is answered to the shell
@@ -34,23 +47,30 @@ int Run(int argc, char** argv)
     AddManCommand(app);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::ExtrasError& error) {
+        if (const auto words = app.remaining();
+            app.get_subcommands().empty() && !words.empty() && !words.front().starts_with('-'))
+            TellUnknownCommand(app, words.front());
+        else
+            app.exit(error);
+        return kBadUsage;
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kSucceeded : kBadUsage;
     } catch (const UsageError& error) {
         TellFailure(error);
         return kBadUsage;
     } catch (const Interrupted&) {
-        Tell("fernwick: stopped; nothing is written\n");
+        Tell("stopped; nothing is written");
         return kInterrupted;
     } catch (const std::bad_alloc&) {
-        Tell("fernwick: there isn't enough memory\n");
+        Tell("there isn't enough memory");
         return kFailed;
     } catch (const std::exception& error) {
         TellFailure(error);
         return kFailed;
     }
     if (app.get_subcommands().empty()) {
-        Tell(app.help());
+        PrintOnStderr(app.help());
         return kBadUsage;
     }
     return kSucceeded;

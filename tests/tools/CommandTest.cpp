@@ -15,7 +15,8 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
     }
     const std::pair<std::string, std::string> cases[] = {
         {"", "Usage: fernwick"},
-        {"grow", "grow"},
+        {"grow", "there is no command \"grow\""},
+        {"rendr a.json", "there is no command \"rendr\"; did you mean \"render\"?"},
         {"describe key", "\"key\"; did you mean \"Key\"?"},
         {"bake '" + fKey + "'", "--picture is required"},
         {"bake '" + fKey + "' -o key.jpg", "key.jpg: a picture's name ends in .png or .exr"},
@@ -125,7 +126,8 @@ TEST_F(CommandTest, AFailedOrStoppedJobLeavesTheOldPicture)
         {"bake value.json -o old.png --output alpha",
             "value.json: the output shader has no channel \"alpha\""},
         {"render value.json -o old.png", "value.json: the document has no \"scene\""},
-        {"bake '" + fKey + "' -o old.png --over nothing", "nothing"},
+        {"bake '" + fKey + "' -o old.png --over nothing", "nothing: can't be read: there is no such file"},
+        {"bake '" + fKey + "' -o old.png --over chekcer", "\"chekcer\"; did you mean \"checker\"?"},
         {"bake value.json -o graph.json/new.png", "graph.json/new.png: "},
         {"plot illuminants -o graph.json/new.png", "graph.json/new.png: "},
         {"plot illuminants -o old.png --library missing.so", "missing.so"},

@@ -30,17 +30,26 @@ TEST_F(ShadeTest, TellsWhatIsWrongWithASettingAndTouchesNoFile)
         {"Fresnel --plug fCameraName=checker --stats", "give it with --set"},
         {"Super_mixer --set fSubShader=checker --stats", "give it with --plug"},
         {"Key --set fMode=KEYX --stats", R"(expected one of "KEYM" (Mask), "KEYA" (Cut-out), got "KEYX")"},
-        {"Key --set fKeyColor=#ff880 --stats", R"(expected four numbers from red to alpha, got "#ff880")"},
-        {"surface --set second=#ff880080 --stats", "expected three numbers"},
+        {"Key --set fKeyColor=#ff880 --stats",
+            "Key.fKeyColor: \"#ff880\" is no colour; a colour is like #ff8800, "},
+        {"surface --set second=#ff880080 --stats", "surface.second: this colour has no alpha"},
+        {"surface --set second=#f808 --stats", "surface.second: this colour has no alpha"},
+        {"Weave --plug fPattern=checker --stats",
+            "--plug: Weave.fPattern takes an array of 5, each an array of 5, each true or false; give it "
+            "with --set"},
+        {"Iridescent --plug 'fBands[2]=checker' --stats",
+            "Iridescent.fBands[2] takes an object; give it with --set"},
         {"Key --on cube -o a.png", "cube"},
         {"Key --on sphere --stats", "go with --on uv"},
         {"Key --on sphere --over checker -o a.png", "go with --on uv"},
         {"Key --plug fSubShader=chekcer --stats", "did you mean \"checker\"?"},
         {"Key --plug fSubShader=checker:8 --stats", "checker takes nothing behind a colon"},
-        {"Key --plug fSubShader=color:#ff88 --stats", "Key.fSubShader.color: "},
+        {"Key --plug fSubShader=color:#ff88f --stats", "Key.fSubShader.color: \"#ff88f\" is no colour"},
         {"Key --plug fSubShader=picture:none.png --stats", "Key.fSubShader.file: none.png can't be read"},
         {"Key --set \"fMode=$(printf '\\377')\" --stats", "isn't UTF-8"},
         {"Key --output alpha --over checker -o a.png", "\"alpha\""},
+        {"Key --over color:#f -o a.png", "--over.color: \"#f\" is no colour"},
+        {"Key --over checker:8 -o a.png", "--over: checker takes nothing behind a colon"},
     };
     for (const auto& [arguments, text] : cases) {
         const Answer answer = Run("shade " + arguments);
@@ -96,6 +105,10 @@ TEST_F(ShadeTest, ReadsHexColorsLabelsThatLookLikeNumbersAndWholeArraysOfSlots)
     const std::string hex = bake("color --set color=#ff000080"); // the alpha isn't encoded
     EXPECT_EQ(hex, bake("color --set color=[1,0,0,0.5019608]"));
     EXPECT_EQ(hex, bake("color --set color=1,0,0,0.5019608"));
+    EXPECT_EQ(bake("color --set color=#fa38"), bake("color --set color=#ffaa3388"));
+    const std::string clear = "color --set color=0,0,0,0 --over ";
+    EXPECT_EQ(bake(clear + "color:#f80"), bake("color --set color=#ff8800"));
+    EXPECT_EQ(bake(clear + "color:0.5,0.25,1"), bake("color --set color=0.5,0.25,1"));
     EXPECT_EQ(bake("surface --output second --set second=#ff0000"), bake("color --set color=1,0,0"));
     EXPECT_EQ(bake("Weave --plug fWarpSubShader=color:#ff0000 --plug 'fWarpSubShader[1]=value:1'"),
         bake("Weave --plug 'fWarpSubShader[0]=color:#ff0000' --plug 'fWarpSubShader[1]=value:1' "
@@ -188,7 +201,36 @@ TEST_F(ShadeTest, CountsNaNsAndInfinitiesBesideTheFiniteRange)
                     .out,
         ContainsRegex(number + "0 +0 +1 +0\n"));
     const Answer reported = Run("shade Lit --set fLightName=Sun --stats --size 3x3");
-    EXPECT_THAT(reported.error, HasSubstr(", 18 times\n"));
+    EXPECT_THAT(reported.error, HasSubstr(" by Lit (Lit, fLightName \"Sun\"), 18 times\n"));
+}
+
+TEST_F(ShadeTest, TellsOnceWhatIsDoubtfulAndWhatIsEmptyBehindAnEmptyPicture)
+{
+    const std::string print = " --print 0.5,0.5";
+    const auto error = [this](const std::string& arguments) {
+        const Answer answer = Run("shade " + arguments);
+        EXPECT_EQ(answer.status, 0) << arguments;
+        return answer.error;
+    };
+    EXPECT_EQ(error("Key --set fMode=17" + print),
+        "fernwick: Key.fMode: expected one of \"KEYM\" (Mask), \"KEYA\" (Cut-out), got 17; the shader takes "
+        "it in "
+        "its own way\n");
+    EXPECT_THAT(
+        error("Spoke --set fCount=-1" + print), HasSubstr("Spoke.fCount: expected 0 or more, got -1; "));
+    EXPECT_THAT(
+        error("Fresnel --set fTemperature=3000" + print), HasSubstr("only where fIlluminantPreset is 15"));
+    EXPECT_EQ(error("Fresnel --set fTemperature=3000 --set fIlluminantPreset=15" + print), "");
+
+    EXPECT_EQ(error("Super_mixer --plug 'fSubShader[3]=checker' -o a.png --size 8x8"),
+        "fernwick: the picture is black all over; nothing is plugged into Super_mixer.fSubShader[0], "
+        "Super_mixer.fSubShader[1], Super_mixer.fSubShader[2], Super_mixer.fSubShader[4], "
+        "Super_mixer.fSubShader[5], "
+        "Super_mixer.fSubShader[6], Super_mixer.fSubShader[7], Super_mixer.fSubShader[8] and 3 more\n");
+    EXPECT_EQ(error("MultiPassManager -o a.png --size 8x8"),
+        "fernwick: the picture is transparent all over; nothing is plugged into "
+        "MultiPassManager.fSubShader[0..10]\n");
+    EXPECT_EQ(error("color --set color=#000 -o a.png --size 8x8"), "");
 }
 
 TEST_F(ShadeTest, ListAndDescribeSpeakJson)
