@@ -1,8 +1,11 @@
 #include "host/documents/SceneFile.h"
 #include "frame/Numbers.h"
 #include "host/geometry/Mesh.h"
+#include "host/json/Printable.h"
+#include "host/library/RegularFile.h"
 #include "host/scene/Placement.h"
 #include <algorithm>
+#include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
@@ -43,89 +46,161 @@ Split SplitTransform(const aiMatrix4x4& toWorld)
     return split;
 }
 
+constexpr int kDeepest = 256; // what reads a scene calls itself as deep
+
+/// The files of the system, but for pipes and devices, which a scene may name for its parts.
+class RegularFiles final : public Assimp::DefaultIOSystem {
+public:
+    bool Exists(const char* file) const override { return WhyNoFile(file).empty(); }
+    Assimp::IOStream* Open(const char* file, const char* mode) override
+    {
+        return Exists(file) ? DefaultIOSystem::Open(file, mode) : nullptr;
+    }
+};
+
+/// The members of one of Assimp's arrays that are there.
+template <class Member> std::vector<const Member*> MembersOf(Member* const* members, unsigned count)
+{
+    std::vector<const Member*> found;
+    for (unsigned i = 0; members != nullptr && i < count; ++i)
+        if (members[i] != nullptr)
+            found.push_back(members[i]);
+    return found;
+}
+
+/// The first of a name; null when there is none.
+template <class Member> const Member* Named(const std::vector<const Member*>& members, const aiString& name)
+{
+    const auto found = std::find_if(
+        members.begin(), members.end(), [&name](const Member* member) { return member->mName == name; });
+    return found != members.end() ? *found : nullptr;
+}
+
+/// Reads what Assimp made of a file. Not all that its readers make is whole: no node, index or count is trusted.
 class SceneFileReader {
 public:
-    SceneFileReader(const aiScene& scene, bool isGltf) : fScene(scene), fIsGltf(isGltf) { }
+    SceneFileReader(const aiScene& scene, bool isGltf)
+        : fMeshes(scene.mMeshes), fMeshCount(scene.mMeshes != nullptr ? scene.mNumMeshes : 0),
+          fLights(MembersOf(scene.mLights, scene.mNumLights)),
+          fCameras(MembersOf(scene.mCameras, scene.mNumCameras)), fIsGltf(isGltf)
+    { }
 
-    SceneFile Read()
+    /// @param name  of the file, for what is told of it
+    SceneFile Read(const aiNode& root, const std::string& name)
     {
-        const aiNode& root = *fScene.mRootNode;
         // A root that only holds the others together, under a name that the reader made up, is left out.
         const bool isHolder = root.mNumMeshes == 0 && root.mTransformation.IsIdentity();
         if (isHolder)
-            for (unsigned i = 0; i < root.mNumChildren; ++i)
-                fFile.fElements.push_back(ReadNode(*root.mChildren[i], aiMatrix4x4(), {}));
+            for (const aiNode* const child : MembersOf(root.mChildren, root.mNumChildren))
+                fFile.fElements.push_back(ReadNode(*child, aiMatrix4x4(), {}));
         else
             fFile.fElements.push_back(ReadNode(root, aiMatrix4x4(), {}));
+        TellMissingUVs(name);
         return std::move(fFile);
     }
 
 private:
-    const aiScene& fScene;
+    aiMesh* const* fMeshes;
+    unsigned fMeshCount;
+    std::vector<const aiLight*> fLights;
+    std::vector<const aiCamera*> fCameras;
     bool fIsGltf;
+    int fDepth = 0;
+    std::vector<std::string> fWithoutUVs; // names of nodes
     SceneFile fFile;
 
     ElementDescription ReadNode(
         const aiNode& node, const aiMatrix4x4& parent, const TTransform3D& parentPlace)
     {
+        if (++fDepth > kDeepest)
+            throw SceneFileError(fmt::format("its nodes are nested more than {} deep", kDeepest));
         const aiMatrix4x4 toWorld = parent * node.mTransformation;
         const Split split = SplitTransform(toWorld);
         ElementDescription element;
         element.fName = node.mName.C_Str();
         element.fPlace = Composed(Inverse(parentPlace), split.place);
         element.fScale = split.scale;
-        if (node.mNumMeshes > 0)
-            element.fGeometry = ReadShape(node, split);
+        element.fGeometry = ReadShape(node, split);
         element.fLight = ReadLight(node);
         element.fCamera = ReadCamera(node);
-        for (unsigned i = 0; i < node.mNumChildren; ++i)
-            element.fChildren.push_back(ReadNode(*node.mChildren[i], toWorld, split.place));
+        for (const aiNode* const child : MembersOf(node.mChildren, node.mNumChildren))
+            element.fChildren.push_back(ReadNode(*child, toWorld, split.place));
+        --fDepth;
         return element;
+    }
+
+    std::vector<const aiMesh*> MeshesOf(const aiNode& node) const
+    {
+        std::vector<const aiMesh*> meshes;
+        for (unsigned i = 0; node.mMeshes != nullptr && i < node.mNumMeshes; ++i) {
+            const aiMesh* const mesh = node.mMeshes[i] < fMeshCount ? fMeshes[node.mMeshes[i]] : nullptr;
+            if (mesh != nullptr && mesh->HasPositions() && mesh->HasNormals() && mesh->HasFaces())
+                meshes.push_back(mesh);
+        }
+        return meshes;
     }
 
     std::shared_ptr<const Geometry> ReadShape(const aiNode& node, const Split& split)
     {
-        MeshDescription all;
-        bool hasUVs = true;
-        for (unsigned i = 0; i < node.mNumMeshes; ++i)
-            hasUVs = hasUVs && fScene.mMeshes[node.mMeshes[i]]->HasTextureCoords(0);
+        const std::vector<const aiMesh*> meshes = MeshesOf(node);
+        const bool hasUVs = std::all_of(
+            meshes.begin(), meshes.end(), [](const aiMesh* mesh) { return mesh->HasTextureCoords(0); });
         aiMatrix3x3 forNormals(split.rest);
         forNormals.Inverse().Transpose();
-        for (unsigned i = 0; i < node.mNumMeshes; ++i) {
-            const aiMesh& mesh = *fScene.mMeshes[node.mMeshes[i]];
+        MeshDescription all;
+        for (const aiMesh* const mesh : meshes) {
             const auto first = static_cast<unsigned>(all.fPoints.size());
-            for (unsigned j = 0; j < mesh.mNumVertices; ++j) {
-                all.fPoints.push_back(VectorOf(split.rest * mesh.mVertices[j]));
-                TVector3 normal = VectorOf(forNormals * mesh.mNormals[j]);
+            for (unsigned j = 0; j < mesh->mNumVertices; ++j) {
+                all.fPoints.push_back(VectorOf(split.rest * mesh->mVertices[j]));
+                TVector3 normal = VectorOf(forNormals * mesh->mNormals[j]);
                 Normalize(normal);
                 all.fNormals.push_back(normal);
                 if (hasUVs)
-                    all.fUVs.emplace_back(mesh.mTextureCoords[0][j].x, mesh.mTextureCoords[0][j].y);
+                    all.fUVs.emplace_back(mesh->mTextureCoords[0][j].x, mesh->mTextureCoords[0][j].y);
             }
-            for (unsigned j = 0; j < mesh.mNumFaces; ++j) {
-                const aiFace& face = mesh.mFaces[j];
-                if (face.mNumIndices != 3)
-                    continue;
-                const unsigned* const corners = face.mIndices;
-                all.fTriangles.push_back({first + corners[0], first + corners[1], first + corners[2]});
-            }
+            for (unsigned j = 0; j < mesh->mNumFaces; ++j)
+                AddTriangle(mesh->mFaces[j], first, mesh->mNumVertices, all);
         }
         if (all.fTriangles.empty())
             return nullptr;
         if (!hasUVs)
-            fFile.fNotices.push_back(fmt::format(
-                "{} has no UV; its place in its bounding box along X and Y stands in", node.mName.C_Str()));
+            fWithoutUVs.emplace_back(node.mName.C_Str());
         return MakeMesh(std::move(all));
+    }
+
+    /// @param first  place of the mesh's first vertex among all
+    /// @param count  of the mesh's vertices
+    static void AddTriangle(const aiFace& face, unsigned first, unsigned count, MeshDescription& all)
+    {
+        if (face.mNumIndices != 3 || face.mIndices == nullptr)
+            return;
+        const unsigned* const corners = face.mIndices;
+        if (corners[0] >= count || corners[1] >= count || corners[2] >= count)
+            throw SceneFileError("a triangle has a corner that the file doesn't hold");
+        all.fTriangles.push_back({first + corners[0], first + corners[1], first + corners[2]});
+    }
+
+    void TellMissingUVs(const std::string& name)
+    {
+        if (fWithoutUVs.empty())
+            return;
+        const size_t others = fWithoutUVs.size() - 1;
+        const std::string& node = fWithoutUVs.front();
+        fFile.fNotices.push_back(Printable(others == 0
+                ? fmt::format(
+                    "{}: \"{}\" has no UV; its place in its bounding box along X and Y stands in", name, node)
+                : fmt::format(
+                    "{}: \"{}\" and {} more have no UV; their places in their bounding boxes along X "
+                    "and Y stand in",
+                    name, node, others)));
     }
 
     std::optional<LightDescription> ReadLight(const aiNode& node) const
     {
-        const auto end = fScene.mLights + fScene.mNumLights;
-        const auto found = std::find_if(
-            fScene.mLights, end, [&node](const aiLight* light) { return light->mName == node.mName; });
-        if (found == end)
+        const aiLight* const found = Named(fLights, node.mName);
+        if (found == nullptr)
             return std::nullopt;
-        const aiLight& source = **found;
+        const aiLight& source = *found;
         LightDescription light;
         if (source.mType == aiLightSource_DIRECTIONAL)
             light.fKind = LightKind::kDistant;
@@ -152,18 +227,17 @@ private:
 
     std::optional<CameraDescription> ReadCamera(const aiNode& node) const
     {
-        const auto end = fScene.mCameras + fScene.mNumCameras;
-        const auto found = std::find_if(
-            fScene.mCameras, end, [&node](const aiCamera* camera) { return camera->mName == node.mName; });
-        if (found == end)
+        const aiCamera* const found = Named(fCameras, node.mName);
+        if (found == nullptr)
             return std::nullopt;
-        const aiCamera& source = **found;
+        const aiCamera& source = *found;
         const double aspect = source.mAspect > 0 ? source.mAspect : 1;
         const double across = source.mHorizontalFOV;
         // Assimp's reader of glTF gives the upright angle times the aspect, not the angle across.
         const double upright = fIsGltf ? across / aspect : 2 * std::atan(std::tan(across / 2) / aspect);
         CameraDescription camera;
-        camera.fFieldOfView = static_cast<float>(std::clamp(upright * kDegreesPerRadian, 1.0, 170.0));
+        if (std::isfinite(upright))
+            camera.fFieldOfView = static_cast<float>(std::clamp(upright * kDegreesPerRadian, 1.0, 170.0));
         return camera;
     }
 };
@@ -172,9 +246,10 @@ private:
 
 SceneFile ReadSceneFile(const std::filesystem::path& file)
 {
-    if (!std::filesystem::exists(file))
-        throw SceneFileError(file.string() + " can't be read: there is no such file");
+    if (const std::string reason = WhyNoFile(file); !reason.empty())
+        throw SceneFileError(file.string() + " can't be read: " + reason);
     Assimp::Importer importer;
+    importer.SetIOHandler(new RegularFiles);
     return ReadSceneFile(file, importer);
 }
 
@@ -184,17 +259,22 @@ SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& imp
     importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, kCreaseAngle);
     importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_POINT | aiPrimitiveType_LINE);
     const aiScene* const scene = importer.ReadFile(file.string(),
-        aiProcess_Triangulate | aiProcess_GenSmoothNormals | aiProcess_GenUVCoords | aiProcess_SortByPType
-            | aiProcess_JoinIdenticalVertices);
+        aiProcess_ValidateDataStructure | aiProcess_Triangulate | aiProcess_GenSmoothNormals
+            | aiProcess_GenUVCoords | aiProcess_SortByPType | aiProcess_JoinIdenticalVertices);
     if (scene == nullptr || scene->mRootNode == nullptr)
         throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), importer.GetErrorString()));
     std::string ending = file.extension().string();
     std::transform(ending.begin(), ending.end(), ending.begin(),
         [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    SceneFile read = SceneFileReader(*scene, ending == ".gltf" || ending == ".glb").Read();
-    if (read.fElements.empty())
-        throw SceneFileError(file.string() + " holds no scene");
-    return read;
+    try {
+        SceneFile read = SceneFileReader(*scene, ending == ".gltf" || ending == ".glb")
+                             .Read(*scene->mRootNode, file.filename().string());
+        if (read.fElements.empty())
+            throw SceneFileError("it holds no scene");
+        return read;
+    } catch (const SceneFileError& error) {
+        throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), error.what()));
+    }
 }
 
 } // namespace fernwick

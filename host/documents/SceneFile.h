@@ -29,6 +29,7 @@ struct SceneFile {
 /// brightness is its strongest channel; its range is taken where the file gives one (glTF), with the fading
 /// from the light on. Cones are taken as angles from the axis. Lines and points are left out.
 ///
+/// A file is checked before it is taken, and so is every regular file that it names; pipes and devices aren't read.
 /// Throws `SceneFileError`.
 SceneFile ReadSceneFile(const std::filesystem::path& file);
 /// The same by an importer that has files of its own.

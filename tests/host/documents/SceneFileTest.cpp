@@ -2,6 +2,7 @@
 #include "host/scene/Placement.h"
 #include "tests/support/BakeText.h"
 #include <fstream>
+#include <sys/stat.h>
 
 using namespace fernwick;
 
@@ -86,7 +87,8 @@ TEST_F(SceneFileTest, AMeshWithoutUVIsToldAndGetsItsBoundingBox)
         = ReadSceneFile(Store("sheet.obj", "o Sheet\nv 1 0 0\nv 3 0 0\nv 3 4 0\nv 1 4 0\nf 1 2 3 4\n"));
     ASSERT_EQ(file.fElements.size(), 1u);
     EXPECT_THAT(file.fNotices,
-        testing::ElementsAre("Sheet has no UV; its place in its bounding box along X and Y stands in"));
+        testing::ElementsAre(
+            "sheet.obj: \"Sheet\" has no UV; its place in its bounding box along X and Y stands in"));
     const Geometry& shape = *file.fElements[0].fGeometry;
     const auto hit = shape.Cast({1.5f, 3, 1}, {0, 0, -1}, 0, 2);
     ASSERT_TRUE(hit);
@@ -96,6 +98,17 @@ TEST_F(SceneFileTest, AMeshWithoutUVIsToldAndGetsItsBoundingBox)
     EXPECT_LT(Length(point.fDerivU - TVector3(2, 0, 0)), 1e-5);
     EXPECT_LT(Length(point.fDerivV - TVector3(0, 4, 0)), 1e-5);
     EXPECT_LT(Length(point.fNormal - TVector3(0, 0, 1)), 1e-6);
+}
+
+TEST_F(SceneFileTest, WhatManyMeshesLackIsToldOnce)
+{
+    const std::string quad = "v 1 0 0\nv 3 0 0\nv 3 4 0\nf -3 -2 -1\n";
+    const SceneFile file
+        = ReadSceneFile(Store("sheets.obj", "o A\x1b\n" + quad + "o B\n" + quad + "o C\n" + quad));
+    EXPECT_THAT(file.fNotices,
+        testing::ElementsAre(
+            "sheets.obj: \"A\\u001b\" and 2 more have no UV; their places in their bounding boxes "
+            "along X and Y stand in"));
 }
 
 TEST_F(SceneFileTest, ScaledAndMirroredMeshesKeepTheirOuterSide)
@@ -134,6 +147,31 @@ TEST_F(SceneFileTest, FilesThatHoldNoSceneAreRefusedByName)
     EXPECT_THAT(
         ErrorOf(Store("broken.gltf", "{\"asset\":")), testing::HasSubstr("broken.gltf can't be read: "));
     EXPECT_THAT(ErrorOf(Store("scene.xyz", "?")), testing::HasSubstr("scene.xyz can't be read: "));
+    EXPECT_THAT(ErrorOf(fPlace.Path()), testing::EndsWith(" can't be read: it is a folder"));
+    EXPECT_THAT(ErrorOf("/dev/zero"), testing::EndsWith(" can't be read: it is a device"));
+}
+
+TEST_F(SceneFileTest, DamagedScenesAreRefused)
+{
+    // Assimp's reader leaves a node out of each group of triangles.
+    const std::string group = "0.5 0.5 0.5 0 0 0 0 1 0 1 0 0\n";
+    EXPECT_THAT(ErrorOf(Store("groups.raw", "First\n" + group + "Second\n" + group)),
+        testing::HasSubstr("groups.raw can't be read: "));
+    // A part that isn't a file would never end.
+    mkfifo((fPlace / "part.bin").c_str(), 0600);
+    EXPECT_THAT(
+        ErrorOf(Store("pipe.gltf", R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
+        "nodes": [{"mesh": 0}], "meshes": [{"primitives": [{"attributes": {"POSITION": 0}}]}],
+        "accessors": [{"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3"}],
+        "bufferViews": [{"buffer": 0, "byteLength": 36}], "buffers": [{"byteLength": 36, "uri": "part.bin"}]})")),
+        testing::HasSubstr("pipe.gltf can't be read: "));
+    std::string nodes = R"({"name": "n0"})";
+    for (int i = 1; i < 400; ++i)
+        nodes += ", {\"children\": [" + std::to_string(i - 1) + "]}";
+    EXPECT_THAT(ErrorOf(Store("deep.gltf",
+                    R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [399]}], "nodes": [)"
+                        + nodes + "]}")),
+        testing::EndsWith("deep.gltf can't be read: its nodes are nested more than 256 deep"));
 }
 
 } // namespace
