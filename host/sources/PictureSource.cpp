@@ -15,7 +15,9 @@ namespace {
 constexpr int kLongestSide = 65536;                      // pixels
 constexpr OIIO::imagesize_t kMostPixels = 16384 * 16384; // 4 GB of colours
 
-constexpr std::string_view kHangingFormat = "rla"; // its decoder never comes back from a damaged row
+/// The decoders that bear damaged files. Those of IFF, RLA and Softimage crash or hang, and others aren't for pictures.
+constexpr const char* kFormats[] = {"openexr", "tiff", "jpeg", "png", "gif", "bmp", "hdr", "webp", "pnm",
+    "psd", "sgi", "ico", "dds", "dpx", "fits", "heif", "jpeg2000", "targa"};
 
 SourceError Unreadable(const std::filesystem::path& file, const std::string& reason)
 {
@@ -38,6 +40,23 @@ void RequireSensible(const OIIO::ImageSpec& layout, const std::filesystem::path&
         throw Unreadable(file, "");
 }
 
+/// The decoder of a file by the end of its name, or else the one that takes it for its own; null for none.
+std::unique_ptr<OIIO::ImageInput> CreateDecoder(const std::filesystem::path& file)
+{
+    const std::string ending = file.extension().string();
+    auto named = ending.empty() ? nullptr : OIIO::ImageInput::create(ending.substr(1));
+    if (named
+        && std::find(std::begin(kFormats), std::end(kFormats), std::string_view(named->format_name()))
+            == std::end(kFormats))
+        named = nullptr;
+    if (named && named->valid_file(file.string()))
+        return named;
+    for (const char* const format : kFormats)
+        if (auto input = OIIO::ImageInput::create(format); input && input->valid_file(file.string()))
+            return input;
+    return named; // tells what is wrong
+}
+
 /// Opens a picture and tells how it is laid out.
 std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::ImageSpec& layout)
 {
@@ -50,13 +69,11 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::
         throw Unreadable(file, reason);
     OIIO::ImageSpec wishes;
     wishes.attribute("oiio:UnassociatedAlpha", 1);
-    auto input = OIIO::ImageInput::create(file.string());
+    auto input = CreateDecoder(file);
     if (!input)
-        throw Unreadable(file, OIIO::geterror());
+        throw Unreadable(file, "it is of no format that is known");
     if (!input->open(file.string(), layout, wishes))
         throw Unreadable(file, input->geterror());
-    if (std::string_view(input->format_name()) == kHangingFormat)
-        throw Unreadable(file, "pictures in RLA aren't read; convert it to another format");
     RequireSensible(layout, file);
     return input;
 }

@@ -31,7 +31,7 @@ class PictureSource final : public ColorSource {
 public:
     using Settings = PictureSettings;
 
-    /// Reads the file, in any format that OpenImageIO knows but RLA, up to 16384 by 16384 pixels. One that is cut off or
+    /// Reads the file, in any of the usual formats that OpenImageIO knows, up to 16384 by 16384 pixels. One that is cut off or
     /// damaged is refused. Throws `SourceError`.
     explicit PictureSource(const Settings& settings);
 
