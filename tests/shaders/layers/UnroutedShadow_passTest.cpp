@@ -68,9 +68,15 @@ TEST_F(Shadow_passTest, PassesASurfaceOrWritesTheColourOfTheCallersRecord)
 TEST_F(Shadow_passTest, IsASurfaceAndAsksAKeptShaderForItsKindsAnew)
 {
     EXPECT_EQ(fPass->GetOutputKinds(), kOutputSurface);
-    const auto shader = FakeAll(kOutputColor);
+    const auto shader = FakeAll();
+    shader->fSilent = true;
     Plug(fRecord->fSubShader, shader);
-    fPass->ExtensionDataChanged();
+    for (const uint32_t kinds : {kOutputColor, kOutputValue, kOutputColor}) {
+        shader->fKinds = kinds;
+        fPass->ExtensionDataChanged();
+        EXPECT_THAT(Shade().fColor, IsColor(0, 0, 0, 0)); // both begin with 0
+    }
+    shader->fSilent = false;
     fRecord->fSubShader = nullptr;
     shader->fKinds = kOutputValue;
     EXPECT_EQ(Shade().fColor.fRed, 0.25f);
