@@ -11,6 +11,8 @@
 #include <assimp/scene.h>
 #include <cmath>
 #include <fmt/format.h>
+#include <set>
+#include <utility>
 
 namespace fernwick {
 
@@ -74,6 +76,40 @@ template <class Member> const Member* Named(const std::vector<const Member*>& me
     const auto found = std::find_if(
         members.begin(), members.end(), [&name](const Member* member) { return member->mName == name; });
     return found != members.end() ? *found : nullptr;
+}
+
+/// Keeps the members whose names are among those of nodes.
+template <class Member>
+void KeepPlaced(const std::set<std::string_view>& nodes, Member**& members, unsigned& count)
+{
+    unsigned kept = 0;
+    for (unsigned i = 0; members != nullptr && i < count; ++i)
+        if (members[i] != nullptr && nodes.contains(members[i]->mName.C_Str()))
+            members[kept++] = members[i];
+        else
+            delete members[i];
+    count = kept;
+    if (kept == 0)
+        delete[] std::exchange(members, nullptr);
+}
+
+/// Drops lights and cameras of no node, which some readers make: nothing would show them, and Assimp's check of the
+/// data refuses a file for them.
+void DropUnplaced(aiScene& scene)
+{
+    std::set<std::string_view> nodes;
+    std::vector<const aiNode*> waiting = {scene.mRootNode};
+    while (!waiting.empty()) {
+        const aiNode* const node = waiting.back();
+        waiting.pop_back();
+        if (node == nullptr)
+            continue;
+        nodes.insert(node->mName.C_Str());
+        for (const aiNode* const child : MembersOf(node->mChildren, node->mNumChildren))
+            waiting.push_back(child);
+    }
+    KeepPlaced(nodes, scene.mLights, scene.mNumLights);
+    KeepPlaced(nodes, scene.mCameras, scene.mNumCameras);
 }
 
 /// Reads what Assimp made of a file. Not all that its readers make is whole: no node, index or count is trusted.
@@ -258,9 +294,13 @@ SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& imp
     constexpr float kCreaseAngle = 60; // degrees
     importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, kCreaseAngle);
     importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_POINT | aiPrimitiveType_LINE);
-    const aiScene* const scene = importer.ReadFile(file.string(),
-        aiProcess_ValidateDataStructure | aiProcess_Triangulate | aiProcess_GenSmoothNormals
-            | aiProcess_GenUVCoords | aiProcess_SortByPType | aiProcess_JoinIdenticalVertices);
+    const aiScene* scene = importer.ReadFile(file.string(), 0);
+    if (scene != nullptr) {
+        DropUnplaced(const_cast<aiScene&>(*scene)); // the importer's own, which is no constant
+        scene = importer.ApplyPostProcessing(aiProcess_ValidateDataStructure | aiProcess_Triangulate
+            | aiProcess_GenSmoothNormals | aiProcess_GenUVCoords | aiProcess_SortByPType
+            | aiProcess_JoinIdenticalVertices);
+    }
     if (scene == nullptr || scene->mRootNode == nullptr)
         throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), importer.GetErrorString()));
     std::string ending = file.extension().string();

@@ -1,5 +1,4 @@
 #include "frame/Query.h"
-#include "module/ClassIDs.h"
 #include "host/library/Module.h"
 #include "host/validation/Checks.h"
 #include "host/validation/ElfSymbols.h"
@@ -7,6 +6,7 @@
 #include "host/validation/Probes.h"
 #include "host/validation/Sheet.h"
 #include "host/validation/Specimen.h"
+#include "module/ClassIDs.h"
 #include <algorithm>
 #include <fmt/format.h>
 

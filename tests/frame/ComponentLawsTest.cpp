@@ -1,7 +1,7 @@
 #include "frame/IExDataExchanger.h"
-#include "module/ClassIDs.h"
 #include "frame/Query.h"
 #include "frame/TMCException.h"
+#include "module/ClassIDs.h"
 #include "tests/support/FakeOuter.h"
 #include "tests/support/ShaderTest.h"
 #include <cstdlib>
