@@ -1,4 +1,5 @@
 #pragma once
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -6,15 +7,23 @@
 
 namespace fernwick::validation {
 
+/// Up to four bytes as a word. All NaNs are one: which of its operands' bits a NaN bears is left to the compiler.
+inline uint32_t WordAt(const void* bytes, size_t size)
+{
+    uint32_t word = 0;
+    std::memcpy(&word, bytes, std::min(size, sizeof word));
+    constexpr uint32_t kInfinity = 0x7F800000;
+    constexpr uint32_t kNaN = 0x7FC00000;
+    return (word & 0x7FFFFFFF) > kInfinity ? kNaN : word;
+}
+
 /// A number that tells different bytes apart.
 inline uint64_t DigestOf(const void* bytes, size_t size)
 {
     const auto* const start = static_cast<const char*>(bytes);
     uint64_t digest = size;
-    for (size_t done = 0; done < size; done += sizeof digest) {
-        uint64_t word = 0;
-        std::memcpy(&word, start + done, size - done < sizeof word ? size - done : sizeof word);
-        digest = (digest ^ word) * 0x9E3779B97F4A7C15;
+    for (size_t done = 0; done < size; done += sizeof(uint32_t)) {
+        digest = (digest ^ WordAt(start + done, size - done)) * 0x9E3779B97F4A7C15;
         digest ^= digest >> 32;
     }
     return digest;

@@ -15,11 +15,11 @@ std::string TextOf(const ProbeCall& call) { return fmt::format("{} of {}", call.
 
 std::string DifferenceOfWords(const char* what, const void* left, const void* right, size_t size)
 {
+    if (std::memcmp(left, right, size) == 0)
+        return "";
     for (size_t start = 0; start < size; start += sizeof(uint32_t)) {
-        uint32_t words[2] = {};
-        const size_t count = std::min(sizeof(uint32_t), size - start);
-        std::memcpy(&words[0], static_cast<const char*>(left) + start, count);
-        std::memcpy(&words[1], static_cast<const char*>(right) + start, count);
+        const uint32_t words[] = {WordAt(static_cast<const char*>(left) + start, size - start),
+            WordAt(static_cast<const char*>(right) + start, size - start)};
         if (words[0] != words[1])
             return fmt::format("{}, byte {}, is {:#010x} ({}) and {:#010x} ({})", what, start, words[0],
                 std::bit_cast<float>(words[0]), words[1], std::bit_cast<float>(words[1]));
@@ -60,8 +60,9 @@ std::string DifferenceOf(Sheet::Operation operation, const Sheet& left, const Sh
             parts[1] = part("ShadingOut", left.fResult.fRecord, right.fResult.fRecord);
     }
     for (const Part& one : parts)
-        if (std::memcmp(one.left, one.right, one.size) != 0)
-            return DifferenceOfWords(one.what, one.left, one.right, one.size);
+        if (std::string difference = DifferenceOfWords(one.what, one.left, one.right, one.size);
+            !difference.empty())
+            return difference;
     return "";
 }
 
@@ -97,12 +98,12 @@ RecordSpans::RecordSpans(const ParameterTable& table) : fTable(table)
 std::string RecordSpans::DifferenceOf(const char* left, const char* right) const
 {
     for (const Span& span : fSpans) {
-        if (std::memcmp(left + span.start, right + span.start, span.size) == 0)
+        if (DifferenceOfWords("", left + span.start, right + span.start, span.size).empty())
             continue;
         for (const Field* field = span.field; field != fTable.fFields.data() + fTable.fFields.size();
              ++field) {
             const FieldPlace place = PlaceOf(*field);
-            if (std::memcmp(left + place.start, right + place.start, place.size) != 0)
+            if (!DifferenceOfWords("", left + place.start, right + place.start, place.size).empty())
                 return fmt::format("the record's {} is {} and {}", field->fName,
                     ValueText(*field, ReadField(*field, left)), ValueText(*field, ReadField(*field, right)));
         }

@@ -1,8 +1,9 @@
 // Compares two builds of the library to the bit: what every class answers to the same random records and samples,
 // what it makes of them, and what it asks of the shaders plugged into it and of its scene.
+#include "frame/Query.h"
 #include "frame/TMCException.h"
 #include "module/UnroutedClassIDs.h"
-#include "shaders/scene/Corners.h"
+#include "shaders/scene/INormalGrid.h"
 #include "tests/same/Comparison.h"
 #include <algorithm>
 #include <cstdlib>
@@ -86,18 +87,21 @@ std::string StatementsOf(const Specimen& object)
         SizeText(object.Exchanger()));
 }
 
-/// Lays random normals out in the grid of Corners, which asks the host for nothing. A build that keeps its grid in
-/// another place is known by the edge it tells, and keeps an empty one.
+/// Lays random normals out in the grid of Corners, which asks the host for nothing. Beside a build whose grid has
+/// another edge, or can't be reached, both keep an empty one.
 void FillGrids(const ParameterTable& table, uint64_t seed, const Specimen& left, const Specimen& right)
 {
     constexpr int kFilled = 256; // cells along an edge; most probes lie at its low end
     constexpr uint32_t kNormals = 997;
     if (table.fName != "Corners")
         return;
-    Corners& leftCorners = static_cast<Corners&>(left.Shader());
-    Corners& rightCorners = static_cast<Corners&>(right.Shader());
-    const int edge = leftCorners.GridSize();
-    if (edge != rightCorners.GridSize() || edge < 1 || edge > 2048)
+    MCCountedPtr<INormalGrid> leftGrid;
+    MCCountedPtr<INormalGrid> rightGrid;
+    if (Query(left.Shader(), IID_INormalGrid, leftGrid) != MC_S_OK
+        || Query(right.Shader(), IID_INormalGrid, rightGrid) != MC_S_OK)
+        return;
+    const int edge = leftGrid->GetEdge();
+    if (edge != rightGrid->GetEdge())
         return;
     Random random(seed);
     std::vector<TVector3> normals;
@@ -106,8 +110,8 @@ void FillGrids(const ParameterTable& table, uint64_t seed, const Specimen& left,
     for (int u = 0; u < std::min(edge, kFilled); ++u)
         for (int v = 0; v < std::min(edge, kFilled); ++v) {
             const TVector3& normal = normals[static_cast<uint32_t>(u * 31 + v * 17) % kNormals];
-            leftCorners.SetNormal(u, v, normal);
-            rightCorners.SetNormal(u, v, normal);
+            leftGrid->SetNormal(u, v, normal);
+            rightGrid->SetNormal(u, v, normal);
         }
 }
 
