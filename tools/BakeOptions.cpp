@@ -97,5 +97,6 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
     }
     if (*job.cancel)
         throw Interrupted();
+    TellOddNumbers(picture, options.picture.file);
     picture.Save(options.picture.file, options.picture.layout);
 }

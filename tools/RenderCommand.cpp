@@ -45,6 +45,7 @@ void RunRender(const RenderOptions& options)
     const fernwick::Picture picture
         = RunShown(job, reports, options.graph, [&] { return fernwick::Render(library, document, job); });
     TellEmptySlots(picture, document);
+    TellOddNumbers(picture, options.picture.file);
     picture.Save(options.picture.file, options.picture.layout);
 }
 

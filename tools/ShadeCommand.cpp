@@ -107,6 +107,7 @@ void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fern
     const fernwick::Picture rendered = RunShown(
         job, reports, options.settings.name, [&] { return fernwick::Render(library, document, job); });
     TellEmptySlots(rendered, document);
+    TellOddNumbers(rendered, picture.file);
     rendered.Save(picture.file, picture.layout);
 }
 

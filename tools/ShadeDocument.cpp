@@ -276,10 +276,18 @@ fernwick::GraphDocument MakeGroundDocument(const std::string& over)
     const std::string source = over.substr(0, over.find(':'));
     if (fernwick::FindSource(source) == nullptr) {
         const std::string hint = fernwick::NearestHint(source, SourceNames());
-        if (!hint.empty() && !std::filesystem::exists(over))
+        std::error_code ignored;
+        if (!hint.empty() && !std::filesystem::exists(over, ignored))
             throw fernwick::GraphError(
                 fmt::format("--over: there is no source or file \"{}\"{}", over, hint));
-        return fernwick::GraphDocument::Read(over);
+        try {
+            return fernwick::GraphDocument::Read(over);
+        } catch (const fernwick::GraphError& error) {
+            if (over.ends_with(".json"))
+                throw;
+            throw fernwick::GraphError(
+                fmt::format("{}; a picture is given as picture:{}", error.what(), over));
+        }
     }
     const std::string name = "--over";
     const Json document = {{"shaders", {{name, SourceOf(over, "--over", name)}}}, {"output", name}};

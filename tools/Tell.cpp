@@ -2,6 +2,7 @@
 #include "host/json/Printable.h"
 #include "tools/Streams.h"
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 
 namespace {
@@ -97,4 +98,24 @@ void TellEmptySlots(const fernwick::Picture& picture, const fernwick::GraphDocum
     if (!slots.empty())
         Tell(fmt::format("the picture is {} all over; nothing is plugged into {}",
             emptiness == Emptiness::kBlack ? "black" : "transparent", Listed(slots)));
+}
+
+void TellOddNumbers(const fernwick::Picture& picture, const std::string& file)
+{
+    if (fernwick::Picture::HoldsLayers(file))
+        return;
+    int64_t odd = 0;
+    for (int y = 0; y < picture.Height(); ++y)
+        for (int x = 0; x < picture.Width(); ++x) {
+            const TMCColorRGBA& color = picture.At(x, y);
+            for (const float channel : {color.fRed, color.fGreen, color.fBlue, color.fAlpha})
+                if (!std::isfinite(channel)) {
+                    ++odd;
+                    break;
+                }
+        }
+    if (odd > 0)
+        Tell(fmt::format(
+            "{} of {} pixels hold a NaN or an infinity, which a .png can't keep; save an .exr to see them",
+            odd, int64_t{picture.Width()} * picture.Height()));
 }

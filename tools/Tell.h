@@ -13,3 +13,7 @@ void TellDoubts(const fernwick::GraphDocument& document);
 /// Tells of a picture that is black or transparent all over which slots of the shaders behind it are empty, if any
 /// are: what isn't plugged in is mostly why.
 void TellEmptySlots(const fernwick::Picture& picture, const fernwick::GraphDocument& document);
+
+/// Tells how many pixels hold a NaN or an infinity, which a .png can't keep, if any do.
+/// @param file  that the picture is written to
+void TellOddNumbers(const fernwick::Picture& picture, const std::string& file);

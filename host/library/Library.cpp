@@ -27,7 +27,8 @@ void Library::Closer::operator()(void* handle) const { CloseModule(handle); }
 Library::Library(const std::filesystem::path& path, MCCountedPtr<Utilities> utilities)
     : fPath(std::filesystem::absolute(path)), fUtilities(utilities)
 {
-    if (!std::filesystem::exists(fPath))
+    std::error_code ignored; // the next line tells of it
+    if (!std::filesystem::exists(fPath, ignored) && !ignored)
         throw LibraryError(fPath.string()
             + ": no such file; build the library, or name it with --library or FERNWICK_LIBRARY");
     if (const std::string reason = WhyNoFile(fPath); !reason.empty())

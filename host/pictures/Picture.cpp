@@ -122,7 +122,8 @@ void Picture::RequireSavable(const std::filesystem::path& path)
 {
     if (FormatOf(path).empty())
         throw PictureError(path.string() + ": a picture's name ends in .png or .exr");
-    if (std::filesystem::is_directory(path))
+    std::error_code ignored; // of what can't be looked at; writing it tells why
+    if (std::filesystem::is_directory(path, ignored))
         throw PictureError(path.string() + ": is a folder");
 }
 

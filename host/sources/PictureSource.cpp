@@ -19,8 +19,11 @@ constexpr OIIO::imagesize_t kMostPixels = 16384 * 16384; // 4 GB of colours
 constexpr const char* kFormats[] = {"openexr", "tiff", "jpeg", "png", "gif", "bmp", "hdr", "webp", "pnm",
     "psd", "sgi", "ico", "dds", "dpx", "fits", "heif", "jpeg2000", "targa"};
 
-SourceError Unreadable(const std::filesystem::path& file, const std::string& reason)
+/// @param reason  a decoder's may have several lines
+SourceError Unreadable(const std::filesystem::path& file, std::string reason)
 {
+    for (size_t end = reason.find('\n'); end != std::string::npos; end = reason.find('\n', end))
+        reason.replace(end, 1, end + 1 == reason.size() ? "" : "; ");
     return SourceError("file: " + file.string()
         + " can't be read: " + (reason.empty() ? "it is cut off or damaged" : reason));
 }
