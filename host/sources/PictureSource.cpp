@@ -106,11 +106,9 @@ Channels FindChannels(const OIIO::ImageSpec& layout)
     for (int channel = 0; channel < layout.nchannels && colors.size() < 3; ++channel)
         if (channel != alpha)
             colors.push_back(channel);
-    if (colors.empty())
-        colors.push_back(0);
-    while (colors.size() < 3)
-        colors.push_back(colors.front());
-    return {{colors[0], colors[1], colors[2]}, alpha, std::max({colors[0], colors[2], alpha}) + 1};
+    if (colors.size() < 3)
+        colors.assign(3, colors.empty() ? 0 : colors.front());
+    return {{colors[0], colors[1], colors[2]}, alpha, std::max(colors[2], alpha) + 1};
 }
 
 bool IsEncoded(const OIIO::ImageSpec& layout, int32_t setting)
