@@ -1,5 +1,6 @@
 #include "tests/support/Shell.h"
 #include <algorithm>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -121,13 +122,15 @@ TEST(ValidateTest, AFileThatCantBeLoadedIsOneLine)
         {"nameless.so", with("MCDllCleanUp", "MCDllKeepUp_"), "doesn't export MCDllCleanUp"},
         {"lonely.so", with("libc.so.6", "libq.so.6"), "libq.so.6"},
     };
+    const std::string folder = testing::TempDir() + "fernwick_unloadable/";
     for (const auto& file : files) {
-        Store("unloadable/" + file.name, file.text);
-        const ShellAnswer answer = Validate("unloadable/" + file.name);
+        Store(folder + file.name, file.text);
+        const ShellAnswer answer = Validate(folder + file.name);
         EXPECT_EQ(answer.status, 1) << answer.text;
         EXPECT_THAT(answer.text, HasSubstr(file.why));
         EXPECT_EQ(std::ranges::count(answer.text, '\n'), 1) << answer.text;
     }
+    std::filesystem::remove_all(folder);
     const ShellAnswer missing = Validate("missing.so");
     EXPECT_EQ(missing.status, 1);
     EXPECT_THAT(missing.text, HasSubstr("missing.so: no such file"));
