@@ -207,7 +207,7 @@ TEST_F(GraphTest, WhatIsNoFileIsCalledByItsNameAndWhatNeverEndsEnds)
     EXPECT_EQ(fed(WithShaders(R"("key": {"source": "color"})"), false), "read");
     EXPECT_THAT(fed(std::string(100000, ' '), true), testing::HasSubstr("it goes on behind 64 MiB"));
 
-    const auto file = [&pipe](const std::string& source) {
+    const auto file = [](const std::string& source) {
         return WithShaders(R"("key": {"source": "color"})", R"(, "scene": {"file": ")" + source + "\"}");
     };
     EXPECT_THAT(ErrorOf(file(place.Path())), testing::HasSubstr("can't be read: it is a folder"));
