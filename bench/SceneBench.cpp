@@ -83,7 +83,7 @@ void AddGroup(int count)
 const TMCString255 kLamp("Lamp 8");
 const TMCString255 kPlate("Plate 3");
 
-MCCountedPtr<ITreeElement> Named(const SamplePlace& place, const TMCString& name)
+MCCountedPtr<ITreeElement> Named(const SamplePlace& place, const TMCString255& name)
 {
     MCCountedPtr<ITreeElement> tree;
     FindTreeByName(place.fScene, name, "", tree);
