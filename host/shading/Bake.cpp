@@ -1,7 +1,6 @@
 #include "host/shading/Bake.h"
 #include "host/geometry/TangentFrame.h"
-#include "host/shading/Tiles.h"
-#include "host/shading/UVSquare.h"
+#include "host/shading/SquareTexels.h"
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -215,16 +214,14 @@ TMCColorRGBA Read(const Graph& graph, Operation operation, const BakeJob& job, S
     }
 }
 
-void ShadeTile(
-    const Graph& graph, Operation operation, const BakeJob& job, const Tile& tile, Picture& picture)
+void ShadeTile(const Graph& graph, Operation operation, const BakeJob& job, const Tile& tile,
+    TexelTile& texels, Picture& picture)
 {
-    const UVSquare square(graph);
+    ShadingIn in;
     for (int y = tile.fTop; y < tile.fBottom; ++y)
-        for (int x = tile.fLeft; x < tile.fRight; ++x) {
-            ShadingIn in = square.SampleAt(
-                UVSquare::CenterOf(x, job.width), UVSquare::CenterOf(job.height - 1 - y, job.height));
-            picture.At(x, y) = Read(graph, operation, job, in);
-        }
+        for (int x = tile.fLeft; x < tile.fRight; ++x)
+            if (texels.SampleAt(x, y, in))
+                picture.At(x, y) = Read(graph, operation, job, in);
 }
 
 } // namespace
@@ -233,11 +230,19 @@ std::span<const NamedBakeChannel> BakeChannels() { return kChannels; }
 
 std::optional<Picture> Bake(const Library& library, const GraphDocument& document, const BakeJob& job)
 {
-    const Operation operation = RequireOperation(*MakeGraph(library, document), job.channel);
+    const SquareTexels square(job.width, job.height);
+    const TexelSurface& surface = job.surface != nullptr ? *job.surface : square;
+    const Operation operation = RequireOperation(*surface.MakeGraphFor(library, document), job.channel);
     Picture picture(job.width, job.height, ContentOf(job.channel));
     const TileJob tiles = {job.width, job.height, kTileSide, job.threads, job.onProgress, job.cancel};
     if (!ForEachTile(tiles, [&](const Tile& tile) {
-            ShadeTile(*MakeGraph(library, document), operation, job, tile, picture);
+            const auto texels = surface.Open(tile);
+            if (!texels)
+                return;
+            const OwnGraph graph = surface.MakeGraphFor(library, document);
+            texels->Use(*graph);
+            texels->MoveTo({0.5, 0.5});
+            ShadeTile(*graph, operation, job, tile, *texels, picture);
         }))
         return std::nullopt;
     return picture;

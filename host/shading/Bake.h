@@ -11,6 +11,7 @@ namespace fernwick {
 
 class GraphDocument;
 class Library;
+class TexelSurface;
 
 /// A bake that can't be done. The text tells what the output shader offers instead.
 class BakeError : public std::runtime_error {
@@ -56,6 +57,7 @@ struct BakeJob {
     /// Gets the share that is done, 0 to 1; from any thread, one at a time.
     std::function<void(double)> onProgress = {};
     const std::atomic<bool>* cancel = nullptr; ///< looked at between tiles
+    const TexelSurface* surface = nullptr;     ///< what is shaded; null for the UV square
 };
 
 /// Shades the UV square into a picture with the graph that `document` describes. U runs to the right, V up, and a

@@ -3,10 +3,11 @@
 #include "host/scene/Placement.h"
 #include "host/scene/World.h"
 #include "host/shading/NormalGrids.h"
+#include "host/shading/PixelPattern.h"
+#include "host/shading/PixelSum.h"
 #include "host/shading/SurfaceLayers.h"
 #include "host/shading/Tiles.h"
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <fmt/format.h>
 
@@ -16,30 +17,6 @@ namespace {
 
 constexpr int kTileSide = 64;     // pixels
 constexpr int kMostSurfaces = 16; ///< that a ray goes through
-
-/// Where the samples of a pixel lie: a Hammersley set, moved to the middle of its cells.
-class PixelPattern {
-public:
-    explicit PixelPattern(int count)
-    {
-        const auto number = static_cast<unsigned>(count);
-        const double finest = static_cast<double>(std::bit_ceil(number));
-        for (unsigned i = 0; i < number; ++i) {
-            double reversed = 0;
-            double weight = 0.5;
-            for (unsigned bits = i; bits != 0; bits >>= 1, weight /= 2)
-                reversed += (bits & 1) * weight;
-            fPlaces.push_back({(i + 0.5) / count, reversed + 0.5 / finest});
-        }
-    }
-    const std::vector<std::pair<double, double>>& Places() const
-    {
-        return fPlaces;
-    } ///< from 0 to 1, row down
-
-private:
-    std::vector<std::pair<double, double>> fPlaces;
-};
 
 /// The rays of a camera, and the lamp beside it.
 class Eye {
@@ -71,9 +48,6 @@ private:
     double fHeight;
     TVector3 fToLamp;
 };
-
-/// 0 to 1; NaN gives 0.
-float Share(float number) { return number >= 0 ? std::min(number, 1.0f) : 0.0f; }
 
 /// What one surface shows.
 struct Shown {
@@ -154,35 +128,6 @@ private:
         Normalize(normal);
         const auto straight = static_cast<float>(Dot(isBehind ? -normal : normal, eye.ToLamp()));
         return kAmbient + (1 - kAmbient) * Share(straight);
-    }
-};
-
-/// The sum of one pixel's samples, colours times alpha.
-struct PixelSum {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 0;
-
-    /// Puts a colour behind what a sample has met so far.
-    /// @param left  share of the sample that still shows what lies behind
-    void Add(const TMCColorRGBA& color, double& left)
-    {
-        const double share = left * Share(color.fAlpha);
-        if (!(share > 0)) // what is hidden may be anything
-            return;
-        red += share * color.fRed;
-        green += share * color.fGreen;
-        blue += share * color.fBlue;
-        alpha += share;
-        left -= share;
-    }
-    TMCColorRGBA Color(int samples) const
-    {
-        if (!(alpha > 0))
-            return {0, 0, 0, 0};
-        return {static_cast<float>(red / alpha), static_cast<float>(green / alpha),
-            static_cast<float>(blue / alpha), static_cast<float>(alpha / samples)};
     }
 };
 

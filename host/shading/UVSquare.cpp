@@ -7,20 +7,9 @@ UVSquare::UVSquare(const Graph& graph) : fInstance(graph.Instance())
 {
     if (graph.SceneOrNull() != nullptr)
         fToWorld = graph.SceneOrNull()->ShadedObject().Transform();
-}
-
-ShadingIn UVSquare::SampleAt(float u, float v) const
-{
-    ShadingIn in;
-    in.fPointLocal = {u, v, 0};
-    in.fNormalLocal = {0, 0, 1};
-    in.fUV = {u, v};
-    in.fPointGlobal = Turned(in.fPointLocal) + fToWorld.fTranslation;
-    in.fNormalGlobal = Turned(in.fNormalLocal);
-    in.fDerivU = Turned({1, 0, 0});
-    in.fDerivV = Turned({0, 1, 0});
-    in.fInstance = fInstance;
-    return in;
+    fNormal = Turned({0, 0, 1});
+    fDerivU = Turned({1, 0, 0});
+    fDerivV = Turned({0, 1, 0});
 }
 
 TVector3 UVSquare::Turned(const TVector3& vector) const
