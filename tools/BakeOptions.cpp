@@ -62,9 +62,9 @@ fernwick::BakeJob JobOf(const BakeOptions& options)
     job.threads = options.picture.threads;
     for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
         if (named.name == options.channel)
-            job.channel = named.channel;
+            job.channels = {named.channel};
     if (options.isLit)
-        job.channel = fernwick::BakeChannel::kLit;
+        job.channels = {fernwick::BakeChannel::kLit};
     if (options.isDirectX)
         job.green = fernwick::GreenDirection::kDown;
     job.cancel = &WatchForInterrupt();
@@ -90,8 +90,8 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
     TellEmptySlots(picture, document);
     if (!options.over.empty()) {
         fernwick::BakeJob groundJob = job;
-        if (job.channel == fernwick::BakeChannel::kLit)
-            groundJob.channel = fernwick::BakeChannel::kColor; // the lamp is for what lies over it
+        if (job.channels[0] == fernwick::BakeChannel::kLit)
+            groundJob.channels = {fernwick::BakeChannel::kColor}; // the lamp is for what lies over it
         picture.LayOver(
             BakeShown(library, MakeGroundDocument(options.over), groundJob, reports, options.over));
     }

@@ -30,17 +30,17 @@ public:
     void GetShadingFlags(ShadingFlags& flags) override { fShader->ReportNeeds(flags); }
     int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
     {
-        const Turn turn(*this);
+        const Turn turn(this);
         return fShader->ShadeSurface(result, in);
     }
     float ShadeValue(float& value, bool& fullArea, ShadingIn& in) override
     {
-        const Turn turn(*this);
+        const Turn turn(this);
         return fShader->ShadeValue(value, fullArea, in);
     }
     float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) override
     {
-        const Turn turn(*this);
+        const Turn turn(this);
         return fShader->ShadeColor(color, fullArea, in);
     }
     uint32_t GetOutputKinds() override { return static_cast<uint32_t>(fShader->GetOutputKinds()); }
@@ -63,17 +63,11 @@ public:
     const std::string& Title() const { return fTitle; }
     void SetTitle(std::string title) { fTitle = std::move(title); }
 
-    /// The wrapper whose shader this thread is in, by a call through wrappers; null outside of any.
-    static const ShaderWrapper* Shading() { return gShading; }
-
-    ShaderWrapper(const ShaderWrapper&) = delete;
-    ShaderWrapper& operator=(const ShaderWrapper&) = delete;
-
-private:
-    /// Of a shader to answer, while it lives.
+    /// Of a shader to answer on this thread, while it lives. Calls through wrappers take their turn by themselves;
+    /// whoever calls the extension takes it for as many calls as he likes.
     class Turn {
     public:
-        explicit Turn(const ShaderWrapper& wrapper) : fBefore(std::exchange(gShading, &wrapper)) { }
+        explicit Turn(const ShaderWrapper* wrapper) : fBefore(std::exchange(gShading, wrapper)) { }
         ~Turn() { gShading = fBefore; }
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
@@ -82,6 +76,13 @@ private:
         const ShaderWrapper* fBefore;
     };
 
+    /// The wrapper whose shader has its turn on this thread; null outside of any.
+    static const ShaderWrapper* Shading() { return gShading; }
+
+    ShaderWrapper(const ShaderWrapper&) = delete;
+    ShaderWrapper& operator=(const ShaderWrapper&) = delete;
+
+private:
     static inline constinit thread_local const ShaderWrapper* gShading = nullptr;
 
     std::atomic<uint32_t> fCount{1};

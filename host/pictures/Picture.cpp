@@ -1,5 +1,6 @@
 #include "host/pictures/Picture.h"
 #include "host/files/PictureAttributes.h"
+#include "host/pictures/LayOver.h"
 #include <OpenImageIO/color.h>
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
@@ -101,21 +102,7 @@ void Picture::AddChannel(std::string name, std::vector<float> values)
 
 void Picture::LayOver(const Picture& ground)
 {
-    for (size_t i = 0; i < fPixels.size(); ++i) {
-        TMCColorRGBA& color = fPixels[i];
-        const TMCColorRGBA& below = ground.fPixels[i];
-        const float alpha = Clamped(color.fAlpha);
-        const float alphaBelow = Clamped(below.fAlpha) * (1 - alpha);
-        const float sum = alpha + alphaBelow;
-        const float share = sum > 0 ? alpha / sum : 0;
-        const auto mixed = [share](float above, float under) {
-            if (share <= 0 || share >= 1) // what is hidden may be anything
-                return share <= 0 ? under : above;
-            return share * above + (1 - share) * under;
-        };
-        color = {mixed(color.fRed, below.fRed), mixed(color.fGreen, below.fGreen),
-            mixed(color.fBlue, below.fBlue), sum};
-    }
+    fernwick::LayOver(fPixels, ground.fPixels);
 }
 
 void Picture::RequireSavable(const std::filesystem::path& path)

@@ -27,6 +27,9 @@ public:
     /// The output as the library made it; null when it is one of the host's sources.
     I3DExShader* OutputExtension() const { return Extension(fOutputIndex); }
 
+    /// Its wrapper; null when it is one of the host's sources.
+    const ShaderWrapper* OutputWrapper() const { return fShaders[fOutputIndex].fWrapper.Get(); }
+
     /// A shader by its place in the document.
     IShellShader& Shader(size_t index) const { return *fShaders[index].fFace; }
     /// The same as the library made it; null when it is one of the host's sources.

@@ -9,6 +9,54 @@ namespace {
 
 std::mutex gGraphMutex;
 
+/// The tiles of a job while they are shaded.
+class TileRun {
+public:
+    TileRun(const TileJob& job, const std::function<void(const Tile&)>& shade) : fJob(job), fShade(shade)
+    {
+        const Tile region = job.region.value_or(Tile{0, 0, job.width, job.height});
+        fFirstColumn = region.fLeft / job.side;
+        fFirstRow = region.fTop / job.side;
+        fColumns = (region.fRight - 1) / job.side + 1 - fFirstColumn;
+        fRows = (region.fBottom - 1) / job.side + 1 - fFirstRow;
+    }
+
+    int Count() const { return fColumns * fRows; }
+    bool IsDone() const { return fDone == Count(); }
+    bool IsCut() const { return fIsCut; } ///< a tile was left out
+
+    Tile TileAt(int number) const
+    {
+        const int left = (fFirstColumn + number % fColumns) * fJob.side;
+        const int top = (fFirstRow + number / fColumns) * fJob.side;
+        return {left, top, std::min(left + fJob.side, fJob.width), std::min(top + fJob.side, fJob.height)};
+    }
+
+    void Shade(int number)
+    {
+        if (fJob.cancel != nullptr && *fJob.cancel) {
+            fIsCut = true;
+            return;
+        }
+        fShade(TileAt(number));
+        const std::lock_guard lock(fMutex);
+        ++fDone;
+        if (fJob.onProgress)
+            fJob.onProgress(static_cast<double>(fDone) / Count());
+    }
+
+private:
+    const TileJob& fJob;
+    const std::function<void(const Tile&)>& fShade;
+    int fFirstColumn;
+    int fFirstRow;
+    int fColumns;
+    int fRows;
+    std::atomic<bool> fIsCut{false};
+    std::mutex fMutex;
+    int fDone = 0;
+};
+
 } // namespace
 
 void GraphRelease::operator()(Graph* graph) const
@@ -31,24 +79,22 @@ OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const 
 
 bool ForEachTile(const TileJob& job, const std::function<void(const Tile&)>& shade)
 {
-    const int columns = (job.width - 1) / job.side + 1;
-    const int rows = (job.height - 1) / job.side + 1;
-    const auto isCancelled = [&job] { return job.cancel != nullptr && *job.cancel; };
-    std::mutex progressMutex;
-    int done = 0;
-    const auto shadeTile = [&](int tile) {
-        if (isCancelled())
-            return;
-        const int left = tile % columns * job.side;
-        const int top = tile / columns * job.side;
-        shade({left, top, std::min(left + job.side, job.width), std::min(top + job.side, job.height)});
-        const std::lock_guard lock(progressMutex);
-        ++done;
-        if (job.onProgress)
-            job.onProgress(static_cast<double>(done) / (columns * rows));
-    };
-    RunParallel(columns * rows, std::max(job.threads, 0), shadeTile);
-    return done == columns * rows;
+    TileRun run(job, shade);
+    RunParallel(run.Count(), std::max(job.threads, 0), [&run](int number) { run.Shade(number); });
+    return run.IsDone();
+}
+
+bool ForEachTileInOrder(const TileJob& job, int most, const std::function<void(const Tile&)>& shade,
+    const std::function<void(const Tile&)>& finish)
+{
+    TileRun run(job, shade);
+    RunInOrder(
+        run.Count(), std::max(job.threads, 0), most, [&run](int number) { run.Shade(number); },
+        [&](int number) {
+            if (!run.IsCut())
+                finish(run.TileAt(number));
+        });
+    return run.IsDone();
 }
 
 } // namespace fernwick

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace fernwick {
 
@@ -20,7 +21,7 @@ using OwnGraph = std::unique_ptr<Graph, GraphRelease>;
 OwnGraph MakeGraph(const Library& library, const GraphDocument& document);
 OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene);
 
-/// A tile in pixels; the ends aren't in it.
+/// A part of a picture in pixels, such as a tile; the ends aren't in it.
 struct Tile {
     int fLeft;
     int fTop;
@@ -35,10 +36,17 @@ struct TileJob {
     int threads;                                   ///< 0 for one a processor
     const std::function<void(double)>& onProgress; ///< gets the done share; from any thread, one at a time
     const std::atomic<bool>* cancel;               ///< looked at between tiles; may be null
+    std::optional<Tile> region = {}; ///< the only tiles are those that meet it, whole; empty for all
 };
 
-/// Shades all tiles, several at a time.
+/// Shades all tiles, several at a time, in rows of tiles from the top.
 /// @return false when cancelled before the end
 bool ForEachTile(const TileJob& job, const std::function<void(const Tile&)>& shade);
+
+/// Also hands each tile that was shaded to `finish`: in order, one at a time, from any thread, while further tiles are
+/// shaded.
+/// @param most  tiles between the begin of their shading and the end of their finish
+bool ForEachTileInOrder(const TileJob& job, int most, const std::function<void(const Tile&)>& shade,
+    const std::function<void(const Tile&)>& finish);
 
 } // namespace fernwick

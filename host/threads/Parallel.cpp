@@ -1,18 +1,46 @@
 #include "host/threads/Parallel.h"
 #include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
+#include <tbb/parallel_pipeline.h>
 #include <tbb/task_arena.h>
 
 namespace fernwick {
 
+namespace {
+
+template <class Work> void RunInArena(int threads, const Work& work)
+{
+    const int count = ThreadCount(threads);
+    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, static_cast<size_t>(count));
+    tbb::task_arena(count).execute(work);
+}
+
+} // namespace
+
 void RunParallel(int count, int threads, const std::function<void(int)>& run)
 {
-    if (threads == 0)
-        threads = tbb::this_task_arena::max_concurrency();
-    const tbb::global_control limit(
-        tbb::global_control::max_allowed_parallelism, static_cast<size_t>(threads));
-    tbb::task_arena(threads).execute([&] { tbb::parallel_for(0, count, run, tbb::simple_partitioner()); });
+    RunInArena(threads, [&] { tbb::parallel_for(0, count, run, tbb::simple_partitioner()); });
 }
+
+void RunInOrder(int count, int threads, int most, const std::function<void(int)>& work,
+    const std::function<void(int)>& finish)
+{
+    int next = 0;
+    const auto begin
+        = tbb::make_filter<void, int>(tbb::filter_mode::serial_in_order, [&](tbb::flow_control& flow) {
+              if (next == count)
+                  flow.stop();
+              return next == count ? 0 : next++;
+          });
+    const auto middle = tbb::make_filter<int, int>(tbb::filter_mode::parallel, [&](int number) {
+        work(number);
+        return number;
+    });
+    const auto end = tbb::make_filter<int, void>(tbb::filter_mode::serial_in_order, finish);
+    RunInArena(threads, [&] { tbb::parallel_pipeline(static_cast<size_t>(most), begin & middle & end); });
+}
+
+int ThreadCount(int threads) { return threads == 0 ? tbb::this_task_arena::max_concurrency() : threads; }
 
 const char* EmbreeSettings() { return nullptr; }
 

@@ -11,7 +11,7 @@ protected:
     static std::string ErrorOf(const std::string& output, BakeChannel channel)
     {
         try {
-            BakeText("\"output\": " + output, {.width = 1, .height = 1, .channel = channel});
+            BakeText("\"output\": " + output, {.width = 1, .height = 1, .channels = {channel}});
         } catch (const BakeError& error) {
             return error.what();
         }
@@ -56,7 +56,7 @@ TEST_F(BakeTest, TheShadedObjectsPlaceMakesWorldCoordinates)
 TEST_F(BakeTest, EveryTileStartsAnewSoThreadsDontShow)
 {
     const std::string document = DisturbedLocation(R"({"source": "ramp", "from": 0.5, "to": 1.5})");
-    BakeJob job{.width = 300, .height = 140, .channel = BakeChannel::kValue, .threads = 1};
+    BakeJob job{.width = 300, .height = 140, .channels = {BakeChannel::kValue}, .threads = 1};
     const Picture once = BakeText(document, job);
     EXPECT_GT(once.At(200, 0).fRed, 200.5 / 300 + 0.009); // goes on with the shift of the last ramp below 1
     EXPECT_EQ(once.At(256, 5).fRed, static_cast<float>(256.5 / 300)); // its tile has no such shift
@@ -70,7 +70,7 @@ TEST_F(BakeTest, EveryTileStartsAnewSoThreadsDontShow)
 TEST_F(BakeTest, ChannelsAreReadFromWhatTheOutputOffers)
 {
     const auto bake = [](const std::string& output, BakeChannel channel) {
-        return BakeText("\"output\": " + output, {.width = 1, .height = 1, .channel = channel}).At(0, 0);
+        return BakeText("\"output\": " + output, {.width = 1, .height = 1, .channels = {channel}}).At(0, 0);
     };
     const std::string color = R"({"source": "color", "color": [0.1, 0.2, 0.3, 0.4]})";
     EXPECT_THAT(bake(color, BakeChannel::kColor), IsColor(0.1f, 0.2f, 0.3f, 0.4f));
@@ -116,7 +116,7 @@ TEST_F(BakeTest, EveryChannelOfASurfaceCanBeAskedFor)
         {whole, BakeChannel::kNormal, {0, 0, 1, 1}},
     };
     for (const auto& [shaders, channel, color] : cases) {
-        const Picture picture = BakeText(shaders, {.width = 1, .height = 1, .channel = channel});
+        const Picture picture = BakeText(shaders, {.width = 1, .height = 1, .channels = {channel}});
         EXPECT_THAT(picture.At(0, 0), IsColor(color.fRed, color.fGreen, color.fBlue, color.fAlpha));
     }
 }
@@ -132,7 +132,7 @@ std::string RoundCloth(const std::string& parameters = R"("fRoundAcross": true, 
 
 TEST_F(BakeTest, NormalMapsBulgeTowardTheViewerHoweverTheObjectLies)
 {
-    BakeJob job{.width = 64, .height = 64, .channel = BakeChannel::kNormal};
+    BakeJob job{.width = 64, .height = 64, .channels = {BakeChannel::kNormal}};
     const Picture map = BakeText(RoundCloth(), job);
     // The weft lies on top in the lower left quarter, up to a quarter on both sides of its middle.
     EXPECT_LT(map.At(2, 48).fRed, -0.2f);
@@ -162,7 +162,7 @@ TEST_F(BakeTest, AVectorWithoutADirectionIsFlat)
     for (const TVector3& none : {TVector3(), TVector3(0, kNaN, 1), TVector3(0, 1, -kInfinity)})
         EXPECT_EQ(skewed.UnitOf(none), TVector3(0, 0, 1));
 
-    const BakeJob job{.width = 4, .height = 4, .channel = BakeChannel::kNormal};
+    const BakeJob job{.width = 4, .height = 4, .channels = {BakeChannel::kNormal}};
     const std::string cases[] = {
         RoundCloth(R"("fRoundAcross": true, "fProfileAcross": 0)"), // NaN
         RoundCloth(R"("fRoundAlong": false)"),                      // left as it is
@@ -176,9 +176,9 @@ TEST_F(BakeTest, ALitPictureIsTheColourTimesTheLightOnTheNormal)
 {
     BakeJob job{.width = 64, .height = 64};
     const Picture color = BakeText(RoundCloth(), job);
-    job.channel = BakeChannel::kNormal;
+    job.channels = {BakeChannel::kNormal};
     const Picture map = BakeText(RoundCloth(), job);
-    job.channel = BakeChannel::kLit;
+    job.channels = {BakeChannel::kLit};
     const Picture lit = BakeText(RoundCloth(), job);
     for (int y = 0; y < 64; ++y)
         for (int x = 0; x < 64; ++x) {

@@ -47,7 +47,7 @@ TEST_F(ExamplesTest, EveryGraphMakesAPicture)
             : Bake(TestedLibrary(), document,
                 {.width = 19,
                     .height = 19,
-                    .channel = isVector ? BakeChannel::kNormal : BakeChannel::kColor});
+                    .channels = {isVector ? BakeChannel::kNormal : BakeChannel::kColor}});
         const std::vector<std::string> reports = TakeReports();
         const bool isComplete = reports.empty();
         EXPECT_TRUE(isComplete || !document.Scene())
