@@ -13,7 +13,7 @@ static_assert(std::atomic<bool>::is_always_lock_free); // for the handlers
 
 extern "C" void EndAtOnce(int)
 {
-    fernwick::RemoveUnfinishedFile();
+    fernwick::RemoveUnfinishedFiles();
     constexpr char kLine[] = "\r\033[Kfernwick: stopped\n"; // in the place of a progress bar
     const bool hasBar = isatty(STDERR_FILENO) != 0;
     const char* const text = hasBar ? kLine : kLine + 4;
@@ -30,7 +30,7 @@ extern "C" void NoteInterrupt(int number)
 
 extern "C" void CleanUpAndEnd(int number)
 {
-    fernwick::RemoveUnfinishedFile();
+    fernwick::RemoveUnfinishedFiles();
     std::signal(number, SIG_DFL);
     std::raise(number);
 }

@@ -21,7 +21,7 @@ std::string CheckSize(const std::string& size)
 std::string CheckPicture(const std::string& picture)
 {
     try {
-        fernwick::Picture::RequireSavable(picture);
+        fernwick::RequireSavable(picture);
     } catch (const fernwick::PictureError& error) {
         return error.what();
     }
@@ -76,7 +76,7 @@ void RequireTarget(const PictureOptions& options)
 {
     if (options.file.empty())
         return;
-    const bool isFloat = fernwick::Picture::HoldsLayers(options.file);
+    const bool isFloat = fernwick::HoldsLayers(options.file);
     if (isFloat && options.layout.bits != 0)
         throw UsageError("--bits is for a .png; an .exr holds floats");
     if (!isFloat && options.layout.straight)
@@ -90,7 +90,7 @@ fernwick::RenderJob RenderJobOf(const PictureOptions& options, int samples)
     ReadSize(options.size, job.width, job.height);
     job.samples = samples;
     job.threads = options.threads;
-    job.layers = fernwick::Picture::HoldsLayers(options.file);
+    job.layers = fernwick::HoldsLayers(options.file);
     job.cancel = &WatchForInterrupt();
     return job;
 }

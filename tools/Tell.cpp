@@ -102,7 +102,7 @@ void TellEmptySlots(const fernwick::Picture& picture, const fernwick::GraphDocum
 
 void TellOddNumbers(const fernwick::Picture& picture, const std::string& file)
 {
-    if (fernwick::Picture::HoldsLayers(file))
+    if (fernwick::HoldsLayers(file))
         return;
     int64_t odd = 0;
     for (int y = 0; y < picture.Height(); ++y)

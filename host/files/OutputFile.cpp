@@ -6,7 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <mutex>
+#include <optional>
 #include <random>
 #include <sys/stat.h>
 #include <system_error>
@@ -21,9 +21,14 @@ namespace fs = std::filesystem;
 
 constexpr const char* kStdout = "-";
 
-std::mutex gWriting; // one file at a time has the name below
-char gUnfinished[PATH_MAX];
-std::atomic<bool> gIsUnfinished{false};
+/// The passing name of a file that isn't finished.
+struct Unfinished {
+    char name[PATH_MAX];
+    std::atomic<bool> isTaken{false};
+    std::atomic<bool> mayBeThere{false};
+};
+constexpr int kMostAtOnce = 64;
+Unfinished gUnfinished[kMostAtOnce];
 static_assert(std::atomic<bool>::is_always_lock_free); // for signal handlers
 
 [[noreturn]] void Fail(const fs::path& path, int reason)
@@ -87,25 +92,26 @@ bool WriteAll(int file, std::string_view bytes)
     return true;
 }
 
-/// A file beside another one under a passing name, removed unless it got the other's.
+/// A name for a file beside another one, and the file under it until it got the other's.
 class UnfinishedFile {
 public:
     /// @param final     the file that it is to be
     /// @param reported  what messages call it
     UnfinishedFile(fs::path final, const fs::path& reported)
-        : fFinal(std::move(final)), fReported(reported), fLock(gWriting), fFile(Create())
+        : fFinal(std::move(final)), fReported(reported), fSlot(TakeSlot()), fFile(Create())
     { }
     ~UnfinishedFile()
     {
-        unlink(gUnfinished);
-        gIsUnfinished = false;
+        unlink(fSlot->name);
+        fSlot->mayBeThere = false;
     }
     UnfinishedFile(const UnfinishedFile&) = delete;
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;
 
-    void Write(std::string_view bytes)
+    int Number() const { return fFile.Number(); }
+    void Flush()
     {
-        if (!WriteAll(fFile.Number(), bytes) || fsync(fFile.Number()) != 0)
+        if (fsync(fFile.Number()) != 0)
             Fail(fReported, errno);
     }
     /// Takes over owner and mode of the file that it replaces.
@@ -118,15 +124,27 @@ public:
     }
     void Finish()
     {
-        if (!fFile.Close() || std::rename(gUnfinished, fFinal.c_str()) != 0)
+        if (!fFile.Close() || std::rename(fSlot->name, fFinal.c_str()) != 0)
             Fail(fReported, errno);
     }
 
 private:
+    struct GiveBack {
+        void operator()(Unfinished* slot) const { slot->isTaken = false; }
+    };
+
     fs::path fFinal;
     fs::path fReported;
-    std::lock_guard<std::mutex> fLock;
+    std::unique_ptr<Unfinished, GiveBack> fSlot;
     Descriptor fFile;
+
+    std::unique_ptr<Unfinished, GiveBack> TakeSlot() const
+    {
+        for (Unfinished& slot : gUnfinished)
+            if (!slot.isTaken.exchange(true))
+                return std::unique_ptr<Unfinished, GiveBack>(&slot);
+        Fail(fReported, EMFILE);
+    }
 
     int Create() const
     {
@@ -134,34 +152,22 @@ private:
         constexpr int kAttempts = 8;
         const std::string start = fFinal.filename().string().substr(0, kMostOfName);
         for (int attempt = 1;; ++attempt) {
-            fs::path name
+            const fs::path name
                 = fFinal.parent_path() / fmt::format("{}.{:08x}.part", start, std::random_device()());
-            if (name.native().size() >= sizeof gUnfinished)
+            if (name.native().size() >= sizeof fSlot->name)
                 Fail(fReported, ENAMETOOLONG);
-            std::strcpy(gUnfinished, name.c_str());
-            gIsUnfinished = true; // before it is there, so that there is no moment between
-            const int file = open(gUnfinished, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            std::strcpy(fSlot->name, name.c_str());
+            fSlot->mayBeThere = true; // before it is there, so that there is no moment between
+            const int file = open(fSlot->name, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
             if (file >= 0)
                 return file;
             const int reason = errno;
-            gIsUnfinished = false;
+            fSlot->mayBeThere = false;
             if (reason != EEXIST || attempt == kAttempts)
                 Fail(fReported, reason);
         }
     }
 };
-
-void WriteStream(const fs::path& path, std::string_view bytes)
-{
-    if (path == kStdout) {
-        if (std::fflush(stdout) != 0 || !WriteAll(STDOUT_FILENO, bytes))
-            Fail(path, errno);
-        return;
-    }
-    Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
-    if (file.Number() < 0 || !WriteAll(file.Number(), bytes) || !file.Close())
-        Fail(path, errno);
-}
 
 void RequireStream(const fs::path& path)
 {
@@ -214,7 +220,10 @@ void RequireWritable(const fs::path& path)
     RequireReplaceable(path, old);
     const fs::path end = EndOf(path);
     constexpr size_t kPage = 4096; // bytes; a full disk may still take a name
-    UnfinishedFile(FolderThatIs(end) / end.filename(), path).Write(std::string(kPage, '\0'));
+    UnfinishedFile trial(FolderThatIs(end) / end.filename(), path);
+    if (!WriteAll(trial.Number(), std::string(kPage, '\0')))
+        Fail(path, errno);
+    trial.Flush();
 }
 
 void MakeFolderOf(const fs::path& path)
@@ -227,23 +236,86 @@ void MakeFolderOf(const fs::path& path)
         throw FileError(fmt::format("{}: its folder can't be made: {}", path.string(), failure.message()));
 }
 
+struct OutputFile::State {
+    fs::path path;
+    std::optional<Descriptor> stream;         // closed by itself; none for stdout
+    std::optional<UnfinishedFile> unfinished; // none for a stream
+    std::optional<struct stat> old;
+
+    int Number() const
+    {
+        if (unfinished)
+            return unfinished->Number();
+        return stream ? stream->Number() : STDOUT_FILENO;
+    }
+};
+
+OutputFile::OutputFile(const fs::path& path) : fState(std::make_unique<State>())
+{
+    fState->path = path;
+    if (path == kStdout) {
+        if (std::fflush(stdout) != 0)
+            Fail(path, errno);
+    } else if (fernwick::IsStream(path)) {
+        if (fState->stream.emplace(open(path.c_str(), O_WRONLY | O_CLOEXEC)).Number() < 0)
+            Fail(path, errno);
+    } else {
+        struct stat old;
+        if (RequireReplaceable(path, old))
+            fState->old = old;
+        fState->unfinished.emplace(EndOf(path), path);
+    }
+}
+
+OutputFile::~OutputFile() = default;
+
+bool OutputFile::IsStream() const { return !fState->unfinished; }
+
+void OutputFile::Write(std::string_view bytes)
+{
+    if (!WriteAll(fState->Number(), bytes))
+        Fail(fState->path, errno);
+}
+
+void OutputFile::WriteAt(int64_t offset, std::string_view bytes)
+{
+    if (lseek(fState->Number(), offset, SEEK_SET) < 0)
+        Fail(fState->path, errno);
+    Write(bytes);
+}
+
+size_t OutputFile::ReadAt(int64_t offset, std::span<char> bytes) const
+{
+    const ssize_t count = pread(fState->Number(), bytes.data(), bytes.size(), offset);
+    if (count < 0)
+        Fail(fState->path, errno);
+    return static_cast<size_t>(count);
+}
+
+void OutputFile::Finish()
+{
+    if (fState->stream && !fState->stream->Close())
+        Fail(fState->path, errno);
+    if (!fState->unfinished)
+        return;
+    fState->unfinished->Flush();
+    if (fState->old)
+        fState->unfinished->Resemble(*fState->old);
+    fState->unfinished->Finish();
+}
+
 void WriteFile(const fs::path& path, std::string_view bytes)
 {
-    if (IsStream(path))
-        return WriteStream(path, bytes);
-    struct stat old;
-    const bool isThere = RequireReplaceable(path, old);
-    UnfinishedFile file(EndOf(path), path);
+    OutputFile file(path);
     file.Write(bytes);
-    if (isThere)
-        file.Resemble(old);
     file.Finish();
 }
 
-void RemoveUnfinishedFile() noexcept
+void RemoveUnfinishedFiles() noexcept
 {
-    if (gIsUnfinished)
-        unlink(gUnfinished);
+    for (const Unfinished& slot : gUnfinished)
+        if (slot.mayBeThere)
+            unlink(slot.name);
 }
 
 } // namespace fernwick

@@ -1,5 +1,8 @@
 #pragma once
+#include <cstdint>
 #include <filesystem>
+#include <memory>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 
@@ -22,14 +25,44 @@ void RequireWritable(const std::filesystem::path& path);
 /// Makes the folders that a file lies in where they are missing. Throws `FileError`.
 void MakeFolderOf(const std::filesystem::path& path);
 
-/// Writes a file, which appears whole or not at all: under a name of its own that ends in `.part`, beside the file,
-/// flushed to the disk and then renamed. Throws `FileError`. From any thread.
+/// A file that is being written. It appears whole or not at all: it lies under a name of its own that ends in `.part`
+/// beside the place where it belongs, is flushed to the disk when it is finished and then renamed. One that isn't
+/// finished vanishes with this object. A stream gets the bytes as they come; opening a pipe waits for its reader. All
+/// operations throw `FileError`. One thread at a time; up to 64 files at once.
+class OutputFile {
+public:
+    explicit OutputFile(const std::filesystem::path& path);
+    ~OutputFile();
+
+    /// Whether the file takes bytes at its end only, and gives none back.
+    bool IsStream() const;
+
+    /// Adds bytes behind those that were written last.
+    void Write(std::string_view bytes);
+
+    /// Writes over what is there, or beyond it.
+    /// @param offset  from the start, in bytes; of no stream
+    void WriteAt(int64_t offset, std::string_view bytes);
+
+    /// @param offset  from the start, in bytes; of no stream
+    /// @return how many bytes were read; fewer than asked for at the end of the file
+    size_t ReadAt(int64_t offset, std::span<char> bytes) const;
+
+    /// To be called once, as the last.
+    void Finish();
+
+private:
+    struct State;
+    std::unique_ptr<State> fState;
+};
+
+/// Writes a file as `OutputFile` does. Throws `FileError`. From any thread.
 void WriteFile(const std::filesystem::path& path, std::string_view bytes);
 
 /// Whether the name stands for no regular file but for stdout, a pipe or a device.
 bool IsStream(const std::filesystem::path& path);
 
-/// Removes the `.part` of a file that is being written, for a process about to end. Safe in signal handlers.
-void RemoveUnfinishedFile() noexcept;
+/// Removes the `.part` of every file that is being written, for a process about to end. Safe in signal handlers.
+void RemoveUnfinishedFiles() noexcept;
 
 } // namespace fernwick

@@ -41,7 +41,7 @@ constexpr Room kHouse[] = {
     {"host/geometry", "frame host/threads"},
     {"host/scene", "frame host/library host/geometry"},
     {"host/documents", "frame host/library host/parameters host/json host/sources host/geometry host/scene"},
-    {"host/pictures", "frame host/files"},
+    {"host/pictures", "frame host/files host/threads"},
     {"host/shading",
         "frame module shaders/optics shaders/scene host/threads host/library host/geometry host/scene"
         " host/documents host/pictures"},

@@ -109,7 +109,7 @@ TEST_F(OutputFileTest, APipeGetsTheBytes)
 
 void EndTidily(int)
 {
-    RemoveUnfinishedFile();
+    RemoveUnfinishedFiles();
     _exit(3);
 }
 

@@ -1,0 +1,176 @@
+#include "host/pictures/PictureWriter.h"
+#include "host/pictures/PictureEncoder.h"
+#include "host/threads/Parallel.h"
+#include <OpenImageIO/color.h>
+#include <algorithm>
+#include <cstring>
+#include <fmt/format.h>
+#include <limits>
+#include <type_traits>
+
+namespace fernwick {
+
+namespace {
+
+constexpr size_t kColors = 4; // red, green, blue and alpha
+constexpr size_t kBytesAtATime = 8 << 20;
+
+/// 0 to 1; NaN gives 0.
+float Clamped(float number) { return number >= 0 ? std::min(number, 1.0f) : 0.0f; }
+
+float Encoded(float number, PictureContent content)
+{
+    switch (content) {
+    case PictureContent::kColor:
+        return OIIO::linear_to_sRGB(Clamped(number));
+    case PictureContent::kNormal:
+        return (number + 1) / 2;
+    case PictureContent::kValue:
+        break;
+    }
+    return number;
+}
+
+template <class Integer> Integer IntegerOf(float number)
+{
+    constexpr auto kGreatest = static_cast<float>(std::numeric_limits<Integer>::max());
+    return static_cast<Integer>(Clamped(number) * kGreatest + 0.5f);
+}
+
+template <class Integer>
+void PutIntegers(std::span<const TMCColorRGBA> pixels, PictureContent content, Integer* numbers)
+{
+    for (const TMCColorRGBA& color : pixels) {
+        for (const float channel : {color.fRed, color.fGreen, color.fBlue})
+            *numbers++ = IntegerOf<Integer>(Encoded(channel, content));
+        *numbers++ = IntegerOf<Integer>(color.fAlpha);
+    }
+}
+
+/// @param first  the place of the first pixel in the layers
+void PutFloats(std::span<const TMCColorRGBA> pixels, std::span<const std::vector<float>> layers, size_t first,
+    bool straight, float* numbers)
+{
+    for (size_t i = 0; i < pixels.size(); ++i) {
+        const TMCColorRGBA& color = pixels[i];
+        const float factor = straight ? 1 : color.fAlpha;
+        for (const float channel : {color.fRed, color.fGreen, color.fBlue})
+            *numbers++ = factor != 0 ? channel * factor : 0; // what is hidden may be anything
+        *numbers++ = color.fAlpha;
+        for (const std::vector<float>& layer : layers)
+            *numbers++ = layer[first + i];
+    }
+}
+
+PictureNumbers NumbersOf(PictureFormat format, PictureContent content, int bits)
+{
+    if (format == PictureFormat::kEXR)
+        return PictureNumbers::kFloat;
+    const bool isCoarse = bits == 8 || (bits == 0 && content == PictureContent::kColor);
+    return isCoarse ? PictureNumbers::kByte : PictureNumbers::kUint16;
+}
+
+size_t SizeOf(PictureNumbers numbers)
+{
+    switch (numbers) {
+    case PictureNumbers::kByte:
+        return sizeof(uint8_t);
+    case PictureNumbers::kUint16:
+        return sizeof(uint16_t);
+    case PictureNumbers::kFloat:
+        break;
+    }
+    return sizeof(float);
+}
+
+/// Opens the file after its folder is there and its name was found to be one of a picture.
+OutputFile Open(const std::filesystem::path& path)
+{
+    RequireSavable(path);
+    MakeFolderOf(path);
+    return OutputFile(path);
+}
+
+} // namespace
+
+struct PictureWriter::State {
+    std::filesystem::path path;
+    PictureShape shape;
+    PictureLayout layout;
+    int threads;
+    OutputFile file;
+    PictureNumbers numbers;
+    std::unique_ptr<PictureEncoder> encoder = {};
+    std::vector<std::byte> converted = {};
+
+    size_t Width() const { return static_cast<size_t>(shape.region.Width()); }
+    size_t RowSize() const { return Width() * (kColors + shape.channels.size()) * SizeOf(numbers); }
+
+    void ConvertRow(std::span<const TMCColorRGBA> pixels, std::span<const std::vector<float>> layers,
+        size_t first, std::byte* row) const
+    {
+        switch (numbers) {
+        case PictureNumbers::kByte:
+            return PutIntegers(pixels, shape.content, reinterpret_cast<uint8_t*>(row));
+        case PictureNumbers::kUint16:
+            return PutIntegers(pixels, shape.content, reinterpret_cast<uint16_t*>(row));
+        case PictureNumbers::kFloat:
+            return PutFloats(pixels, layers, first, layout.straight, reinterpret_cast<float*>(row));
+        }
+    }
+
+    /// Runs what an encoder does, whose complaints don't know the file.
+    template <class Do> void Encode(const Do& act) const
+    {
+        try {
+            act();
+        } catch (const PictureError& error) {
+            throw PictureError(fmt::format("{}: can't be written: {}", path.string(), error.what()));
+        }
+    }
+};
+
+PictureWriter::PictureWriter(
+    const std::filesystem::path& path, const PictureShape& shape, const PictureLayout& layout, int threads)
+    : fState(new State{
+        path, shape, layout, threads, Open(path), NumbersOf(*FormatOf(path), shape.content, layout.bits)})
+{
+    const PictureFormat format = *FormatOf(path);
+    if (!HoldsLayers(path))
+        fState->shape.channels.clear();
+    const PictureEncoding encoding = {fState->file, fState->shape, fState->layout, fState->numbers, threads};
+    fState->Encode([&] {
+        fState->encoder
+            = format == PictureFormat::kPNG ? MakePNGEncoder(encoding) : MakeImageEncoder(encoding, format);
+    });
+}
+
+PictureWriter::~PictureWriter() = default;
+
+void PictureWriter::Write(std::span<const TMCColorRGBA> pixels, std::span<const std::vector<float>> layers)
+{
+    State& state = *fState;
+    const size_t width = state.Width();
+    const size_t rowSize = state.RowSize();
+    const size_t rowsAtATime = std::max<size_t>(kBytesAtATime / rowSize, 1);
+    const size_t end = pixels.size() / width;
+    for (size_t top = 0; top < end; top += rowsAtATime) {
+        const size_t rows = std::min(rowsAtATime, end - top);
+        state.converted.resize(rows * rowSize);
+        RunParallel(static_cast<int>(rows), state.threads, [&](int y) {
+            const auto row = static_cast<size_t>(y);
+            const size_t first = (top + row) * width;
+            state.ConvertRow(pixels.subspan(first, width), layers.first(state.shape.channels.size()), first,
+                &state.converted[row * rowSize]);
+        });
+        state.Encode([&] { state.encoder->Write(static_cast<int>(rows), state.converted.data()); });
+    }
+}
+
+void PictureWriter::Finish()
+{
+    fState->Encode([this] { fState->encoder->Finish(); });
+    fState->file.Finish();
+}
+
+} // namespace fernwick
