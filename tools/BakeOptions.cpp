@@ -1,9 +1,9 @@
 #include "tools/BakeOptions.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
+#include "tools/PictureDoubts.h"
 #include "tools/ShadeDocument.h"
 #include "tools/ShownJob.h"
-#include "tools/Tell.h"
 #include <fmt/core.h>
 
 namespace {
@@ -87,16 +87,18 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
 {
     const fernwick::BakeJob job = JobOf(options);
     fernwick::Picture picture = BakeShown(library, document, job, reports, name);
-    TellEmptySlots(picture, document);
+    PictureDoubts doubts(picture);
+    doubts.TellEmptySlots(document);
     if (!options.over.empty()) {
         fernwick::BakeJob groundJob = job;
         if (job.channels[0] == fernwick::BakeChannel::kLit)
             groundJob.channels = {fernwick::BakeChannel::kColor}; // the lamp is for what lies over it
         picture.LayOver(
             BakeShown(library, MakeGroundDocument(options.over), groundJob, reports, options.over));
+        doubts = PictureDoubts(picture);
     }
     if (*job.cancel)
         throw Interrupted();
-    TellOddNumbers(picture, options.picture.file);
+    doubts.TellOddNumbers(options.picture.file);
     picture.Save(options.picture.file, options.picture.layout);
 }

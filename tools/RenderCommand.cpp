@@ -2,6 +2,7 @@
 #include "host/library/Library.h"
 #include "tools/Commands.h"
 #include "tools/LibraryOption.h"
+#include "tools/PictureDoubts.h"
 #include "tools/PictureOptions.h"
 #include "tools/ShownJob.h"
 #include "tools/Tell.h"
@@ -44,8 +45,9 @@ void RunRender(const RenderOptions& options)
     ReportSummary reports(library.HostUtilities().Debug());
     const fernwick::Picture picture
         = RunShown(job, reports, options.graph, [&] { return fernwick::Render(library, document, job); });
-    TellEmptySlots(picture, document);
-    TellOddNumbers(picture, options.picture.file);
+    const PictureDoubts doubts(picture);
+    doubts.TellEmptySlots(document);
+    doubts.TellOddNumbers(options.picture.file);
     picture.Save(options.picture.file, options.picture.layout);
 }
 

@@ -2,6 +2,7 @@
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
+#include "tools/PictureDoubts.h"
 #include "tools/SampleReport.h"
 #include "tools/ShadeDocument.h"
 #include "tools/ShownJob.h"
@@ -106,8 +107,9 @@ void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fern
     fernwick::RenderJob job = RenderJobOf(picture, kSamples);
     const fernwick::Picture rendered = RunShown(
         job, reports, options.settings.name, [&] { return fernwick::Render(library, document, job); });
-    TellEmptySlots(rendered, document);
-    TellOddNumbers(rendered, picture.file);
+    const PictureDoubts doubts(rendered);
+    doubts.TellEmptySlots(document);
+    doubts.TellOddNumbers(picture.file);
     rendered.Save(picture.file, picture.layout);
 }
 
