@@ -18,8 +18,9 @@ Examples:
   fernwick bake examples/key.json -o key.png
   fernwick bake examples/key.json --over checker --size 1024x1024 -o key.png
   fernwick bake examples/key.json --output alpha -o mask.exr
-  fernwick bake examples/weave-rounded.json --lit -o cloth.png
-  fernwick bake examples/weave-rounded.json --output normal --directx -o bump.png)";
+  fernwick bake examples/weave-rounded.json --lit --samples 4 -o cloth.png
+  fernwick bake examples/weave-rounded.json --output normal --directx -o bump.png
+  fernwick bake examples/weave-rounded.json --outputs color,normal,alpha -o maps/cloth.{output}.png)";
 
 struct BakeCommandOptions {
     std::string graph;
@@ -30,7 +31,7 @@ struct BakeCommandOptions {
 void RunBake(const BakeCommandOptions& options)
 {
     RequireSense(options.bake);
-    RequireTarget(options.bake.picture);
+    RequireTarget(options.bake);
     WatchForInterrupt();
     const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
     TellDoubts(document);

@@ -1,19 +1,71 @@
 #include "tools/BakeOptions.h"
+#include "host/pictures/PictureWriter.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/PictureDoubts.h"
 #include "tools/ShadeDocument.h"
 #include "tools/ShownJob.h"
+#include <algorithm>
+#include <deque>
 #include <fmt/core.h>
+#include <optional>
 
 namespace {
 
-/// Bakes with a progress bar. Throws `Interrupted`.
-fernwick::Picture BakeShown(fernwick::Library& library, const fernwick::GraphDocument& document,
-    fernwick::BakeJob job, ReportSummary& reports, const std::string& name)
+constexpr int kMostSamples = 4096;
+constexpr std::string_view kOutputMark = "{output}";
+
+/// The channels that are baked.
+std::vector<std::string> ChannelsOf(const BakeOptions& options)
 {
-    return RunShown(job, reports, name, [&] { return fernwick::Bake(library, document, job); });
+    return options.isLit ? std::vector<std::string>{"lit"} : options.channels;
 }
+
+fernwick::BakeChannel ChannelOf(const std::string& name)
+{
+    const auto channels = fernwick::BakeChannels();
+    return std::find_if(channels.begin(), channels.end(), [&name](const fernwick::NamedBakeChannel& named) {
+        return named.name == name;
+    })->channel;
+}
+
+/// The file of a channel.
+PictureOptions PictureOf(const BakeOptions& options, const std::string& channel)
+{
+    PictureOptions picture = options.picture;
+    for (size_t at = 0; (at = picture.file.find(kOutputMark, at)) != std::string::npos; at += channel.size())
+        picture.file.replace(at, kOutputMark.size(), channel);
+    return picture;
+}
+
+/// A picture file that is baked.
+class BakedFile {
+public:
+    BakedFile(const BakeOptions& options, const fernwick::BakeJob& job, const std::string& channel)
+        : fPicture(PictureOf(options, channel)), fWriter(fPicture.file,
+                                                     {.width = job.width,
+                                                         .height = job.height,
+                                                         .region = RegionOf(job),
+                                                         .content = ContentOf(ChannelOf(channel))},
+                                                     fPicture.layout, fPicture.threads)
+    { }
+
+    void Add(std::span<const TMCColorRGBA> pixels)
+    {
+        fDoubts.Add(pixels);
+        fWriter.Write(pixels);
+    }
+    void Finish()
+    {
+        fDoubts.TellOddNumbers(fPicture.file);
+        fWriter.Finish();
+    }
+
+private:
+    PictureOptions fPicture;
+    PictureDoubts fDoubts;
+    fernwick::PictureWriter fWriter;
+};
 
 } // namespace
 
@@ -42,16 +94,26 @@ std::vector<std::string> ChannelNames()
 CLI::Option& AddBakeOptions(CLI::App& command, BakeOptions& options)
 {
     CLI::Option& picture = AddPictureOptions(command, options.picture);
-    command.add_option("--output", options.channel, "What of the output shader is baked, see below")
+    command
+        .add_option("--output,--outputs", options.channels,
+            "What of the output shader is baked, see below; several by commas, into pictures named by "
+            "{output}")
         ->type_name("CHANNEL")
+        ->delimiter(',')
+        ->allow_extra_args(false)
         ->check(CLI::IsMember(ChannelNames()).description(""))
-        ->capture_default_str();
+        ->default_str("color");
     command.add_flag("--lit", options.isLit, "Short for --output lit");
     command.add_flag("--directx", options.isDirectX, "Green of a normal map points down (DirectX), not up");
     command
         .add_option("--over", options.over,
             "Lays the colour, by its alpha, over a source, such as color:#f80, or another graph")
         ->type_name("SOURCE");
+    command
+        .add_option("--samples", options.samples, "Samples a pixel, for smooth edges; one is at the centre")
+        ->type_name("N")
+        ->check(CLI::Range(1, kMostSamples).description(""))
+        ->capture_default_str();
     return picture;
 }
 
@@ -60,11 +122,10 @@ fernwick::BakeJob JobOf(const BakeOptions& options)
     fernwick::BakeJob job;
     ReadSize(options.picture.size, job.width, job.height);
     job.threads = options.picture.threads;
-    for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
-        if (named.name == options.channel)
-            job.channels = {named.channel};
-    if (options.isLit)
-        job.channels = {fernwick::BakeChannel::kLit};
+    job.samples = options.samples;
+    job.channels.clear();
+    for (const std::string& channel : ChannelsOf(options))
+        job.channels.push_back(ChannelOf(channel));
     if (options.isDirectX)
         job.green = fernwick::GreenDirection::kDown;
     job.cancel = &WatchForInterrupt();
@@ -73,32 +134,66 @@ fernwick::BakeJob JobOf(const BakeOptions& options)
 
 void RequireSense(const BakeOptions& options)
 {
-    const std::string& channel = options.channel;
-    if (options.isLit && channel != "color" && channel != "lit")
-        throw UsageError(fmt::format("--lit bakes the channel \"lit\"; it can't be \"{}\" too", channel));
-    if (options.isDirectX && (options.isLit || channel != "normal"))
+    const std::vector<std::string> channels = ChannelsOf(options);
+    if (options.isLit)
+        for (const std::string& channel : options.channels)
+            if (channel != "color" && channel != "lit")
+                throw UsageError(
+                    fmt::format("--lit bakes the channel \"lit\"; it can't be \"{}\" too", channel));
+    if (options.isDirectX && std::find(channels.begin(), channels.end(), "normal") == channels.end())
         throw UsageError("--directx is for a normal map; it goes with --output normal");
-    if (!options.over.empty() && channel != "color" && channel != "main" && channel != "lit")
-        throw UsageError(fmt::format("--over lies under a colour; the channel \"{}\" has none", channel));
+    if (!options.over.empty()
+        && std::none_of(channels.begin(), channels.end(),
+            [](const std::string& channel) { return fernwick::HasGround(ChannelOf(channel)); }))
+        throw UsageError(
+            fmt::format("--over lies under a colour; the channel \"{}\" has none", channels.front()));
+    for (size_t i = 1; i < channels.size(); ++i)
+        if (std::find(channels.begin(), channels.begin() + static_cast<ptrdiff_t>(i), channels[i])
+            != channels.begin() + static_cast<ptrdiff_t>(i))
+            throw UsageError(fmt::format("the output \"{}\" is asked for twice", channels[i]));
+    const std::string& file = options.picture.file;
+    if (channels.size() > 1 && !file.empty() && file.find(kOutputMark) == std::string::npos)
+        throw UsageError(
+            fmt::format("{} outputs need a file each; put {} into the name of the picture, as in key.{}.png",
+                channels.size(), kOutputMark, kOutputMark));
+}
+
+void RequireTarget(const BakeOptions& options)
+{
+    for (const std::string& channel : ChannelsOf(options))
+        RequireTarget(PictureOf(options, channel));
 }
 
 void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
     const BakeOptions& options, const std::string& name)
 {
-    const fernwick::BakeJob job = JobOf(options);
-    fernwick::Picture picture = BakeShown(library, document, job, reports, name);
-    PictureDoubts doubts(picture);
-    doubts.TellEmptySlots(document);
+    fernwick::BakeJob job = JobOf(options);
+    WithName(name, [&] { RequireChannels(library, document, job.channels); });
+    std::optional<fernwick::GraphDocument> ground;
     if (!options.over.empty()) {
-        fernwick::BakeJob groundJob = job;
-        if (job.channels[0] == fernwick::BakeChannel::kLit)
-            groundJob.channels = {fernwick::BakeChannel::kColor}; // the lamp is for what lies over it
-        picture.LayOver(
-            BakeShown(library, MakeGroundDocument(options.over), groundJob, reports, options.over));
-        doubts = PictureDoubts(picture);
+        ground = MakeGroundDocument(options.over);
+        job.ground = &*ground;
+        std::vector<fernwick::BakeChannel> channels;
+        for (const fernwick::BakeChannel channel : job.channels)
+            if (HasGround(channel))
+                channels.push_back(GroundOf(channel));
+        WithName(options.over, [&] { RequireChannels(library, *ground, channels); });
     }
-    if (*job.cancel)
-        throw Interrupted();
-    doubts.TellOddNumbers(options.picture.file);
-    picture.Save(options.picture.file, options.picture.layout);
+    std::deque<BakedFile> files;
+    for (const std::string& channel : ChannelsOf(options))
+        files.emplace_back(options, job, channel);
+    PictureDoubts
+        doubts; // of all together, before anything lies under them: one of several may well be black
+    RunShown(job, reports, name, [&] {
+        return Bake(library, document, job, [&](const fernwick::BakeBand& band) {
+            for (const auto& pixels : band.fPictures)
+                doubts.Add(pixels);
+            LayOverGrounds(band);
+            for (size_t i = 0; i < files.size(); ++i)
+                files[i].Add(band.fPictures[i]);
+        });
+    });
+    doubts.TellEmptySlots(document);
+    for (BakedFile& file : files)
+        file.Finish();
 }

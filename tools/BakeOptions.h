@@ -8,8 +8,9 @@
 /// What a command line tells about baking.
 struct BakeOptions {
     PictureOptions picture;
-    std::string channel = "color";
+    std::vector<std::string> channels = {"color"};
     std::string over;
+    int samples = 1; ///< a pixel
     bool isLit = false;
     bool isDirectX = false;
 };
@@ -29,7 +30,10 @@ fernwick::BakeJob JobOf(const BakeOptions& options);
 /// Throws `UsageError` when options don't go together.
 void RequireSense(const BakeOptions& options);
 
-/// Bakes a document into the picture file, with a progress bar. Throws `Interrupted`, and whatever `fernwick::Bake`
+/// Throws, as the other one does, for every file that is baked.
+void RequireTarget(const BakeOptions& options);
+
+/// Bakes a document into the picture files, with a progress bar. Throws `Interrupted`, and whatever `fernwick::Bake`
 /// throws, with `name` before it.
 /// @param name  what users call the document
 void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,

@@ -94,10 +94,11 @@ void RequireShadeSense(const ShadeOptions& options)
         return;
     if (!options.sample.empty() || options.withStatistics)
         throw UsageError("--print and --stats shade the UV square; they go with --on uv");
-    if (options.bake.channel != "color" || options.bake.isDirectX || !options.bake.over.empty())
-        throw UsageError(
-            "--output, --directx and --over are for the UV square; they go with --on uv. An .exr of a "
-            "shape holds all channels");
+    if (options.bake.channels != std::vector<std::string>{"color"} || options.bake.isDirectX
+        || !options.bake.over.empty() || options.bake.samples != 1)
+        throw UsageError("--output, --directx, --over and --samples are for the UV square; they go with --on "
+                         "uv. An .exr of a "
+                         "shape holds all channels");
 }
 
 void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
@@ -116,7 +117,7 @@ void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fern
 void RunShade(ShadeOptions options)
 {
     RequireShadeSense(options);
-    RequireTarget(options.bake.picture);
+    RequireTarget(options.bake);
     options.settings.isLit = options.bake.isLit;
     const fernwick::BakeJob job = JobOf(options.bake);
     const fernwick::GraphDocument document = MakeShadeDocument(options.settings);

@@ -7,23 +7,12 @@
 #include "tools/ProgressBar.h"
 #include "tools/ReportSummary.h"
 
-/// Runs a job with a progress bar. Throws `Interrupted`, and what the job throws with `name` before it.
-/// @param job   told to show how far it is; one that `make` runs
-/// @param make  gives the picture, or nothing when the job was cancelled
-template <class Job, class Make>
-fernwick::Picture RunShown(Job& job, ReportSummary& reports, const std::string& name, const Make& make)
+/// Does some work; what it throws of a graph gets `name` before it.
+template <class Work> auto WithName(const std::string& name, const Work& work)
 {
-    ProgressBar bar(fernwick::Printable(name));
-    job.onProgress = [&](double share) {
-        reports.Forget();
-        bar.Show(share);
-    };
     const auto named = [&name](const std::exception& error) { return name + ": " + error.what(); };
     try {
-        std::optional<fernwick::Picture> picture = make();
-        if (!picture || *job.cancel)
-            throw Interrupted();
-        return *std::move(picture);
+        return work();
     } catch (const fernwick::GraphError& error) {
         throw fernwick::GraphError(named(error));
     } catch (const fernwick::BakeError& error) {
@@ -31,4 +20,22 @@ fernwick::Picture RunShown(Job& job, ReportSummary& reports, const std::string& 
     } catch (const fernwick::RenderError& error) {
         throw fernwick::RenderError(named(error));
     }
+}
+
+/// Runs a job with a progress bar. Throws `Interrupted`, and what the job throws with `name` before it.
+/// @param job   told to show how far it is; one that `make` runs
+/// @param make  gives what the job makes, or true; nothing, or false, when it was cancelled
+template <class Job, class Make>
+auto RunShown(Job& job, ReportSummary& reports, const std::string& name, const Make& make)
+{
+    ProgressBar bar(fernwick::Printable(name));
+    job.onProgress = [&](double share) {
+        reports.Forget();
+        bar.Show(share);
+    };
+    auto made = WithName(name, make);
+    if (!made || *job.cancel)
+        throw Interrupted();
+    if constexpr (!std::is_same_v<decltype(made), bool>)
+        return *std::move(made);
 }

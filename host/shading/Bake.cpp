@@ -15,6 +15,8 @@ namespace {
 /// time of such a tile.
 constexpr int kTileSide = 128;
 
+Tile TileOf(const PictureRegion& region) { return {region.left, region.top, region.right, region.bottom}; }
+
 /// The pixels of one of the pictures that a bake shades: all of them, or as many bands as are there at a time.
 class BakedPixels {
 public:
@@ -64,9 +66,8 @@ TMCColorRGBA MeanOf(const PixelSum& sum, int samples, PictureContent content)
 class Baker {
 public:
     Baker(const Library& library, const GraphDocument& document, const BakeJob& job)
-        : fLibrary(library), fJob(job), fRegion(job.region.value_or(Tile{0, 0, job.width, job.height})),
-          fPattern(job.samples), fSquare(job.width, job.height),
-          fSurface(job.surface != nullptr ? *job.surface : fSquare)
+        : fLibrary(library), fJob(job), fRegion(TileOf(RegionOf(job))), fPattern(job.samples),
+          fSquare(job.width, job.height), fSurface(job.surface != nullptr ? *job.surface : fSquare)
     {
         std::vector<ReadChannel> channels;
         std::vector<ReadChannel> grounds;
@@ -90,7 +91,7 @@ public:
     bool Run(const BakeSink& sink, std::span<TMCColorRGBA* const> whole = {})
     {
         const TileJob tiles
-            = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel, fJob.region};
+            = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel, fRegion};
         const int columns = (fRegion.fRight - 1) / kTileSide + 1 - fRegion.fLeft / kTileSide;
         // Enough to shade a band while another one is written, and in a narrow picture to keep all threads busy.
         const int most = std::max(columns + 1, 2 * ThreadCount(std::max(fJob.threads, 0)));
@@ -275,6 +276,11 @@ void Baker::ShadeTile(const Tile& tile)
 
 } // namespace
 
+PictureRegion RegionOf(const BakeJob& job)
+{
+    return job.region.value_or(PictureRegion{0, 0, job.width, job.height});
+}
+
 void LayOverGrounds(const BakeBand& band)
 {
     for (size_t i = 0; i < band.fPictures.size(); ++i)
@@ -297,8 +303,8 @@ std::optional<Picture> Bake(const Library& library, const GraphDocument& documen
 {
     BakeJob one = job;
     one.channels.resize(1);
-    const Tile region = job.region.value_or(Tile{0, 0, job.width, job.height});
-    Picture picture(region.fRight - region.fLeft, region.fBottom - region.fTop, ContentOf(one.channels[0]));
+    const PictureRegion region = RegionOf(job);
+    Picture picture(region.Width(), region.Height(), ContentOf(one.channels[0]));
     TMCColorRGBA* const pixels[] = {&picture.At(0, 0)};
     if (!BakeInto(library, document, one, pixels))
         return std::nullopt;

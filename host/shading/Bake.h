@@ -17,7 +17,8 @@ struct BakeJob {
     std::vector<BakeChannel> channels = {BakeChannel::kColor}; ///< a picture for each, at least one
     GreenDirection green = GreenDirection::kUp;                ///< of `BakeChannel::kNormal`
     int samples = 1;                                           ///< a pixel, above 0, see `PixelPattern`
-    std::optional<Tile> region = {}; ///< the only part that is wanted, at least a pixel; empty for all
+    std::optional<PictureRegion> region
+        = {}; ///< the only part that is wanted, at least a pixel; empty for all
     /// A graph that lies under channels that `HasGround`, in a scene of its own; null for none.
     const GraphDocument* ground = nullptr;
     int threads = 0; ///< 0 for one a processor
@@ -26,6 +27,9 @@ struct BakeJob {
     const std::atomic<bool>* cancel = nullptr; ///< looked at between tiles
     const TexelSurface* surface = nullptr;     ///< what is shaded; null for the UV square
 };
+
+/// The part of the picture that a job bakes.
+PictureRegion RegionOf(const BakeJob& job);
 
 /// Whole rows of all pictures of a bake; of a region what lies in it. They are the receiver's to change.
 struct BakeBand {

@@ -28,6 +28,10 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
         {"bake '" + fKey + "' -o key.png --output alpha --over checker", "\"alpha\""},
         {"bake '" + fKey + "' -o key.png --output normal --lit", "--lit"},
         {"bake '" + fKey + "' -o key.png --directx", "--output normal"},
+        {"bake '" + fKey + "' -o key.png --outputs color,alpha", "put {output} into the name"},
+        {"bake '" + fKey + "' -o - --outputs color,alpha", "put {output} into the name"},
+        {"bake '" + fKey + "' -o {output}.png --outputs color,alpha,color", "\"color\" is asked for twice"},
+        {"bake '" + fKey + "' -o key.png --samples 0", "--samples"},
         {"bake '" + fKey + "' -o key.png --threads 0", "--threads"},
         {"plot rainbow -o plot.png", "rainbow"},
         {"plot wavelengths", "--picture is required"},
@@ -96,6 +100,25 @@ TEST_F(CommandTest, BakesTheSameFileWithAnyNumberOfThreadsAndSaysNothing)
     const fernwick::Picture over = ReadBack(fFolder / "over.png", 200, 120);
     EXPECT_NEAR(over.At(0, 0).fRed, 1, 1e-3);
     EXPECT_NEAR(over.At(30, 0).fRed, 0, 1e-3);
+}
+
+TEST_F(CommandTest, BakesSeveralOutputsAsOneByOne)
+{
+    const std::string cloth
+        = "bake '" + std::string(FERNWICK_EXAMPLES) + "/weave-rounded.json' --size 150x300 ";
+    for (const std::string ending : {".png", ".exr"}) {
+        const Answer answer = Run(
+            cloth + "--over checker --samples 2 --outputs lit,normal,color -o maps/a.{output}" + ending);
+        EXPECT_EQ(answer.status, 0) << answer.error;
+        for (const std::string output : {"lit", "normal", "color"}) {
+            const std::string over = output == "normal" ? "" : "--over checker ";
+            EXPECT_EQ(Run(cloth + over + "--samples 2 --output " + output + " -o one" + ending).status, 0);
+            EXPECT_EQ(
+                FileText(fFolder / "maps" / ("a." + output + ending)), FileText(fFolder / ("one" + ending)))
+                << output << ending;
+        }
+    }
+    EXPECT_EQ(FilesIn(fFolder / "maps").size(), 6);
 }
 
 TEST_F(CommandTest, BakesABumpAsANormalMapOrLit)
