@@ -57,7 +57,7 @@ public:
     }
     void Finish()
     {
-        fDoubts.TellOddNumbers(fPicture.file);
+        fDoubts.TellOddNumbers(fPicture.file, fPicture.layout);
         fWriter.Finish();
     }
 
@@ -126,6 +126,8 @@ fernwick::BakeJob JobOf(const BakeOptions& options)
     job.channels.clear();
     for (const std::string& channel : ChannelsOf(options))
         job.channels.push_back(ChannelOf(channel));
+    if (const auto region = RegionOf(options.picture))
+        job.region = {region->left, region->top, region->right, region->bottom};
     if (options.isDirectX)
         job.green = fernwick::GreenDirection::kDown;
     job.cancel = &WatchForInterrupt();

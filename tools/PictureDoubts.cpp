@@ -78,10 +78,11 @@ void PictureDoubts::TellEmptySlots(const fernwick::GraphDocument& document) cons
             fIsTransparent ? "transparent" : "black", Listed(slots)));
 }
 
-void PictureDoubts::TellOddNumbers(const std::string& file) const
+void PictureDoubts::TellOddNumbers(const std::string& file, const fernwick::PictureLayout& layout) const
 {
-    if (fOddPixels > 0 && !fernwick::HoldsLayers(file))
+    if (fOddPixels > 0 && !HoldsFloats(file, layout))
         Tell(fmt::format(
-            "{} of {} pixels hold a NaN or an infinity, which a .png can't keep; save an .exr to see them",
-            fOddPixels, fPixels));
+            "{} of {} pixels hold a NaN or an infinity, which a .{} can't keep; save an .exr to see them",
+            fOddPixels, fPixels,
+            fernwick::FormatOf(file) == fernwick::PictureFormat::kTIFF ? "tif of integers" : "png"));
 }

@@ -16,9 +16,9 @@ public:
     /// are: what isn't plugged in is mostly why.
     void TellEmptySlots(const fernwick::GraphDocument& document) const;
 
-    /// Tells how many pixels hold a NaN or an infinity, which a .png can't keep, if any do.
-    /// @param file  that the picture is written to
-    void TellOddNumbers(const std::string& file) const;
+    /// Tells how many pixels hold a NaN or an infinity, which a file of integers can't keep, if any do.
+    /// @param file, layout  that the picture is written to, and how
+    void TellOddNumbers(const std::string& file, const fernwick::PictureLayout& layout) const;
 
 private:
     int64_t fPixels = 0;

@@ -1,12 +1,14 @@
 #include "tools/PictureOptions.h"
-#include "host/pictures/Picture.h"
+#include "host/shading/SurfaceLayers.h"
 #include "tools/Interrupt.h"
+#include <algorithm>
 #include <charconv>
-#include <fmt/core.h>
+#include <fmt/format.h>
+#include <fstream>
 
 namespace {
 
-constexpr int kLongestSide = 16384; // pixels
+constexpr int kLongestSide = 65536; // pixels
 constexpr int kMostThreads = 1024;
 
 std::string CheckSize(const std::string& size)
@@ -18,6 +20,65 @@ std::string CheckSize(const std::string& size)
     return fmt::format("\"{}\" is no size; a size is like 640x480, each side 1 to {}", size, kLongestSide);
 }
 
+/// Reads a region such as "0,0,640,480"; false for anything else, and for one without a pixel.
+bool ReadRegion(const std::string& text, fernwick::PictureRegion& region)
+{
+    int* const sides[] = {&region.left, &region.top, &region.right, &region.bottom};
+    const char* const end = text.data() + text.size();
+    const char* at = text.data();
+    for (int* const side : sides) {
+        if (side != sides[0] && (at == end || *at++ != ','))
+            return false;
+        const auto [rest, failure] = std::from_chars(at, end, *side);
+        if (failure != std::errc() || *side < 0)
+            return false;
+        at = rest;
+    }
+    return at == end && region.left < region.right && region.top < region.bottom;
+}
+
+std::string CheckRegion(const std::string& text)
+{
+    fernwick::PictureRegion region;
+    if (ReadRegion(text, region))
+        return "";
+    return fmt::format(
+        "\"{}\" is no region; one is like 0,0,320,240: left, top, and the right and bottom that aren't in it",
+        text);
+}
+
+std::vector<std::string> LayerNames()
+{
+    std::vector<std::string> names = fernwick::SurfaceLayerGroups();
+    names.insert(names.begin(), {"none", "all"});
+    return names;
+}
+
+/// Bytes that programs can still get; none where the system doesn't tell.
+std::optional<uint64_t> FreeMemory()
+{
+    std::ifstream stream("/proc/meminfo"); // lines such as "MemAvailable:   23841244 kB"
+    std::optional<uint64_t> kilobytes;
+    std::string name;
+    uint64_t number = 0;
+    for (std::string rest; stream >> name >> number; std::getline(stream, rest))
+        if (name == "MemAvailable:" || name == "SwapFree:")
+            kilobytes = kilobytes.value_or(0) + number;
+    return kilobytes ? std::optional(*kilobytes * 1024) : std::nullopt;
+}
+
+/// Throws when there is no memory for the picture of a job.
+void RequireMemory(const fernwick::RenderJob& job)
+{
+    constexpr double kGigabyte = 1e9;
+    const std::optional<uint64_t> free = FreeMemory();
+    if (const uint64_t needed = MemoryOf(job); free && needed > *free)
+        throw fernwick::RenderError(fmt::format("the picture takes {:.1f} GB of memory while it is rendered, "
+                                                "and {:.1f} GB are free; --region renders it in "
+                                                "parts",
+            static_cast<double>(needed) / kGigabyte, static_cast<double>(*free) / kGigabyte));
+}
+
 std::string CheckPicture(const std::string& picture)
 {
     try {
@@ -26,6 +87,14 @@ std::string CheckPicture(const std::string& picture)
         return error.what();
     }
     return "";
+}
+
+std::vector<fernwick::SurfaceLayer> LayersOf(const PictureOptions& options)
+{
+    const auto& names = options.layers;
+    if (std::find(names.begin(), names.end(), "all") != names.end())
+        return fernwick::SurfaceLayersOf(fernwick::SurfaceLayerGroups());
+    return fernwick::SurfaceLayersOf(names);
 }
 
 } // namespace
@@ -45,7 +114,9 @@ CLI::Option& AddPictureOption(CLI::App& command, std::string& picture)
 {
     return *command
                 .add_option("-o,--picture", picture,
-                    "The picture: .png (colours as sRGB) or .exr (floats); - is a PNG on stdout")
+                    "The picture: .png (colours as sRGB), .exr (floats), .tif (either) or .tx (a texture "
+                    "with smaller "
+                    "copies); - is a PNG on stdout")
                 ->required()
                 ->type_name("FILE")
                 ->check(CheckPicture);
@@ -56,15 +127,33 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
     CLI::Option& picture = AddPictureOption(command, options.file);
     command
         .add_option("--bits", options.layout.bits,
-            "Bits of a channel of a .png, 8 or 16 (else 8 for colours, 16 for all other numbers)")
+            "Bits of a channel: 8 or 16 of a .png or .tif (else 8 for colours, 16 for all other numbers), 16 "
+            "(half) "
+            "or 32 of an .exr or .tx (else 32), 32 for floats in a .tif")
         ->type_name("N")
-        ->check(CLI::IsMember({8, 16}).description(""));
+        ->check(CLI::IsMember({8, 16, 32}).description(""));
     command.add_flag("--straight", options.layout.straight,
-        "Leaves the colours of an .exr as they are, not multiplied by the alpha");
+        "Leaves the colours of floats as they are, not multiplied by the alpha");
+    command.add_flag("--tiled", options.layout.tiled, "Lays an .exr or .tif out in tiles of 64 pixels");
+    command
+        .add_option("--compression", options.layout.compression,
+            fmt::format("How an .exr or .tx is compressed: {} (else zip); a .tif by zip or none",
+                fmt::join(fernwick::Compressions(), ", ")))
+        ->type_name("NAME")
+        ->check(CLI::IsMember(
+            std::vector<std::string>(fernwick::Compressions().begin(), fernwick::Compressions().end()))
+                    .description(""));
     command.add_option("--size", options.size, "Width and height in pixels")
         ->type_name("WxH")
         ->check(CheckSize)
         ->capture_default_str();
+    command
+        .add_option("--region", options.region,
+            "A part of the picture, in pixels from the upper left, the ends not included; it is what the "
+            "whole "
+            "picture has there")
+        ->type_name("X0,Y0,X1,Y1")
+        ->check(CheckRegion);
     command
         .add_option("--threads", options.threads, "Threads to shade with; the picture doesn't depend on it")
         ->type_name("N")
@@ -72,15 +161,41 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
     return picture;
 }
 
+void AddLayersOption(CLI::App& command, PictureOptions& options)
+{
+    command
+        .add_option("--layers", options.layers,
+            fmt::format("Layers of an .exr, parted by commas: {}", fmt::join(LayerNames(), ", ")))
+        ->type_name("NAMES")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(LayerNames()).description(""))
+        ->default_str("none");
+}
+
+std::optional<fernwick::PictureRegion> RegionOf(const PictureOptions& options)
+{
+    fernwick::PictureRegion region;
+    return ReadRegion(options.region, region) ? std::optional(region) : std::nullopt;
+}
+
 void RequireTarget(const PictureOptions& options)
 {
     if (options.file.empty())
         return;
-    const bool isFloat = fernwick::HoldsLayers(options.file);
-    if (isFloat && options.layout.bits != 0)
-        throw UsageError("--bits is for a .png; an .exr holds floats");
-    if (!isFloat && options.layout.straight)
-        throw UsageError("--straight is for an .exr; the alpha of a .png is straight anyway");
+    try {
+        fernwick::RequireFit(options.file, options.layout);
+    } catch (const fernwick::PictureError& error) {
+        throw UsageError(error.what());
+    }
+    int width = 0;
+    int height = 0;
+    ReadSize(options.size, width, height);
+    if (const auto region = RegionOf(options); region && (region->right > width || region->bottom > height))
+        throw UsageError(
+            fmt::format("--region {} is beyond the picture of {}x{}", options.region, width, height));
+    if (!LayersOf(options).empty() && !fernwick::HoldsLayers(options.file))
+        throw UsageError("--layers is for an .exr");
     fernwick::RequireWritable(options.file);
 }
 
@@ -90,7 +205,9 @@ fernwick::RenderJob RenderJobOf(const PictureOptions& options, int samples)
     ReadSize(options.size, job.width, job.height);
     job.samples = samples;
     job.threads = options.threads;
-    job.layers = fernwick::HoldsLayers(options.file);
+    job.region = RegionOf(options);
+    job.layers = LayersOf(options);
     job.cancel = &WatchForInterrupt();
+    RequireMemory(job);
     return job;
 }

@@ -16,12 +16,14 @@ constexpr const char* kFooter =
 shader; elements without one get the output. Colours are shown as they are, or, on elements whose shading is "lit",
 under a lamp beside the camera. What lies behind a surface shows by its alpha.
 
-An .exr holds the picture, its colours multiplied by the alpha, and every channel of the surfaces as layers, such as
-second.R or normal.X.
+An .exr holds the picture, its colours multiplied by the alpha. With --layers it holds channels of the surfaces too, such
+as second.R or normal.X.
 
 Examples:
   fernwick render examples/spot-room.json -o room.png
-  fernwick render examples/spot-room.json --camera Side --size 640x480 --samples 16 -o room.exr)";
+  fernwick render examples/spot-room.json --camera Side --size 640x480 --samples 16 -o room.exr
+  fernwick render examples/spot-room.json --layers normal,second --bits 16 -o layers.exr
+  fernwick render examples/spot-room.json --size 8192x8192 --region 0,0,8192,1024 -o top.exr)";
 
 struct RenderOptions {
     std::string graph;
@@ -47,8 +49,8 @@ void RunRender(const RenderOptions& options)
         = RunShown(job, reports, options.graph, [&] { return fernwick::Render(library, document, job); });
     const PictureDoubts doubts(picture);
     doubts.TellEmptySlots(document);
-    doubts.TellOddNumbers(options.picture.file);
-    picture.Save(options.picture.file, options.picture.layout);
+    doubts.TellOddNumbers(options.picture.file, options.picture.layout);
+    picture.Save(options.picture.file, options.picture.layout, options.picture.threads);
 }
 
 } // namespace
@@ -61,6 +63,7 @@ void AddRenderCommand(CLI::App& app)
         ->required()
         ->type_name("FILE");
     AddPictureOptions(command, options->picture);
+    AddLayersOption(command, options->picture);
     command
         .add_option("--camera", options->camera,
             "The camera to render from (else the graph's, else the first of the scene)")

@@ -90,15 +90,18 @@ void RequireShadeSense(const ShadeOptions& options)
     if (options.bake.picture.file.empty() && options.sample.empty() && !options.withStatistics)
         throw UsageError("there is nothing to do; give --picture, --print or --stats");
     RequireSense(options.bake);
-    if (options.settings.shape == kUVSquareShape)
+    if (options.settings.shape == kUVSquareShape) {
+        if (options.bake.picture.layers != std::vector<std::string>{"none"})
+            throw UsageError("--layers is for a shape that is rendered; it doesn't go with --on uv");
         return;
+    }
     if (!options.sample.empty() || options.withStatistics)
         throw UsageError("--print and --stats shade the UV square; they go with --on uv");
     if (options.bake.channels != std::vector<std::string>{"color"} || options.bake.isDirectX
         || !options.bake.over.empty() || options.bake.samples != 1)
-        throw UsageError("--output, --directx, --over and --samples are for the UV square; they go with --on "
-                         "uv. An .exr of a "
-                         "shape holds all channels");
+        throw UsageError(
+            "--output, --directx, --over and --samples are for the UV square; they go with --on uv. An "
+            ".exr of a shape holds the channels of --layers");
 }
 
 void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
@@ -110,8 +113,8 @@ void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fern
         job, reports, options.settings.name, [&] { return fernwick::Render(library, document, job); });
     const PictureDoubts doubts(rendered);
     doubts.TellEmptySlots(document);
-    doubts.TellOddNumbers(picture.file);
-    rendered.Save(picture.file, picture.layout);
+    doubts.TellOddNumbers(picture.file, picture.layout);
+    rendered.Save(picture.file, picture.layout, picture.threads);
 }
 
 void RunShade(ShadeOptions options)
@@ -160,6 +163,7 @@ void AddShadeCommand(CLI::App& app)
         ->check(CLI::IsMember(ShadeShapes()).description(""))
         ->capture_default_str();
     AddBakeOptions(command, options->bake).required(false);
+    AddLayersOption(command, options->bake.picture);
     command.add_option("--print", options->sample, "Prints what the shader answers for one sample")
         ->type_name("U,V")
         ->check(CheckSample);

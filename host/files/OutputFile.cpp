@@ -9,6 +9,7 @@
 #include <optional>
 #include <random>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -21,11 +22,12 @@ namespace fs = std::filesystem;
 
 constexpr const char* kStdout = "-";
 
-/// The passing name of a file that isn't finished.
+/// The passing name of a file that isn't finished, or of a folder.
 struct Unfinished {
     char name[PATH_MAX];
     std::atomic<bool> isTaken{false};
     std::atomic<bool> mayBeThere{false};
+    std::atomic<bool> isFolder{false};
 };
 constexpr int kMostAtOnce = 64;
 Unfinished gUnfinished[kMostAtOnce];
@@ -92,13 +94,52 @@ bool WriteAll(int file, std::string_view bytes)
     return true;
 }
 
-/// A name for a file beside another one, and the file under it until it got the other's.
+struct GiveBack {
+    void operator()(Unfinished* slot) const { slot->isTaken = false; }
+};
+using Slot = std::unique_ptr<Unfinished, GiveBack>;
+
+/// @param reported  what messages call the file
+Slot TakeSlot(const fs::path& reported)
+{
+    for (Unfinished& slot : gUnfinished)
+        if (!slot.isTaken.exchange(true))
+            return Slot(&slot);
+    Fail(reported, EMFILE);
+}
+
+/// Makes something under a new name beside a file.
+/// @param make  takes the name; answers 0 or more, or -1 with the reason in errno
+template <class Make>
+int MakeBeside(const fs::path& file, const fs::path& reported, Unfinished& slot, const Make& make)
+{
+    constexpr size_t kMostOfName = 200; // bytes; what comes behind must fit in too
+    constexpr int kAttempts = 8;
+    const std::string start = file.filename().string().substr(0, kMostOfName);
+    for (int attempt = 1;; ++attempt) {
+        const fs::path name
+            = file.parent_path() / fmt::format("{}.{:08x}.part", start, std::random_device()());
+        if (name.native().size() >= sizeof slot.name)
+            Fail(reported, ENAMETOOLONG);
+        std::strcpy(slot.name, name.c_str());
+        slot.mayBeThere = true; // before it is there, so that there is no moment between
+        const int made = make(slot.name);
+        if (made >= 0)
+            return made;
+        const int reason = errno;
+        slot.mayBeThere = false;
+        if (reason != EEXIST || attempt == kAttempts)
+            Fail(reported, reason);
+    }
+}
+
+/// A file beside another one under a passing name, removed unless it got the other's.
 class UnfinishedFile {
 public:
     /// @param final     the file that it is to be
     /// @param reported  what messages call it
     UnfinishedFile(fs::path final, const fs::path& reported)
-        : fFinal(std::move(final)), fReported(reported), fSlot(TakeSlot()), fFile(Create())
+        : fFinal(std::move(final)), fReported(reported), fSlot(TakeSlot(reported)), fFile(Create())
     { }
     ~UnfinishedFile()
     {
@@ -129,45 +170,41 @@ public:
     }
 
 private:
-    struct GiveBack {
-        void operator()(Unfinished* slot) const { slot->isTaken = false; }
-    };
-
     fs::path fFinal;
     fs::path fReported;
-    std::unique_ptr<Unfinished, GiveBack> fSlot;
+    Slot fSlot;
     Descriptor fFile;
-
-    std::unique_ptr<Unfinished, GiveBack> TakeSlot() const
-    {
-        for (Unfinished& slot : gUnfinished)
-            if (!slot.isTaken.exchange(true))
-                return std::unique_ptr<Unfinished, GiveBack>(&slot);
-        Fail(fReported, EMFILE);
-    }
 
     int Create() const
     {
-        constexpr size_t kMostOfName = 200; // bytes; what comes behind must fit in too
-        constexpr int kAttempts = 8;
-        const std::string start = fFinal.filename().string().substr(0, kMostOfName);
-        for (int attempt = 1;; ++attempt) {
-            const fs::path name
-                = fFinal.parent_path() / fmt::format("{}.{:08x}.part", start, std::random_device()());
-            if (name.native().size() >= sizeof fSlot->name)
-                Fail(fReported, ENAMETOOLONG);
-            std::strcpy(fSlot->name, name.c_str());
-            fSlot->mayBeThere = true; // before it is there, so that there is no moment between
-            const int file = open(fSlot->name, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-            if (file >= 0)
-                return file;
-            const int reason = errno;
-            fSlot->mayBeThere = false;
-            if (reason != EEXIST || attempt == kAttempts)
-                Fail(fReported, reason);
-        }
+        return MakeBeside(fFinal, fReported, *fSlot,
+            [](const char* name) { return open(name, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666); });
     }
 };
+
+/// Removes a folder and the files in it, by nothing that a signal handler may not call.
+void RemoveFolder(const char* name)
+{
+    struct Entry { // as the kernel lays it out
+        uint64_t number;
+        int64_t next;
+        uint16_t size;
+        unsigned char type;
+        char name[NAME_MAX + 1];
+    };
+    const int folder = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return;
+    alignas(Entry) char entries[4096];
+    for (long size; (size = syscall(SYS_getdents64, folder, entries, sizeof entries)) > 0;)
+        for (long at = 0; at < size;) {
+            const auto& entry = *reinterpret_cast<const Entry*>(entries + at);
+            unlinkat(folder, entry.name, 0);
+            at += entry.size;
+        }
+    close(folder);
+    rmdir(name);
+}
 
 void RequireStream(const fs::path& path)
 {
@@ -304,6 +341,30 @@ void OutputFile::Finish()
     fState->unfinished->Finish();
 }
 
+struct PassingFolder::State {
+    Slot slot;
+    fs::path path = {};
+
+    ~State()
+    {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+        slot->mayBeThere = false;
+        slot->isFolder = false;
+    }
+};
+
+PassingFolder::PassingFolder(const fs::path& file) : fState(new State{TakeSlot(file)})
+{
+    fState->slot->isFolder = true;
+    MakeBeside(EndOf(file), file, *fState->slot, [](const char* name) { return mkdir(name, 0777); });
+    fState->path = fState->slot->name;
+}
+
+PassingFolder::~PassingFolder() = default;
+
+const fs::path& PassingFolder::Path() const { return fState->path; }
+
 void WriteFile(const fs::path& path, std::string_view bytes)
 {
     OutputFile file(path);
@@ -314,8 +375,12 @@ void WriteFile(const fs::path& path, std::string_view bytes)
 void RemoveUnfinishedFiles() noexcept
 {
     for (const Unfinished& slot : gUnfinished)
-        if (slot.mayBeThere)
-            unlink(slot.name);
+        if (slot.mayBeThere) {
+            if (slot.isFolder)
+                RemoveFolder(slot.name);
+            else
+                unlink(slot.name);
+        }
 }
 
 } // namespace fernwick

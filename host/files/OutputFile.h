@@ -56,13 +56,26 @@ private:
     std::unique_ptr<State> fState;
 };
 
+/// A folder for passing files beside a file, which vanishes with this object and all files in it. Throws `FileError`.
+class PassingFolder {
+public:
+    explicit PassingFolder(const std::filesystem::path& file);
+    ~PassingFolder();
+
+    const std::filesystem::path& Path() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> fState;
+};
+
 /// Writes a file as `OutputFile` does. Throws `FileError`. From any thread.
 void WriteFile(const std::filesystem::path& path, std::string_view bytes);
 
 /// Whether the name stands for no regular file but for stdout, a pipe or a device.
 bool IsStream(const std::filesystem::path& path);
 
-/// Removes the `.part` of every file that is being written, for a process about to end. Safe in signal handlers.
+/// Removes the `.part` of every file that is being written, and the passing folders, for a process about to end. Safe in signal handlers.
 void RemoveUnfinishedFiles() noexcept;
 
 } // namespace fernwick

@@ -2,7 +2,8 @@
 #include "host/pictures/OutputProxy.h"
 #include "host/pictures/PictureEncoder.h"
 #include <OpenImageIO/imageio.h>
-#include <mutex>
+#include <algorithm>
+#include <cstring>
 #include <thread>
 
 namespace fernwick {
@@ -11,48 +12,111 @@ namespace {
 
 /// The present time would make equal pictures unequal files.
 constexpr const char* kNoTime = "1970:01:01 00:00:00";
+constexpr int kTileSide = 64;    // pixels
+constexpr int kRowsOfStrip = 32; // of a TIFF
 
-/// What an encoder needs to know of the picture.
-OIIO::ImageSpec SpecOf(const PictureEncoding& encoding)
+OIIO::TypeDesc TypeOf(PictureNumbers numbers)
+{
+    switch (numbers) {
+    case PictureNumbers::kByte:
+        return OIIO::TypeDesc::UINT8;
+    case PictureNumbers::kUint16:
+        return OIIO::TypeDesc::UINT16;
+    case PictureNumbers::kFloat:
+        break;
+    }
+    return OIIO::TypeDesc::FLOAT;
+}
+
+/// What the encoders of all formats need to know of the picture.
+OIIO::ImageSpec SpecOf(const PictureEncoding& encoding, OIIO::TypeDesc type)
 {
     const PictureShape& shape = encoding.shape;
-    OIIO::ImageSpec spec(shape.region.Width(), shape.region.Height(), 4,
-        encoding.layout.bits == 16 ? OIIO::TypeDesc::HALF : OIIO::TypeDesc::FLOAT);
+    OIIO::ImageSpec spec(shape.region.Width(), shape.region.Height(), 4, type);
     spec.x = shape.region.left;
     spec.y = shape.region.top;
     spec.full_width = shape.width;
     spec.full_height = shape.height;
-    for (const std::string& name : shape.channels) {
+    if (encoding.layout.tiled)
+        spec.tile_width = spec.tile_height = kTileSide;
+    spec.attribute("DateTime", kNoTime);
+    spec.attribute("compression", encoding.layout.compression.empty() ? "zip" : encoding.layout.compression);
+    return spec;
+}
+
+OIIO::ImageSpec EXRSpecOf(const PictureEncoding& encoding)
+{
+    OIIO::ImageSpec spec
+        = SpecOf(encoding, encoding.layout.bits == 16 ? OIIO::TypeDesc::HALF : OIIO::TypeDesc::FLOAT);
+    for (const std::string& name : encoding.shape.channels) {
         ++spec.nchannels;
         spec.channelnames.push_back(name);
     }
-    spec.attribute("DateTime", kNoTime);
     spec.attribute(kAlphaAttribute, encoding.layout.straight ? kStraightAlpha : kPremultipliedAlpha);
     return spec;
 }
 
+OIIO::ImageSpec TIFFSpecOf(const PictureEncoding& encoding)
+{
+    constexpr OIIO::imagesize_t kMostBytes = 4'000'000'000; // that surely fit behind offsets of 32 bits
+    OIIO::ImageSpec spec = SpecOf(encoding, TypeOf(encoding.numbers));
+    const bool isFloat = encoding.numbers == PictureNumbers::kFloat;
+    if (!isFloat || encoding.layout.straight)
+        spec.attribute("oiio:UnassociatedAlpha", 1);
+    if (!isFloat && encoding.shape.content != PictureContent::kColor)
+        spec.attribute("ImageDescription", kLinearDescription);
+    if (spec.image_bytes() > kMostBytes)
+        spec.attribute("tiff:bigtiff", 1);
+    spec.attribute("tiff:RowsPerStrip", kRowsOfStrip);
+    return spec;
+}
+
+/// Writes with an encoder of OpenImageIO. The rows are handed on in the heights that the file is made of, so that the
+/// bands don't show in it.
 class ImageEncoder final : public PictureEncoder {
 public:
-    ImageEncoder(const PictureEncoding& encoding, PictureFormat)
-        : fProxy(encoding.file), fSpec(SpecOf(encoding)), fY(fSpec.y)
+    /// @param rows  that the file is made of
+    ImageEncoder(const PictureEncoding& encoding, const char* format, const OIIO::ImageSpec& spec, int rows)
+        : fProxy(encoding.file), fSpec(spec), fType(TypeOf(encoding.numbers)),
+          fOutput(OIIO::ImageOutput::create(format, &fProxy)),
+          fRows(spec.tile_height > 0 ? spec.tile_height : rows),
+          fPixelSize(static_cast<size_t>(spec.nchannels) * fType.size()),
+          fRowSize(static_cast<size_t>(spec.width) * fPixelSize),
+          fTilesArePadded(std::string_view(format) == "tiff"), fY(spec.y)
     {
-        const int threads
-            = encoding.threads > 0 ? encoding.threads : static_cast<int>(std::thread::hardware_concurrency());
-        OIIO::attribute("exr_threads", threads);
-        fOutput = OIIO::ImageOutput::create("openexr", &fProxy);
         if (!fOutput)
             throw PictureError(OIIO::geterror());
-        Require(fOutput->open(".exr", fSpec));
+        // Of the whole process, as the library has it.
+        OIIO::attribute("exr_threads",
+            encoding.threads > 0 ? encoding.threads : static_cast<int>(std::thread::hardware_concurrency()));
+        Require(fOutput->open(std::string(".") + format, fSpec));
     }
 
     void Write(int rows, const void* numbers) override
     {
-        Require(fOutput->write_scanlines(fY, fY + rows, 0, OIIO::TypeDesc::FLOAT, numbers));
-        fY += rows;
+        const auto* const bytes = static_cast<const unsigned char*>(numbers);
+        const size_t unit = static_cast<size_t>(fRows) * fRowSize;
+        size_t done = 0;
+        const size_t size = static_cast<size_t>(rows) * fRowSize;
+        if (!fWaiting.empty()) {
+            done = std::min(unit - fWaiting.size(), size);
+            fWaiting.insert(fWaiting.end(), bytes, bytes + done);
+            if (fWaiting.size() == unit) {
+                WriteRows(fRows, fWaiting.data());
+                fWaiting.clear();
+            }
+        }
+        if (const size_t whole = (size - done) / unit; whole > 0) {
+            WriteRows(static_cast<int>(whole) * fRows, bytes + done);
+            done += whole * unit;
+        }
+        fWaiting.insert(fWaiting.end(), bytes + done, bytes + size);
     }
 
     void Finish() override
     {
+        if (!fWaiting.empty())
+            WriteRows(static_cast<int>(fWaiting.size() / fRowSize), fWaiting.data());
         Require(fOutput->close());
         fProxy.Finish();
     }
@@ -60,8 +124,15 @@ public:
 private:
     OutputProxy fProxy;
     OIIO::ImageSpec fSpec;
+    OIIO::TypeDesc fType;
     std::unique_ptr<OIIO::ImageOutput> fOutput;
+    int fRows;
+    size_t fPixelSize; // bytes
+    size_t fRowSize;
+    bool fTilesArePadded; // those at the edges, in the file
     int fY;
+    std::vector<unsigned char> fWaiting;
+    std::vector<unsigned char> fTile;
 
     void Require(bool done) const
     {
@@ -69,13 +140,46 @@ private:
         if (!done)
             throw PictureError(fOutput->geterror());
     }
+
+    void WriteRows(int rows, const unsigned char* numbers)
+    {
+        const int end = fY + rows;
+        if (fSpec.tile_height == 0)
+            Require(fOutput->write_scanlines(fY, end, 0, fType, numbers));
+        else if (fTilesArePadded)
+            for (int y = fY; y < end; y += kTileSide)
+                WriteTiles(std::min(kTileSide, end - y), y, numbers + static_cast<size_t>(y - fY) * fRowSize);
+        else
+            Require(fOutput->write_tiles(fSpec.x, fSpec.x + fSpec.width, fY, end, 0, 1, fType, numbers));
+        fY = end;
+    }
+
+    /// Gives each tile whole, with zeros beyond the picture, where the encoder would leave what lies in memory there.
+    void WriteTiles(int rows, int y, const unsigned char* numbers)
+    {
+        const size_t rowOfTile = kTileSide * fPixelSize;
+        for (int left = 0; left < fSpec.width; left += kTileSide) {
+            fTile.assign(kTileSide * rowOfTile, 0);
+            const size_t size = static_cast<size_t>(std::min(kTileSide, fSpec.width - left)) * fPixelSize;
+            for (int row = 0; row < rows; ++row)
+                std::memcpy(&fTile[static_cast<size_t>(row) * rowOfTile],
+                    numbers + static_cast<size_t>(row) * fRowSize + static_cast<size_t>(left) * fPixelSize,
+                    size);
+            Require(fOutput->write_tile(fSpec.x + left, y, 0, fType, fTile.data()));
+        }
+    }
 };
 
 } // namespace
 
-std::unique_ptr<PictureEncoder> MakeImageEncoder(const PictureEncoding& encoding, PictureFormat format)
+std::unique_ptr<PictureEncoder> MakeEXREncoder(const PictureEncoding& encoding)
 {
-    return std::make_unique<ImageEncoder>(encoding, format);
+    return std::make_unique<ImageEncoder>(encoding, "openexr", EXRSpecOf(encoding), 1);
+}
+
+std::unique_ptr<PictureEncoder> MakeTIFFEncoder(const PictureEncoding& encoding)
+{
+    return std::make_unique<ImageEncoder>(encoding, "tiff", TIFFSpecOf(encoding), kRowsOfStrip);
 }
 
 } // namespace fernwick

@@ -5,13 +5,17 @@
 namespace fernwick {
 
 Picture::Picture(int width, int height, PictureContent content)
-    : fWidth(width), fHeight(height), fContent(content),
-      fPixels(static_cast<size_t>(width) * static_cast<size_t>(height), TMCColorRGBA{0, 0, 0, 0})
+    : Picture(PictureShape::Whole(width, height, content))
+{ }
+
+Picture::Picture(const PictureShape& shape)
+    : fShape(shape),
+      fPixels(static_cast<size_t>(Width()) * static_cast<size_t>(Height()), TMCColorRGBA{0, 0, 0, 0})
 { }
 
 void Picture::AddChannel(std::string name, std::vector<float> values)
 {
-    fChannelNames.push_back(std::move(name));
+    fShape.channels.push_back(std::move(name));
     fChannels.push_back(std::move(values));
 }
 
@@ -22,9 +26,7 @@ void Picture::LayOver(const Picture& ground)
 
 void Picture::Save(const std::filesystem::path& path, const PictureLayout& layout, int threads) const
 {
-    PictureShape shape = PictureShape::Whole(fWidth, fHeight, fContent);
-    shape.channels = fChannelNames;
-    PictureWriter writer(path, shape, layout, threads);
+    PictureWriter writer(path, fShape, layout, threads);
     writer.Write(fPixels, fChannels);
     writer.Finish();
 }

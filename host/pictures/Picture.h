@@ -13,9 +13,12 @@ public:
     /// @param width, height  in pixels, above 0
     Picture(int width, int height, PictureContent content);
 
-    int Width() const { return fWidth; }
-    int Height() const { return fHeight; }
-    PictureContent Content() const { return fContent; }
+    /// Transparent black, the region of a larger picture. Its pixels are counted from the corner of the region.
+    explicit Picture(const PictureShape& shape);
+
+    int Width() const { return fShape.region.Width(); }
+    int Height() const { return fShape.region.Height(); }
+    PictureContent Content() const { return fShape.content; }
 
     TMCColorRGBA& At(int x, int y) { return fPixels[Index(x, y)]; }
     const TMCColorRGBA& At(int x, int y) const { return fPixels[Index(x, y)]; }
@@ -31,16 +34,13 @@ public:
     void Save(const std::filesystem::path& path, const PictureLayout& layout = {}, int threads = 0) const;
 
 private:
-    int fWidth;
-    int fHeight;
-    PictureContent fContent;
+    PictureShape fShape;
     std::vector<TMCColorRGBA> fPixels;
-    std::vector<std::string> fChannelNames; // beside the four
-    std::vector<std::vector<float>> fChannels;
+    std::vector<std::vector<float>> fChannels; // beside the four, as the shape names them
 
     size_t Index(int x, int y) const
     {
-        return static_cast<size_t>(y) * static_cast<size_t>(fWidth) + static_cast<size_t>(x);
+        return static_cast<size_t>(y) * static_cast<size_t>(Width()) + static_cast<size_t>(x);
     }
 };
 

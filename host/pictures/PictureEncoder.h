@@ -33,7 +33,15 @@ struct PictureEncoding {
 /// The encoder of PNG files, of bytes or 16 bit integers.
 std::unique_ptr<PictureEncoder> MakePNGEncoder(const PictureEncoding& encoding);
 
-/// The encoder of all other formats, which OpenImageIO writes.
-std::unique_ptr<PictureEncoder> MakeImageEncoder(const PictureEncoding& encoding, PictureFormat format);
+/// The encoder of EXR files, of floats.
+std::unique_ptr<PictureEncoder> MakeEXREncoder(const PictureEncoding& encoding);
+
+/// The encoder of TIFF files.
+std::unique_ptr<PictureEncoder> MakeTIFFEncoder(const PictureEncoding& encoding);
+
+/// The encoder of textures, of floats.
+/// @param path  of the file; a folder beside it holds the picture until all of it is there
+std::unique_ptr<PictureEncoder> MakeTextureEncoder(
+    const PictureEncoding& encoding, const std::filesystem::path& path);
 
 } // namespace fernwick

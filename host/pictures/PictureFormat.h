@@ -1,6 +1,7 @@
 #pragma once
 #include "host/files/OutputFile.h"
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,16 +22,20 @@ enum class PictureContent {
 
 /// The formats of picture files that are written.
 enum class PictureFormat {
-    kPNG, ///< integers, the alpha straight
-    kEXR, ///< floats, with added channels; the colours are multiplied by the alpha
+    kPNG,     ///< integers, the alpha straight
+    kEXR,     ///< floats with added channels, the colours multiplied by the alpha
+    kTIFF,    ///< integers as in a PNG, or floats as in an EXR
+    kTexture, ///< an EXR in tiles with smaller copies (a MIP map), as renderers take it
 };
 
-/// How a picture is put into a file.
+/// How a picture is put into a file. See `RequireFit`.
 struct PictureLayout {
-    /// Of a channel: 8 or 16 of a PNG, 16 or 32 of an EXR. 0 for the usual: a PNG has 8 of colours and 16 of all else,
-    /// an EXR 32.
+    /// Of a channel. Of floats 16 (half) or 32, of integers 8 or 16, and 32 of a TIFF are floats; 0 for the usual: 32 of
+    /// an EXR or a texture, 8 of colours and 16 of all else in a PNG or TIFF.
     int bits = 0;
-    bool straight = false; ///< leaves the colours of floats as they are, not multiplied by the alpha
+    bool straight = false;        ///< leaves the colours of floats as they are, not multiplied by the alpha
+    bool tiled = false;           ///< in tiles of 64 by 64 pixels, not in rows; textures are anyway
+    std::string compression = {}; ///< empty for "zip"
 };
 
 /// A part of a picture, in pixels from the upper left; the ends aren't in it.
@@ -66,7 +71,18 @@ std::optional<PictureFormat> FormatOf(const std::filesystem::path& path);
 /// is `RequireWritable`.
 void RequireSavable(const std::filesystem::path& path);
 
+/// Throws `PictureError` when the layout isn't one of the format that the name tells. A `.png` has 8 or 16 bits and no
+/// other choice. An `.exr` or `.tx` has 16 or 32 bits and any compression of `Compressions`, a `.tif` 8, 16 or 32 bits
+/// and "zip" or "none". Only floats have colours that are multiplied by the alpha.
+void RequireFit(const std::filesystem::path& path, const PictureLayout& layout);
+
+/// All compressions: "none", "zip", and what an EXR has beside them.
+std::span<const std::string_view> Compressions();
+
 /// Whether a file of this name holds added channels.
 bool HoldsLayers(const std::filesystem::path& path);
+
+/// Whether a file of this name and layout holds floats, and so any number.
+bool HoldsFloats(const std::filesystem::path& path, const PictureLayout& layout);
 
 } // namespace fernwick

@@ -62,11 +62,12 @@ void PutFloats(std::span<const TMCColorRGBA> pixels, std::span<const std::vector
     }
 }
 
-PictureNumbers NumbersOf(PictureFormat format, PictureContent content, int bits)
+PictureNumbers NumbersOf(
+    const std::filesystem::path& path, PictureContent content, const PictureLayout& layout)
 {
-    if (format == PictureFormat::kEXR)
+    if (HoldsFloats(path, layout))
         return PictureNumbers::kFloat;
-    const bool isCoarse = bits == 8 || (bits == 0 && content == PictureContent::kColor);
+    const bool isCoarse = layout.bits == 8 || (layout.bits == 0 && content == PictureContent::kColor);
     return isCoarse ? PictureNumbers::kByte : PictureNumbers::kUint16;
 }
 
@@ -83,12 +84,27 @@ size_t SizeOf(PictureNumbers numbers)
     return sizeof(float);
 }
 
-/// Opens the file after its folder is there and its name was found to be one of a picture.
-OutputFile Open(const std::filesystem::path& path)
+OutputFile Open(const std::filesystem::path& path, const PictureLayout& layout)
 {
-    RequireSavable(path);
+    RequireFit(path, layout);
     MakeFolderOf(path);
     return OutputFile(path);
+}
+
+std::unique_ptr<PictureEncoder> MakeEncoder(
+    const PictureEncoding& encoding, const std::filesystem::path& path)
+{
+    switch (*FormatOf(path)) {
+    case PictureFormat::kPNG:
+        return MakePNGEncoder(encoding);
+    case PictureFormat::kEXR:
+        return MakeEXREncoder(encoding);
+    case PictureFormat::kTIFF:
+        return MakeTIFFEncoder(encoding);
+    case PictureFormat::kTexture:
+        break;
+    }
+    return MakeTextureEncoder(encoding, path);
 }
 
 } // namespace
@@ -132,17 +148,13 @@ struct PictureWriter::State {
 
 PictureWriter::PictureWriter(
     const std::filesystem::path& path, const PictureShape& shape, const PictureLayout& layout, int threads)
-    : fState(new State{
-        path, shape, layout, threads, Open(path), NumbersOf(*FormatOf(path), shape.content, layout.bits)})
+    : fState(
+        new State{path, shape, layout, threads, Open(path, layout), NumbersOf(path, shape.content, layout)})
 {
-    const PictureFormat format = *FormatOf(path);
     if (!HoldsLayers(path))
         fState->shape.channels.clear();
     const PictureEncoding encoding = {fState->file, fState->shape, fState->layout, fState->numbers, threads};
-    fState->Encode([&] {
-        fState->encoder
-            = format == PictureFormat::kPNG ? MakePNGEncoder(encoding) : MakeImageEncoder(encoding, format);
-    });
+    fState->Encode([&] { fState->encoder = MakeEncoder(encoding, path); });
 }
 
 PictureWriter::~PictureWriter() = default;

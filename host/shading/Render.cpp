@@ -18,6 +18,16 @@ namespace {
 constexpr int kTileSide = 64;     // pixels
 constexpr int kMostSurfaces = 16; ///< that a ray goes through
 
+PictureRegion RegionOf(const RenderJob& job)
+{
+    return job.region.value_or(PictureRegion{0, 0, job.width, job.height});
+}
+
+size_t PixelsOf(const PictureRegion& region)
+{
+    return static_cast<size_t>(region.Width()) * static_cast<size_t>(region.Height());
+}
+
 /// The rays of a camera, and the lamp beside it.
 class Eye {
 public:
@@ -134,25 +144,22 @@ private:
 class Renderer {
 public:
     Renderer(const Library& library, const GraphDocument& document, const RenderJob& job)
-        : fLibrary(library), fDocument(document), fJob(job), fDescription(DescribeScene(document, job)),
-          fScene(MakeScene()), fWorld(*fScene), fEye(FindCamera(*fScene, fScene->CameraName()), job),
-          fPattern(job.samples), fShaders(FindShaders()),
-          fGrids(document, *MakeGraph(library, document, fScene), *fScene, fShaders)
+        : fLibrary(library), fDocument(document), fJob(job), fRegion(RegionOf(job)),
+          fDescription(DescribeScene(document, job)), fScene(MakeScene()), fWorld(*fScene),
+          fEye(FindCamera(*fScene, fScene->CameraName()), job), fPattern(job.samples),
+          fShaders(FindShaders()), fGrids(document, *MakeGraph(library, document, fScene), *fScene, fShaders)
     { }
 
     std::optional<Picture> Run()
     {
-        Picture picture(fJob.width, fJob.height, PictureContent::kColor);
-        std::vector<std::vector<float>> layers;
-        if (fJob.layers)
-            layers.assign(SurfaceLayers().size(),
-                std::vector<float>(static_cast<size_t>(fJob.width) * static_cast<size_t>(fJob.height)));
-        const TileJob tiles
-            = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel};
+        Picture picture({fJob.width, fJob.height, fRegion, PictureContent::kColor});
+        std::vector<std::vector<float>> layers(fJob.layers.size(), std::vector<float>(PixelsOf(fRegion)));
+        const TileJob tiles = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel,
+            Tile{fRegion.left, fRegion.top, fRegion.right, fRegion.bottom}};
         if (!ForEachTile(tiles, [&](const Tile& tile) { ShadeTile(tile, picture, layers); }))
             return std::nullopt;
         for (size_t i = 0; i < layers.size(); ++i)
-            picture.AddChannel(SurfaceLayers()[i].fName, std::move(layers[i]));
+            picture.AddChannel(fJob.layers[i].fName, std::move(layers[i]));
         return picture;
     }
 
@@ -160,6 +167,7 @@ private:
     const Library& fLibrary;
     const GraphDocument& fDocument;
     const RenderJob& fJob;
+    PictureRegion fRegion;
     SceneDescription fDescription;
     MCCountedPtr<Scene> fScene; // of the rays; samples lie on those of the tiles
     World fWorld;
@@ -230,15 +238,19 @@ private:
         for (size_t i = 0; i < fShaders.size(); ++i)
             surfaces.emplace_back(*scene->Shapes()[i], *graph, fShaders[i]);
         std::vector<double> layerSums(layers.size());
-        for (int y = tile.fTop; y < tile.fBottom; ++y)
+        for (int y = tile.fTop; y < std::min(tile.fBottom, fRegion.bottom); ++y)
             for (int x = tile.fLeft; x < tile.fRight; ++x) {
                 PixelSum sum;
                 std::fill(layerSums.begin(), layerSums.end(), 0);
                 for (const auto& [right, down] : fPattern.Places())
                     Trace(fEye.Direction(x + right, y + down), surfaces, sum, layerSums);
-                picture.At(x, y) = sum.Color(fJob.samples);
-                const size_t pixel
-                    = static_cast<size_t>(y) * static_cast<size_t>(fJob.width) + static_cast<size_t>(x);
+                if (x < fRegion.left || x >= fRegion.right || y < fRegion.top)
+                    continue;
+                const int column = x - fRegion.left;
+                const int row = y - fRegion.top;
+                picture.At(column, row) = sum.Color(fJob.samples);
+                const size_t pixel = static_cast<size_t>(row) * static_cast<size_t>(fRegion.Width())
+                    + static_cast<size_t>(column);
                 for (size_t i = 0; i < layers.size(); ++i)
                     layers[i][pixel] = static_cast<float>(layerSums[i] / fJob.samples);
             }
@@ -259,7 +271,7 @@ private:
             sum.Add(shown.color, left);
             if (depth == 0)
                 for (size_t i = 0; i < layerSums.size(); ++i)
-                    layerSums[i] += SurfaceLayers()[i].Read(shown.result);
+                    layerSums[i] += fJob.layers[i].Read(shown.result);
             const auto distance = static_cast<float>(hit->fSurface.fDistance);
             nearLimit = distance + std::max(distance * kStep, kStep * kStep);
         }
@@ -272,6 +284,11 @@ private:
 std::optional<Picture> Render(const Library& library, const GraphDocument& document, const RenderJob& job)
 {
     return Renderer(library, document, job).Run();
+}
+
+uint64_t MemoryOf(const RenderJob& job)
+{
+    return uint64_t{PixelsOf(RegionOf(job))} * (sizeof(TMCColorRGBA) + job.layers.size() * sizeof(float));
 }
 
 } // namespace fernwick

@@ -1,6 +1,6 @@
 #include "host/shading/SurfaceLayers.h"
+#include <algorithm>
 #include <cstring>
-#include <vector>
 
 namespace fernwick {
 
@@ -61,6 +61,8 @@ std::vector<SurfaceLayer> Collect()
     return std::move(all.fLayers);
 }
 
+std::string GroupOf(const SurfaceLayer& layer) { return layer.fName.substr(0, layer.fName.find('.')); }
+
 template <class Number> float NumberAt(const ShadingOut& result, size_t offset)
 {
     Number number;
@@ -86,6 +88,25 @@ float SurfaceLayer::Read(const ShadingOut& result) const
 std::span<const SurfaceLayer> SurfaceLayers()
 {
     static const std::vector<SurfaceLayer> layers = Collect();
+    return layers;
+}
+
+std::vector<std::string> SurfaceLayerGroups()
+{
+    std::vector<std::string> groups;
+    for (const SurfaceLayer& layer : SurfaceLayers())
+        if (const std::string group = GroupOf(layer);
+            std::find(groups.begin(), groups.end(), group) == groups.end())
+            groups.push_back(group);
+    return groups;
+}
+
+std::vector<SurfaceLayer> SurfaceLayersOf(std::span<const std::string> groups)
+{
+    std::vector<SurfaceLayer> layers;
+    for (const SurfaceLayer& layer : SurfaceLayers())
+        if (std::find(groups.begin(), groups.end(), GroupOf(layer)) != groups.end())
+            layers.push_back(layer);
     return layers;
 }
 

@@ -2,6 +2,7 @@
 #include "frame/ShadingOut.h"
 #include <span>
 #include <string>
+#include <vector>
 
 namespace fernwick {
 
@@ -19,5 +20,11 @@ struct SurfaceLayer {
 /// All numbers of `ShadingOut` but the main colour, which a picture has by itself, and the codes, which can't be
 /// averaged.
 std::span<const SurfaceLayer> SurfaceLayers();
+
+/// The groups of the layers, which are the parts of their names before the first dot, in order.
+std::vector<std::string> SurfaceLayerGroups();
+
+/// The layers of some groups, in the order of `SurfaceLayers`.
+std::vector<SurfaceLayer> SurfaceLayersOf(std::span<const std::string> groups);
 
 } // namespace fernwick

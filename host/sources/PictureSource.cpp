@@ -115,7 +115,8 @@ bool IsEncoded(const OIIO::ImageSpec& layout, int32_t setting)
 {
     if (setting != kEncodedAsUsual)
         return setting == kEncodedSRGB;
-    const bool saysLinear = OIIO::Strutil::iequals(layout.get_string_attribute("oiio:ColorSpace"), "linear");
+    const bool saysLinear = OIIO::Strutil::iequals(layout.get_string_attribute("oiio:ColorSpace"), "linear")
+        || layout.get_string_attribute("ImageDescription") == kLinearDescription;
     return !layout.format.is_floating_point() && !saysLinear;
 }
 

@@ -166,8 +166,16 @@ TEST_F(ShadeTest, ShapesAreRenderedInASceneWithWhatProbesLookFor)
     EXPECT_EQ(center(lit + "sphere --set fLightName=Camera").fRed, 0) << "no light";
     EXPECT_LT(center("checker --on sphere --lit --set odd=1,1,1 --set even=1,1,1").fRed, 0.95f);
     EXPECT_EQ(center("checker --on sphere --set odd=1,1,1 --set even=1,1,1").fRed, 1);
-    EXPECT_EQ(Run("shade Gray --on torus -o a.exr --plug fSubShader=surface --size 8x8").status, 0);
-    EXPECT_THAT(FileText(fFolder / "a.exr").substr(0, 4000), HasSubstr("normal.X"));
+    const std::string layers = "shade Gray --on torus --plug fSubShader=surface --size 8x8";
+    EXPECT_EQ(Run(layers + " -o plain.exr").status, 0);
+    EXPECT_EQ(Run(layers + " -o some.exr --layers third,normal").status, 0);
+    EXPECT_EQ(Run(layers + " -o all.exr --layers all").status, 0);
+    const auto head = [this](const std::string& name) { return FileText(fFolder / name).substr(0, 4000); };
+    EXPECT_THAT(head("plain.exr"), Not(HasSubstr("normal.X")));
+    EXPECT_THAT(
+        head("some.exr"), AllOf(HasSubstr("normal.X"), HasSubstr("third.R"), Not(HasSubstr("second.R"))));
+    EXPECT_THAT(
+        head("all.exr"), AllOf(HasSubstr("normal.X"), HasSubstr("second.R"), HasSubstr("single.switch")));
 }
 
 TEST_F(ShadeTest, PrintsEveryResultWithAllDigits)

@@ -58,7 +58,7 @@ protected:
     }
 };
 
-TEST_F(RenderTest, ThePictureIsTheSameForAnyNumberOfThreads)
+TEST_F(RenderTest, ThePictureIsTheSameForAnyNumberOfThreadsAndInRegions)
 {
     // A ring that keeps the number of the last sample, seen through a sheet with holes.
     const std::string document = Document(
@@ -70,11 +70,26 @@ TEST_F(RenderTest, ThePictureIsTheSameForAnyNumberOfThreads)
                     {"name": "Sheet", "position": [0, 0, 1], "shader": "holes", "shading": "lit", "shape": {"kind": "saddle"}}, )"
             + kEye)
             + R"(, "background": [0.1, 0.2, 0.3])");
-    RenderJob job{.width = 150, .height = 140, .samples = 3, .layers = true, .threads = 1};
+    RenderJob job{.width = 150,
+        .height = 140,
+        .samples = 3,
+        .layers = SurfaceLayersOf(SurfaceLayerGroups()),
+        .threads = 1};
     const Picture once = Shown(document, job);
     job.threads = 2;
     const Picture again = Shown(document, job);
     EXPECT_EQ(std::memcmp(&once.At(0, 0), &again.At(0, 0), sizeof(TMCColorRGBA) * 150 * 140), 0);
+    for (const PictureRegion region : {PictureRegion{70, 66, 150, 101}, {0, 139, 3, 140}, {63, 63, 65, 65}}) {
+        job.region = region;
+        const Picture part = Shown(document, job);
+        ASSERT_EQ(part.Width(), region.Width());
+        ASSERT_EQ(part.Height(), region.Height());
+        for (int y = 0; y < part.Height(); ++y)
+            EXPECT_EQ(std::memcmp(&part.At(0, y), &once.At(region.left, region.top + y),
+                          sizeof(TMCColorRGBA) * static_cast<size_t>(part.Width())),
+                0)
+                << y;
+    }
     EXPECT_THAT(once.At(0, 0), IsColor(0.1f, 0.2f, 0.3f, 1));
 }
 
@@ -233,7 +248,7 @@ TEST_F(RenderTest, AnExrHoldsTheChannelsOfTheSurfaceAsLayers)
     const Picture picture = Shown(
         Document(R"("output": {"source": "color", "color": [0.25, 0.5, 1]})",
             Elements(R"({"name": "Ball", "rotation": [0, 90, 0], "shape": {"kind": "sphere"}}, )" + kEye)),
-        {.width = 3, .height = 3, .samples = 2, .layers = true});
+        {.width = 3, .height = 3, .samples = 2, .layers = SurfaceLayersOf(SurfaceLayerGroups())});
     picture.Save(place / "layers.exr");
     std::map<std::string, std::vector<float>> channels = ReadChannels(place / "layers.exr");
     for (const char* const name : {"R", "second.G", "scalar.D", "vector.Z", "sampled.third.B",
@@ -244,6 +259,11 @@ TEST_F(RenderTest, AnExrHoldsTheChannelsOfTheSurfaceAsLayers)
     EXPECT_EQ(channels["coverage"][0], 0);
     EXPECT_NEAR(channels["normal.X"][4], -1, 0.1); // the ball's own
     EXPECT_EQ(channels["second.R"][4], 0);
+    const std::string groups[] = {"normal", "fullArea", "coverage"};
+    std::vector<std::string> names;
+    for (const SurfaceLayer& layer : SurfaceLayersOf(groups))
+        names.push_back(layer.fName);
+    EXPECT_THAT(names, testing::ElementsAre("coverage", "fullArea", "normal.X", "normal.Y", "normal.Z"));
 }
 
 TEST_F(RenderTest, WrongScenesAndCamerasAreRefusedWithThePlace)
