@@ -27,9 +27,6 @@ std::string Quoted(const std::string& text)
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-/// A record is the object's, and its text may have no end.
-std::string_view Text(const TMCString& text) { return {text.GetText(), text.GetLength()}; }
-
 std::string Text(const TMCColorRGBA& color)
 {
     return fmt::format("[{}, {}, {}, {}]", color.fRed, color.fGreen, color.fBlue, color.fAlpha);
@@ -93,7 +90,8 @@ FieldValue ReadField(const Field& field, const void* record)
     case FieldType::kRGBA:
         return At<TMCColorRGBA>(record, field);
     case FieldType::kString:
-        return std::string(Text(At<TMCString255>(record, field)));
+        return std::string(
+            At<TMCString255>(record, field).View()); // no more of a saved record's text is safe
     case FieldType::kShader:
         return PluggedShader{};
     case FieldType::kFile:

@@ -152,6 +152,11 @@ TEST_F(ParameterTableTest, DocumentsAddressFieldsWholeOrInPart)
     ReadInto(record, R"({"fMode": 1751477360, "fParts[0].fEdge": 0.1})"); // any integer, here "help"
     EXPECT_EQ(text("fMode"), "\"help\"");
     EXPECT_EQ(text("fParts[0].fEdge"), "0.1");
+    // As in a record that another process saved, whose tables of operations lie elsewhere.
+    std::memset(static_cast<void*>(&record.fText), 0xEE, sizeof(void*));
+    EXPECT_EQ(text("fText"), "\"d\xC3\xA9j\xC3\xA0\"");
+    ReadInto(record, R"({"fText": "another"})");
+    EXPECT_EQ(text("fText"), "\"another\"");
 }
 
 TEST_F(ParameterTableTest, ValuesThatTheShaderTakesInItsOwnWayAreToldOnceAField)
