@@ -1,9 +1,9 @@
 #include "host/documents/GraphDocument.h"
 #include "host/documents/SceneReader.h"
+#include "host/files/RegularFile.h"
 #include "host/json/FieldReader.h"
 #include "host/json/Nearest.h"
 #include "host/json/Printable.h"
-#include "host/library/RegularFile.h"
 #include "host/parameters/Doubts.h"
 #include "host/sources/Sources.h"
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "host/documents/SceneFile.h"
 #include "frame/Numbers.h"
+#include "host/files/RegularFile.h"
 #include "host/geometry/Mesh.h"
 #include "host/json/Printable.h"
-#include "host/library/RegularFile.h"
 #include "host/scene/Placement.h"
 #include <algorithm>
 #include <assimp/DefaultIOSystem.h>

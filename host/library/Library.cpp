@@ -1,6 +1,6 @@
 #include "host/library/Library.h"
+#include "host/files/RegularFile.h"
 #include "host/library/Module.h"
-#include "host/library/RegularFile.h"
 
 namespace fernwick {
 

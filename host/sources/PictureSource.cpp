@@ -1,6 +1,6 @@
 #include "host/sources/PictureSource.h"
 #include "host/files/PictureAttributes.h"
-#include "host/library/RegularFile.h"
+#include "host/files/RegularFile.h"
 #include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>

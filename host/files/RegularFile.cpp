@@ -1,4 +1,4 @@
-#include "host/library/RegularFile.h"
+#include "host/files/RegularFile.h"
 
 namespace fernwick {
 
