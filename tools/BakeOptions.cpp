@@ -126,8 +126,7 @@ fernwick::BakeJob JobOf(const BakeOptions& options)
     job.channels.clear();
     for (const std::string& channel : ChannelsOf(options))
         job.channels.push_back(ChannelOf(channel));
-    if (const auto region = RegionOf(options.picture))
-        job.region = {region->left, region->top, region->right, region->bottom};
+    job.region = RegionOf(options.picture);
     if (options.isDirectX)
         job.green = fernwick::GreenDirection::kDown;
     job.cancel = &WatchForInterrupt();
