@@ -61,6 +61,7 @@ Description Describe(const DescribeOptions& options)
 {
     Description description = {RequireTable(options.name)};
     if (const fernwick::SourceKind* const source = fernwick::FindSource(options.name)) {
+        RequireNamedLibrary(options.library);
         description.isSource = true;
         AddFields(source->fDefaults, description);
         return description;

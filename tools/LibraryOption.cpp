@@ -27,6 +27,22 @@ std::filesystem::path FolderOfCommand()
 }
 #endif
 
+constexpr const char* kVariable = "FERNWICK_LIBRARY";
+
+/// The file that the environment names; empty when it names none. Throws `LibraryError` when the file isn't there.
+std::filesystem::path LibraryOfEnvironment()
+{
+    const char* const named = std::getenv(kVariable);
+    if (named == nullptr || *named == 0)
+        return {};
+    try {
+        fernwick::RequireLibraryFile(named);
+    } catch (const fernwick::LibraryError& error) {
+        throw fernwick::LibraryError(std::string(kVariable) + ": " + error.what());
+    }
+    return named;
+}
+
 } // namespace
 
 void AddLibraryOption(CLI::App& command, std::string& named)
@@ -36,12 +52,19 @@ void AddLibraryOption(CLI::App& command, std::string& named)
         ->type_name("PATH");
 }
 
+void RequireNamedLibrary(const std::string& named)
+{
+    if (named.empty())
+        LibraryOfEnvironment();
+    else
+        fernwick::RequireLibraryFile(named);
+}
+
 std::filesystem::path FindLibrary(const std::string& named)
 {
     if (!named.empty())
         return named;
-    const char* const fromEnvironment = std::getenv("FERNWICK_LIBRARY");
-    if (fromEnvironment != nullptr && *fromEnvironment != 0)
+    if (const std::filesystem::path fromEnvironment = LibraryOfEnvironment(); !fromEnvironment.empty())
         return fromEnvironment;
     std::string looked;
     const std::filesystem::path folder = FolderOfCommand();

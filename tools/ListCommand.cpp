@@ -1,6 +1,7 @@
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/Kinds.h"
+#include "tools/LibraryOption.h"
 #include "tools/Names.h"
 #include <fmt/core.h>
 
@@ -50,5 +51,8 @@ void AddListCommand(CLI::App& app)
         "Classes come in the order of their routes. A class with several identifiers is listed under each;\n"
         "one without a route can't be made by the library. Sources are plugged into slots by graphs.\n\n"
         "Example:\n  fernwick list");
-    command.callback([asJson] { *asJson ? PrintJson() : PrintTables(); });
+    command.callback([asJson] {
+        RequireNamedLibrary();
+        *asJson ? PrintJson() : PrintTables();
+    });
 }

@@ -20,23 +20,29 @@ private:
     std::function<void(const Report&)> fListener;
 };
 
+[[noreturn]] void Refuse(const std::filesystem::path& path, const std::string& why)
+{
+    throw LibraryError(std::filesystem::absolute(path).string() + ": " + why
+        + "; build or install it, or name another with --library or FERNWICK_LIBRARY");
+}
+
 } // namespace
+
+void RequireLibraryFile(const std::filesystem::path& path)
+{
+    if (const std::string reason = WhyNoFile(path); !reason.empty())
+        Refuse(path, "can't be loaded: " + reason);
+}
 
 void Library::Closer::operator()(void* handle) const { CloseModule(handle); }
 
 Library::Library(const std::filesystem::path& path, MCCountedPtr<Utilities> utilities)
     : fPath(std::filesystem::absolute(path)), fUtilities(utilities)
 {
-    std::error_code ignored; // the next line tells of it
-    if (!std::filesystem::exists(fPath, ignored) && !ignored)
-        throw LibraryError(fPath.string()
-            + ": no such file; build the library, or name it with --library or FERNWICK_LIBRARY");
-    if (const std::string reason = WhyNoFile(fPath); !reason.empty())
-        throw LibraryError(fPath.string() + ": can't be loaded: " + reason
-            + "; name the library with --library or FERNWICK_LIBRARY");
+    RequireLibraryFile(fPath);
     fHandle.reset(OpenModule(fPath));
     if (!fHandle)
-        throw LibraryError(fPath.string() + ": can't be loaded: " + LastModuleFailure());
+        Refuse(fPath, "can't be loaded: " + LastModuleFailure());
     Bind(fInit, "MCDllInit");
     Bind(fCleanUp, "MCDllCleanUp");
     Bind(fInitExceptionTranslator, "MCDllInitExceptionTranslator");
@@ -58,7 +64,7 @@ template <class Function> void Library::Bind(Function& function, const char* nam
 {
     void* const address = FindFunction(fHandle.get(), name);
     if (address == nullptr)
-        throw LibraryError(fPath.string() + ": is no Fernwick_shaders library: it doesn't export " + name);
+        Refuse(fPath, std::string("is no Fernwick_shaders library: it doesn't export ") + name);
     function = reinterpret_cast<Function>(address);
 }
 

@@ -14,6 +14,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Throws `LibraryError` when there is no file to load at a path. It isn't opened.
+void RequireLibraryFile(const std::filesystem::path& path);
+
 /// The built module, opened by path and initialised. It cleans up and closes the module when it goes; what was
 /// made of it must be gone by then, and a module with live components is left open rather than pulled away.
 class Library {

@@ -30,7 +30,7 @@ std::string LastModuleFailure() { return "system error " + std::to_string(GetLas
 #else
 namespace {
 
-thread_local std::string gDamage; // of the file that was opened last
+thread_local std::string gFailure; // of the file that was opened last
 
 /// What is wrong with the length of a file: to touch a segment that is mapped beyond its end stops the program. Empty
 /// for a whole file, and for one that isn't of this system, which the system itself tells best.
@@ -50,17 +50,29 @@ std::string DamageOf(const std::filesystem::path& path)
         const bool isRead = static_cast<bool>(stream.read(reinterpret_cast<char*>(&segment), sizeof segment));
         const bool isMapped = segment.p_type == PT_LOAD;
         if (!isRead || (isMapped && (segment.p_offset > size || segment.p_filesz > size - segment.p_offset)))
-            return "the file is cut off after " + std::to_string(size) + " bytes; build or copy it anew";
+            return "the file is cut off after " + std::to_string(size) + " bytes";
     }
     return "";
+}
+
+/// What the system says of the load that has just failed, without the name of the file.
+std::string ReasonOf(const std::filesystem::path& path)
+{
+    const char* const told = dlerror();
+    const std::string text = told != nullptr ? told : "no reason given";
+    const std::string name = path.string() + ": ";
+    return text.starts_with(name) ? text.substr(name.size()) : text;
 }
 
 } // namespace
 
 void* OpenModule(const std::filesystem::path& path)
 {
-    gDamage = DamageOf(path);
-    return gDamage.empty() ? dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+    gFailure = DamageOf(path);
+    void* const handle = gFailure.empty() ? dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+    if (handle == nullptr && gFailure.empty())
+        gFailure = ReasonOf(path);
+    return handle;
 }
 
 void CloseModule(void* handle) { dlclose(handle); }
@@ -75,13 +87,7 @@ bool IsModuleLoaded(const std::filesystem::path& path)
     return handle != nullptr;
 }
 
-std::string LastModuleFailure()
-{
-    if (!gDamage.empty())
-        return gDamage;
-    const char* const text = dlerror();
-    return text != nullptr ? text : "no reason given";
-}
+std::string LastModuleFailure() { return gFailure; }
 #endif
 
 } // namespace fernwick

@@ -18,7 +18,7 @@ void* FindFunction(void* handle, const char* name);
 /// Whether the module is in this process.
 bool IsModuleLoaded(const std::filesystem::path& path);
 
-/// What the system says about a load that has just failed.
+/// Why the load that has just failed did, without the name of the file.
 std::string LastModuleFailure();
 
 } // namespace fernwick

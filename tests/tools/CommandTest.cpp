@@ -68,7 +68,14 @@ TEST_F(CommandTest, TheLibraryIsTheNamedOneElseTheEnvironmentsElseOneNearby)
     EXPECT_EQ(Run("describe Key --library '" FERNWICK_MODULE "'", missing).status, 0);
     const Answer answer = Run("describe Key", missing);
     EXPECT_EQ(answer.status, 1);
-    EXPECT_THAT(answer.error, HasSubstr("missing.so: no such file"));
+    EXPECT_THAT(answer.error,
+        AllOf(testing::StartsWith("fernwick: FERNWICK_LIBRARY: "),
+            HasSubstr("missing.so: can't be loaded: there is no such file; build or install it, or name "
+                      "another with ")));
+    for (const std::string arguments : {"list", "describe checker"}) { // which wouldn't need it
+        EXPECT_EQ(Run(arguments, missing).status, 1);
+        EXPECT_EQ(Run(arguments, missing).error, answer.error);
+    }
 
     const auto bin = fFolder / "bin";
     std::filesystem::create_directory(bin);

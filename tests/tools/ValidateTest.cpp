@@ -8,6 +8,7 @@
 namespace {
 
 using nlohmann::json;
+using testing::EndsWith;
 using testing::HasSubstr;
 
 ShellAnswer Validate(const std::string& arguments)
@@ -128,12 +129,17 @@ TEST(ValidateTest, AFileThatCantBeLoadedIsOneLine)
         const ShellAnswer answer = Validate(folder + file.name);
         EXPECT_EQ(answer.status, 1) << answer.text;
         EXPECT_THAT(answer.text, HasSubstr(file.why));
+        EXPECT_EQ(answer.text.find(file.name), answer.text.rfind(file.name)) << answer.text;
+        EXPECT_THAT(answer.text,
+            EndsWith("; build or install it, or name another with --library or FERNWICK_LIBRARY\n"));
         EXPECT_EQ(std::ranges::count(answer.text, '\n'), 1) << answer.text;
     }
     std::filesystem::remove_all(folder);
     const ShellAnswer missing = Validate("missing.so");
     EXPECT_EQ(missing.status, 1);
-    EXPECT_THAT(missing.text, HasSubstr("missing.so: no such file"));
+    EXPECT_THAT(missing.text,
+        HasSubstr("missing.so: can't be loaded: there is no such file; build or install it, or name another "
+                  "with "));
     EXPECT_EQ(std::ranges::count(missing.text, '\n'), 1) << missing.text;
 }
 
