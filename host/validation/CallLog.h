@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 namespace fernwick::validation {
@@ -52,6 +53,16 @@ struct CallLog {
         fShading.push_back(call);
         if (fInterlude)
             fInterlude();
+    }
+
+    /// The calls of plugged shaders, not of the scene, among those whose answers a shader takes.
+    std::vector<ProbeCall> OfShaders() const
+    {
+        std::vector<ProbeCall> calls;
+        for (const ProbeCall& call : fShading)
+            if (std::string_view(call.operation).starts_with("Shade"))
+                calls.push_back(call);
+        return calls;
     }
 
     void Clear()

@@ -6,7 +6,10 @@
 #include "host/validation/Probes.h"
 #include "host/validation/Sheet.h"
 #include "host/validation/Specimen.h"
+#include "host/validation/SurfaceFields.h"
+#include <algorithm>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <map>
 
 // What holds for every class as a component, whatever it shades.
@@ -19,8 +22,10 @@ constexpr GUID kUnknownID = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8
 constexpr int kSteps = 2000;
 constexpr int kSamples = 50;
 
-/// The first operation in which two objects of the class differ on random samples; null for none.
-const char* DifferenceInShading(const Specimen& left, const Specimen& right, uint64_t seed)
+/// The first operation in which two objects of the class differ on random samples, with both answers; empty for none.
+/// @param which  what is asked of which objects
+std::string DifferenceInShading(
+    const std::string& which, const Specimen& left, const Specimen& right, uint64_t seed)
 {
     Random random(seed);
     for (int i = 0; i < kSamples; ++i) {
@@ -30,9 +35,10 @@ const char* DifferenceInShading(const Specimen& left, const Specimen& right, uin
         leftSheet.Ask(left.Shader());
         rightSheet.Ask(right.Shader());
         if (const char* const operation = leftSheet.DifferenceFrom(rightSheet))
-            return operation;
+            return fmt::format("{} {}: expected one answer, came two on sample {}: {} and {}", operation,
+                which, i + 1, leftSheet.AnswerUnlike(rightSheet), rightSheet.AnswerUnlike(leftSheet));
     }
-    return nullptr;
+    return "";
 }
 
 /// Two new objects, whose memory held different bytes, have the same record and shade alike.
@@ -45,13 +51,20 @@ void CompareNew(Inspection& inspection, const ParameterTable& table, const Speci
                 fmt::format("{} {}: expected one record, came {}", whose, when, difference)))
             return;
         inspection.Doing(fmt::format("shading {}", when).c_str());
-        const char* const operation = DifferenceInShading(left, right, inspection.fJob.seed);
-        inspection.Require(operation == nullptr,
-            fmt::format("{} of {} {}: expected one answer, came two", operation != nullptr ? operation : "",
-                whose, when));
+        inspection.RequireNone(
+            DifferenceInShading(fmt::format("of {} {}", whose, when), left, right, inspection.fJob.seed));
         left.Changed();
         right.Changed();
     }
+}
+
+std::string Refused() { return AnswerText(kMCNoInterface, nullptr); }
+
+std::string AnswerOf(IMCUnknown& object, const GUID& id)
+{
+    void* out = &object;
+    const MCErr status = object.QueryInterface(id, &out);
+    return AnswerText(status, out);
 }
 
 /// Queries, counts and releases at random, beginning with one reference. Every identifier leads from every face
@@ -68,25 +81,31 @@ std::string WalkFaces(I3DExShader* start, uint64_t seed)
         const uint32_t choice = random.Below(6);
         void* out = &random;
         if (choice < 3) {
-            if (from->QueryInterface(kIDs[choice], &out) != MC_S_OK || out == nullptr)
-                return GuidText(kIDs[choice]) + " isn't reached from every face";
+            const std::string asked = "QueryInterface for " + GuidText(kIDs[choice]);
+            const MCErr status = from->QueryInterface(kIDs[choice], &out);
+            if (status != MC_S_OK || out == nullptr)
+                return fmt::format(
+                    "{} from each face: expected {}, came {}", asked, kMade, AnswerText(status, out));
             if (faces.try_emplace(choice, out).first->second != out)
-                return GuidText(kIDs[choice]) + " leads to two faces";
+                return asked + " from two faces: expected one face, came two";
             held.push_back(static_cast<IMCUnknown*>(out));
         } else if (choice == 3) {
-            if (from->QueryInterface(kUnknownID, &out) != kMCNoInterface || out != nullptr)
-                return "an unknown identifier gives a face";
+            const std::string answer = AnswerOf(*from, kUnknownID);
+            if (answer != Refused())
+                return fmt::format(
+                    "QueryInterface for an unknown identifier: expected {}, came {}", Refused(), answer);
         } else if (count > 1) {
-            if (from->AddRef() != count + 1)
-                return fmt::format("AddRef on {} references miscounts", count);
-            if (held.back()->Release() != count || held.back()->Release() != count - 1)
-                return fmt::format("Release on {} references miscounts", count);
+            const uint32_t counts[] = {from->AddRef(), held.back()->Release(), held.back()->Release()};
+            const uint32_t expected[] = {count + 1, count, count - 1};
+            if (!std::ranges::equal(counts, expected))
+                return fmt::format("AddRef, Release and Release on {} references: expected {}, came {}",
+                    count, fmt::join(expected, ", "), fmt::join(counts, ", "));
             held.pop_back();
         }
     }
     for (; held.size() > 1; held.pop_back())
         held.back()->Release();
-    return ReferencesOf(*start) == 1 ? "" : "references are left over";
+    return Held(*start, fmt::format("an object after {} queries and releases, seed {}", kSteps, seed));
 }
 
 /// A query without a place for the answer gives none, and counts nothing.
@@ -109,6 +128,27 @@ void RequireNoPlace(Inspection& inspection, I3DExShader& shader)
         }
 }
 
+/// The surface of a class that has none is its wrapper's colour on the local normal.
+void RequireDefaultSurface(Inspection& inspection, I3DExShader& inner)
+{
+    constexpr const char* kWhere = "of ShadeSurface inside a wrapper";
+    ShadingIn in;
+    in.fNormalLocal = {1, 2, 3};
+    Sheet sheet(in);
+    Sheet other(in, true, -3);
+    const ShadingOut& result = sheet.fResult.fRecord;
+    for (Sheet* const asked : {&sheet, &other}) {
+        asked->Ask(inner, Sheet::kSurface);
+        asked->fResult.fRecord.fColor = asked->fResultBefore.fColor; // the wrapper's to fill, as the flag
+        asked->fResult.fRecord.fFullArea = asked->fResultBefore.fFullArea;
+    }
+    inspection.Expect(fmt::format("answer {}", kWhere), 0, sheet.fProduced);
+    inspection.Expect(fmt::format("fCoverage {}", kWhere), 1.0f, result.fCoverage);
+    inspection.Expect(fmt::format("fShadingNormal {} is fNormalLocal", kWhere), true,
+        result.fShadingNormal == in.fNormalLocal);
+    inspection.RequireNone(sheet.WrongSurface(other, surface_fields::kWrapped));
+}
+
 } // namespace
 
 void CheckRoutes(Inspection& inspection, const ParameterTable& table)
@@ -116,12 +156,12 @@ void CheckRoutes(Inspection& inspection, const ParameterTable& table)
     const Subject subject(inspection.fJob.library);
     for (const GUID& classID : table.fClassIDs) {
         for (const GUID& face : {IID_IMCUnknown, IID_I3DExShader, IID_IExDataExchanger}) {
+            const std::string made = fmt::format("making {} as {}", GuidText(classID), GuidText(face));
+            inspection.Doing(made.c_str());
             void* out = nullptr;
             const MCErr status = subject.library.CreateInstance(classID, nullptr, face, &out);
-            if (inspection.Require(status == MC_S_OK && out != nullptr,
-                    fmt::format("{} isn't made as {}", GuidText(classID), GuidText(face))))
-                inspection.Require(
-                    static_cast<IMCUnknown*>(out)->Release() == 0, "a new object is counted twice");
+            if (inspection.Expect(made, kMade, AnswerText(status, out)))
+                inspection.Expect(made + ", after one release", 0u, static_cast<IMCUnknown*>(out)->Release());
         }
         CompareNew(inspection, table, subject.MakeIn(0, table.fClassIDs.front()), subject.MakeIn(0, classID),
             "twins");
@@ -134,11 +174,9 @@ void CheckBufferSizes(Inspection& inspection, const ParameterTable& table)
     const Subject subject(inspection.fJob.library);
     const Specimen object(subject.library, table);
     const uint32_t size = object.Exchanger().GetParamsBufferSize();
-    inspection.Require(size == table.fRecordSize,
-        fmt::format("GetParamsBufferSize answers {}, documents hold {}", size, table.fRecordSize));
+    inspection.Expect("GetParamsBufferSize", table.fRecordSize, size_t{size});
     const ptrdiff_t place = object.Record() - reinterpret_cast<char*>(&object.Shader());
-    inspection.Require(
-        place == kFaces, fmt::format("the record lies {} bytes behind the object's start", place));
+    inspection.Expect("bytes from the object's start to its record", kFaces, place);
 }
 
 void CheckDefaults(Inspection& inspection, const ParameterTable& table)
@@ -157,61 +195,56 @@ void CheckComponentLaws(Inspection& inspection, const ParameterTable& table)
         void* extra = nullptr;
         object.Shader().QueryInterface(IID_I3DExShader, &extra); // a reference beside the specimen's own two
         auto* const shader = static_cast<I3DExShader*>(extra);
-        inspection.Require(shader->Release() == 2, "a query doesn't count one reference");
-        inspection.Require(object.Shader().SameParameters(nullptr) == 0, "null counts as a shader alike");
-        inspection.Require(
-            object.Shader().SameParameters(&object.Shader()) != 0, "an object isn't the same as itself");
+        inspection.Expect("Release after a query, with two references beside", 2u, shader->Release());
+        inspection.Expect(
+            "SameParameters of an object and null", false, object.Shader().SameParameters(nullptr) != 0);
+        inspection.Expect("SameParameters of an object and itself", true,
+            object.Shader().SameParameters(&object.Shader()) != 0);
     }
     void* face = nullptr;
     subject.library.CreateInstance(table.fClassIDs.front(), nullptr, IID_I3DExShader, &face);
     auto* const shader = static_cast<I3DExShader*>(face);
-    const std::string broken = WalkFaces(shader, inspection.fJob.seed);
-    if (inspection.Require(broken.empty(), broken))
+    if (inspection.RequireNone(WalkFaces(shader, inspection.fJob.seed)))
         RequireNoPlace(inspection, *shader);
-    inspection.Require(shader->Release() == 0, "the last release doesn't answer 0");
-    inspection.Require(subject.Remains().empty(), "after the last release " + subject.Remains());
+    inspection.Expect("the last Release", 0u, shader->Release());
+    inspection.RequireNone(subject.Remains());
 }
 
 void CheckAggregation(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
     auto wrapper = ShaderWrapper::Make(subject.library, table.fClassIDs.front());
-    if (!inspection.Require(static_cast<bool>(wrapper), "isn't made inside a wrapper"))
+    if (!inspection.Expect("an object made inside a wrapper", true, static_cast<bool>(wrapper)))
         return;
     I3DExShader& inner = wrapper->Shader();
-    inspection.Require(inner.AddRef() == 2 && inner.Release() == 1, "counting doesn't go to the wrapper");
+    inspection.Expect("AddRef of an object inside a wrapper", 2u, inner.AddRef());
+    inspection.Expect("Release of an object inside a wrapper", 1u, inner.Release());
     for (const GUID& id : {IID_IShellShader, IID_IShellDataComponent}) {
         void* out = nullptr;
         const MCErr status = inner.QueryInterface(id, &out);
-        if (inspection.Require(
-                status == MC_S_OK && out != nullptr, GuidText(id) + " of the wrapper isn't reached"))
-            inspection.Require(static_cast<IMCUnknown*>(out)->Release() == 1, "the wrapper is counted twice");
+        const std::string asked = "QueryInterface for the wrapper's " + GuidText(id);
+        if (inspection.Expect(asked, kMade, AnswerText(status, out)))
+            inspection.Expect(asked + ", after one release", 1u, static_cast<IMCUnknown*>(out)->Release());
     }
-    void* out = &wrapper;
-    inspection.Require(inner.QueryInterface(kUnknownID, &out) == kMCNoInterface && out == nullptr,
-        "an unknown identifier gives a face");
-    inner.ForwardToDataComponent(&out);
-    inspection.Require(wrapper->Forwarded() == &out, "ForwardToDataComponent doesn't reach the wrapper");
+    inspection.Expect(
+        "QueryInterface for an unknown identifier, inside a wrapper", Refused(), AnswerOf(inner, kUnknownID));
+    inner.ForwardToDataComponent(&inner);
+    inspection.Expect("ForwardToDataComponent reaches the wrapper", true, wrapper->Forwarded() == &inner);
 
     wrapper->Exchanger().ExtensionDataChanged();
-    if ((table.fOutputKinds & kOutputSurface) == 0) { // the default surface is the wrapper's colour
-        ShadingIn in;
-        in.fNormalLocal = {1, 2, 3};
-        ShadingOut result;
-        const int32_t produced = inner.ShadeSurface(result, in);
-        inspection.Require(produced == 0 && result.fCoverage == 1 && result.fShadingNormal == in.fNormalLocal,
-            "the default ShadeSurface isn't the wrapper's colour on the local normal");
-    }
-    inspection.Require(ReferencesOf(*wrapper) == 1, "references to the wrapper are left over");
+    if ((table.fOutputKinds & kOutputSurface) == 0)
+        RequireDefaultSurface(inspection, inner);
+    inspection.RequireNone(Held(static_cast<IShellShader&>(*wrapper), "the wrapper"));
     wrapper = nullptr;
-    inspection.Require(subject.Remains().empty(), "after the wrapper's end " + subject.Remains());
+    inspection.RequireNone(subject.Remains("after the wrapper's end"));
+    std::string thrown = "nothing";
     try {
         Specimen(subject.library, table).Shader().ForwardToDataComponent(nullptr);
-        inspection.Found("ForwardToDataComponent without a wrapper doesn't throw");
     } catch (const TMCException& exception) {
-        inspection.Require(exception.fErrorCode == kMCNoComponent,
-            fmt::format("ForwardToDataComponent without a wrapper throws {:#010x}", exception.fErrorCode));
+        thrown = StatusText(exception.fErrorCode);
     }
+    inspection.Expect(
+        "thrown by ForwardToDataComponent without a wrapper", StatusText(kMCNoComponent), thrown);
 }
 
 void CheckRefusedMemory(Inspection& inspection, const ParameterTable& table)
@@ -227,16 +260,17 @@ void CheckRefusedMemory(Inspection& inspection, const ParameterTable& table)
         subject.Memory().RefuseAfter(-1);
         if (status == MC_S_OK) {
             static_cast<IMCUnknown*>(out)->Release();
-            inspection.Require(subject.Remains().empty(), "after a success " + subject.Remains());
-            inspection.Require(granted >= 2, "a factory and an object take less than two allocations");
+            inspection.RequireNone(subject.Remains("after a success"));
+            inspection.Require(granted >= 2,
+                fmt::format("allocations of a factory and an object: expected 2 or more, came {}", granted));
             return;
         }
-        inspection.Require(status == kMCNoSuchClass && out == nullptr,
-            fmt::format("allocation {} refused answers {:#010x}", granted + 1, status));
-        inspection.Require(subject.Remains().empty(),
-            fmt::format("after allocation {} was refused {}", granted + 1, subject.Remains()));
+        const std::string refused = fmt::format("CreateInstance with allocation {} refused", granted + 1);
+        inspection.Expect(refused, AnswerText(kMCNoSuchClass, nullptr), AnswerText(status, out));
+        inspection.RequireNone(subject.Remains("after " + refused));
     }
-    inspection.Found("making an object never ends asking for memory");
+    inspection.Found(
+        fmt::format("allocations of a factory and an object: expected fewer than {}, came as many", kMost));
 }
 
 } // namespace fernwick::validation

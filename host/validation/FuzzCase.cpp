@@ -2,6 +2,7 @@
 #include "frame/TMCString.h"
 #include "host/validation/Sheet.h"
 #include "host/validation/Statements.h"
+#include "host/validation/SurfaceFields.h"
 #include <cstring>
 #include <fmt/format.h>
 
@@ -126,58 +127,85 @@ void FuzzCase::Listen(CallLog* log)
 
 ShadingIn FuzzCase::NextSample() { return RandomSample(fRandom, fHasScene ? fScene.Instance() : nullptr); }
 
-bool FuzzCase::IsLetGo()
+std::string FuzzCase::Held()
 {
-    bool letGo = fScene.IsLetGo();
+    std::string held = fScene.Held();
     for (const Plug& plug : fPlugs)
-        letGo = letGo && (!plug.shader || ReferencesOf(*plug.shader) == 1);
-    return letGo;
+        if (held.empty() && plug.shader)
+            held = validation::Held(*plug.shader, "the shader plugged into " + plug.slot->fName);
+    return held;
+}
+
+/// All operations, each of which leaves the object's record alone. @return the fault; empty for none
+std::string FuzzCase::AskAll(
+    Sheet& sheet, const Specimen& object, const RecordCopy& record, CallLog& surfaceCalls)
+{
+    const Listening listening(*this, surfaceCalls);
+    for (const Sheet::Operation operation : Sheet::kOperations) {
+        surfaceCalls.Clear(); // the surface is the last
+        sheet.Ask(object.Shader(), operation);
+        if (const std::string change = record.Change(false, StatementOf(fTable).shadedInto); !change.empty())
+            return fmt::format("{} rewrites the record's {}", Sheet::NameOf(operation), change);
+    }
+    return "";
+}
+
+/// Shades the next sample with two objects that have one record. @return the fault; empty for none
+/// @param otherContents  the results hold something else before
+std::string FuzzCase::TrySample(
+    const Specimen& left, const Specimen& right, const RecordCopy& record, bool otherContents)
+{
+    const Statement& stated = StatementOf(fTable);
+    const ShadingIn sample = NextSample();
+    Sheet leftSheet(sample);
+    Sheet rightSheet = otherContents ? Sheet(sample, true, -3) : Sheet(sample);
+    CallLog calls;
+    if (std::string rewritten = AskAll(leftSheet, left, record, calls); !rewritten.empty())
+        return rewritten;
+    rightSheet.Ask(right.Shader());
+    if (std::string wild = leftSheet.WildWrite(stated.sampleChanges); !wild.empty())
+        return wild;
+    if (std::string unset = leftSheet.LeftUnset(rightSheet, fTable.fOutputKinds, stated.leftResults);
+        !unset.empty())
+        return unset;
+    if (otherContents)
+        return leftSheet.WrongSurface(
+            rightSheet, WrittenFields(fTable, left.Record(), calls, leftSheet.fProduced));
+    const char* const operation = leftSheet.DifferenceFrom(rightSheet);
+    return operation == nullptr
+        ? ""
+        : fmt::format(
+            "{} of two new objects: expected one answer to one record and sample, came two", operation);
 }
 
 std::string FuzzCase::Try(const Subject& subject, const GUID& classID, const std::vector<bool>& kept)
 {
     {
-        const Statement& stated = StatementOf(fTable);
         const Specimen left = subject.MakeIn(0x00, classID);
         const Specimen right = subject.MakeIn(0xFF, classID);
         for (const Specimen* const object : {&left, &right})
             Apply(*object, kept);
         const RecordCopy applied(fTable, left);
-        if (left.Changed() != right.Changed())
-            return "ExtensionDataChanged answers two things for one record";
+        const MCErr statuses[] = {left.Changed(), right.Changed()};
+        if (statuses[0] != statuses[1])
+            return fmt::format("ExtensionDataChanged of two new objects: expected one answer to one record, "
+                               "came {:#x} and {:#x}",
+                statuses[0], statuses[1]);
         if (const std::string difference = DifferenceOf(fTable, left.Record(), right.Record());
             !difference.empty())
-            return "ExtensionDataChanged derives two things from one record: " + difference;
-        if (const std::string change = applied.Change(true, stated.rewritten); !change.empty())
+            return "ExtensionDataChanged of two new objects: expected one record derived from one, came two: "
+                + difference;
+        if (const std::string change = applied.Change(true, StatementOf(fTable).rewritten); !change.empty())
             return "ExtensionDataChanged rewrites the record's " + change;
         const RecordCopy derived(fTable, left);
-        for (int i = 0; i < kSamples; ++i) {
-            const ShadingIn sample = NextSample();
-            const bool otherContents = i % 2 != 0;
-            Sheet leftSheet(sample);
-            Sheet rightSheet = otherContents ? Sheet(sample, true, -3) : Sheet(sample);
-            for (const Sheet::Operation operation : Sheet::kOperations) {
-                leftSheet.Ask(left.Shader(), operation);
-                if (const std::string change = derived.Change(false, stated.shadedInto); !change.empty())
-                    return fmt::format("{} rewrites the record's {}", Sheet::NameOf(operation), change);
-            }
-            rightSheet.Ask(right.Shader());
-            if (const std::string wild = leftSheet.WildWrite(stated.sampleChanges); !wild.empty())
-                return wild;
-            if (const std::string unset
-                = leftSheet.LeftUnset(rightSheet, fTable.fOutputKinds, stated.leftResults);
-                !unset.empty())
-                return unset;
-            if (otherContents)
-                continue;
-            if (const char* const operation = leftSheet.DifferenceFrom(rightSheet))
-                return std::string(operation) + " answers two things for one record and sample";
-        }
+        for (int i = 0; i < kSamples; ++i)
+            if (std::string fault = TrySample(left, right, derived, i % 2 != 0); !fault.empty())
+                return fault;
     }
-    if (!IsLetGo())
-        return "references to plugged shaders or the scene are left over";
+    if (std::string held = Held(); !held.empty())
+        return held;
     subject.utilities->Debug().Clear();
-    return subject.Remains().empty() ? "" : "after the last release " + subject.Remains();
+    return subject.Remains();
 }
 
 } // namespace fernwick::validation

@@ -4,6 +4,8 @@
 
 namespace fernwick::validation {
 
+class Sheet;
+
 /// A random record of a class with what is plugged into it and the scene that its samples lie in. All follows from
 /// the numbers given.
 class FuzzCase {
@@ -22,10 +24,22 @@ public:
     /// @param log  takes down what the case's shaders and its scene are asked from now on; null for none
     void Listen(CallLog* log);
 
+    /// Listens as long as it lives.
+    class Listening {
+    public:
+        Listening(FuzzCase& fuzz, CallLog& log) : fFuzz(fuzz) { fuzz.Listen(&log); }
+        ~Listening() { fFuzz.Listen(nullptr); }
+        Listening(const Listening&) = delete;
+        Listening& operator=(const Listening&) = delete;
+
+    private:
+        FuzzCase& fFuzz;
+    };
+
     /// The next sample in the case's scene.
     ShadingIn NextSample();
-    /// True when nobody but the case holds its shaders and its scene.
-    bool IsLetGo();
+    /// Which of its shaders or what part of its scene others than the case hold; empty for none.
+    std::string Held();
 
     /// Two objects in memory that held different bytes get the same record and the same samples.
     /// @param subject  makes the class by `classID`
@@ -49,6 +63,10 @@ private:
     std::vector<Plug> fPlugs;
     ProbeScene fScene;
     bool fHasScene;
+
+    std::string AskAll(Sheet& sheet, const Specimen& object, const RecordCopy& record, CallLog& surfaceCalls);
+    std::string TrySample(
+        const Specimen& left, const Specimen& right, const RecordCopy& record, bool otherContents);
 };
 
 } // namespace fernwick::validation

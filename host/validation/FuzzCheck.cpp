@@ -85,7 +85,7 @@ private:
             fault = fuzz.Try(subject, fTable.fClassIDs.front(),
                 kept != nullptr ? *kept : std::vector<bool>(fuzz.FieldCount(), true));
         } catch (...) {
-            fault = TextOfException();
+            fault = FaultOfException(activity.text);
         }
         if (!fault.empty())
             teller(fault);

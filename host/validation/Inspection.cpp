@@ -1,5 +1,6 @@
 #include "host/validation/Inspection.h"
 #include "frame/TMCException.h"
+#include "host/library/Library.h"
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -49,7 +50,7 @@ std::vector<Finding> Inspection::Read(
     std::istringstream lines(ending.lines);
     for (std::string line; std::getline(lines, line);) {
         const auto told = nlohmann::json::parse(line, nullptr, false);
-        if (!told.is_object()) // cut by a crash
+        if (!told.is_object() || !told.contains("replay")) // cut by a crash, or the module's
             continue;
         findings.push_back(
             {className, told["field"], told["value"], told["what"], told["seed"], told["replay"]});
@@ -61,16 +62,26 @@ std::vector<Finding> Inspection::Read(
     return findings;
 }
 
-std::string TextOfException()
+std::string AnswerText(MCErr status, const void* object)
 {
+    return fmt::format("{:#x} and {}", status, object == nullptr ? "null" : "an object");
+}
+
+std::string StatusText(MCErr status) { return fmt::format("{:#x}", status); }
+
+std::string FaultOfException(const std::string& doing)
+{
+    const std::string fault = doing + ": expected no exception, came ";
     try {
         throw;
+    } catch (const LibraryError& error) { // of the host, and a sentence by itself
+        return error.what();
     } catch (const TMCException& exception) {
-        return fmt::format("TMCException {:#010x} came", exception.fErrorCode);
+        return fmt::format("{}TMCException {:#x}", fault, exception.fErrorCode);
     } catch (const std::exception& exception) {
-        return exception.what();
+        return fmt::format("{}\"{}\"", fault, exception.what());
     } catch (...) {
-        return "an unknown exception came";
+        return fault + "an unknown one";
     }
 }
 

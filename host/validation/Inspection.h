@@ -1,6 +1,8 @@
 #pragma once
+#include "frame/Errors.h"
 #include "host/validation/Apart.h"
 #include "host/validation/Validation.h"
+#include <fmt/format.h>
 #include <set>
 #include <string>
 
@@ -32,6 +34,16 @@ public:
         return holds;
     }
 
+    /// Tells what was looked at, and both values, when they differ. @return whether they are the same
+    template <class Expected, class Came>
+    bool Expect(const std::string& what, const Expected& expected, const Came& came)
+    {
+        return expected == came
+            || Require(false, fmt::format("{}: expected {}, came {}", what, expected, came));
+    }
+    /// Tells a fault. @return whether there is none, which is an empty text
+    bool RequireNone(const std::string& fault) { return Require(fault.empty(), fault); }
+
     /// What `RunApart` gave of an inspection of the same check: its findings, and one for a bad end.
     static std::vector<Finding> Read(
         const Check& check, const Job& job, const ParameterTable* table, const Ending& ending);
@@ -44,7 +56,15 @@ private:
     std::set<std::string> fTold; // nothing is told twice
 };
 
-/// A text for an exception that came out of the library; to be called where it is caught.
-std::string TextOfException();
+/// Of an operation that answers a status and an object: "0x80014002 and null".
+std::string AnswerText(MCErr status, const void* object);
+constexpr const char* kMade = "0x0 and an object";
+
+/// A status as a text.
+std::string StatusText(MCErr status);
+
+/// The fault that an exception out of the library is; to be called where it is caught.
+/// @param doing  what was done
+std::string FaultOfException(const std::string& doing);
 
 } // namespace fernwick::validation

@@ -20,14 +20,14 @@ constexpr GUID kUnknownID = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8
 
 /// What the library still holds of a host that it has been cleaned up with, or has released too often; empty for
 /// nothing.
-std::string Held(Utilities& utilities)
+std::string HeldOf(Utilities& utilities)
 {
-    if (ReferencesOf(utilities.Memory()) != 1)
-        return "the memory service isn't counted as before";
-    if (ReferencesOf(utilities.Debug()) != 1)
-        return "the debug service isn't counted as before";
-    if (utilities.Memory().LiveBlocks() != 0)
-        return "blocks are not freed";
+    if (std::string held = Held(utilities.Memory(), "the memory service"); !held.empty())
+        return held;
+    if (std::string held = Held(utilities.Debug(), "the debug service"); !held.empty())
+        return held;
+    if (const int64_t blocks = utilities.Memory().LiveBlocks(); blocks != 0)
+        return fmt::format("blocks of memory: expected none, came {}", blocks);
     return "";
 }
 
@@ -59,11 +59,12 @@ void CheckExports(Inspection& inspection)
         "MCDllCleanUpExceptionTranslator", "MCDllGetClassObject", "MCDllCanUnloadNow"};
     const std::vector<std::string> names = ExportedNames(inspection.fJob.library);
     for (const std::string_view wanted : kWanted)
-        inspection.Require(std::ranges::count(names, wanted) == 1, fmt::format("{} isn't exported", wanted));
+        inspection.Expect(
+            fmt::format("exports of the name {}", wanted), 1, std::ranges::count(names, wanted));
     for (const std::string& name : names)
         if (!name.starts_with("__")) // the sanitizers' own
-            inspection.Require(
-                std::ranges::count(kWanted, name) == 1, fmt::format("{} is exported too", name));
+            inspection.Require(std::ranges::count(kWanted, name) == 1,
+                "exports beside the six: expected none, came " + name);
 }
 
 void CheckLifeCycle(Inspection& inspection)
@@ -78,16 +79,17 @@ void CheckLifeCycle(Inspection& inspection)
             inspection.Doing("making an object");
             if (!table.fClassIDs.empty())
                 Specimen(library, table).Changed();
-            if (!inspection.Require(!library.HasLiveComponents(),
-                    fmt::format("components are alive after {} came and went", table.fName)))
+            if (!inspection.Expect(fmt::format("live components after {} came and went", table.fName), false,
+                    library.HasLiveComponents()))
                 return;
             inspection.Doing("cleaning up and unloading");
         }
-        const std::string held = Held(*utilities);
-        if (!inspection.Require(held.empty(), fmt::format("after {} lives {}", life + 1, held))
-            || !inspection.Require(ReferencesOf(*utilities) == 1, "the utilities object is still counted")
-            || !inspection.Require(
-                !IsModuleLoaded(inspection.fJob.library), "the module stays in the process"))
+        const std::string held = HeldOf(*utilities);
+        const std::string after = fmt::format("after life {} of the module, ", life + 1);
+        if (!inspection.Require(held.empty(), after + held)
+            || !inspection.RequireNone(Held(*utilities, after + "the utilities object"))
+            || !inspection.Expect(
+                after + "the module in the process", false, IsModuleLoaded(inspection.fJob.library)))
             return;
     }
 }
@@ -98,9 +100,10 @@ void CheckCleanUpTwice(Inspection& inspection)
     const Library library(inspection.fJob.library, utilities);
     for (const char* const time : {"first", "second"}) {
         inspection.Doing("cleaning up");
-        inspection.Require(library.fCleanUp() == MC_S_OK, fmt::format("the {} clean-up fails", time));
-        const std::string held = Held(*utilities);
-        inspection.Require(held.empty(), fmt::format("after the {} clean-up {}", time, held));
+        inspection.Expect(
+            fmt::format("the {} clean-up", time), StatusText(MC_S_OK), StatusText(library.fCleanUp()));
+        const std::string held = HeldOf(*utilities);
+        inspection.Require(held.empty(), fmt::format("after the {} clean-up, {}", time, held));
     }
 }
 
@@ -115,14 +118,17 @@ void CheckWithheldServices(Inspection& inspection)
             utilities->Withhold(number);
         else if (number == kAll)
             utilities->WithholdAll();
-        inspection.Doing(fmt::format("service {} is withheld", number).c_str());
+        const std::string withheld = number == kNoUtilities ? "with no object of services"
+            : number == kAll                                ? "with all services withheld"
+                                                            : fmt::format("with service {} withheld", number);
+        inspection.Doing(("using all classes " + withheld).c_str());
         const Library library(inspection.fJob.library, utilities);
         const int made = UseAll(library);
         const bool hasMemory = number != kMemory && number <= kServiceCount;
         inspection.Require((made != 0) == hasMemory,
-            fmt::format("with service {} withheld {} objects are made", number, made));
-        inspection.Require(!library.HasLiveComponents(),
-            fmt::format("with service {} withheld components stay alive", number));
+            fmt::format(
+                "objects made {}: expected {}, came {}", withheld, hasMemory ? "some" : "none", made));
+        inspection.Expect("live components " + withheld, false, library.HasLiveComponents());
     }
 }
 
@@ -140,26 +146,25 @@ void CheckRefusals(Inspection& inspection)
     for (const GUID& id : unknown) {
         void* out = &unknown;
         const MCErr status = subject.library.CreateInstance(id, nullptr, IID_IMCUnknown, &out);
-        inspection.Require(status == kMCNoSuchClass && out == nullptr,
-            fmt::format("{} is no class, but CreateInstance answers {:#010x}", GuidText(id), status));
+        inspection.Expect(fmt::format("CreateInstance of {}, which is no class", GuidText(id)),
+            AnswerText(kMCNoSuchClass, nullptr), AnswerText(status, out));
     }
     void* out = &unknown;
-    inspection.Require(
-        subject.library.fGetClassObject(kUnknownID, kUnknownID, &out) == kMCNoInterface && out == nullptr,
-        "a factory gives an unknown interface");
+    const MCErr noFactory = subject.library.fGetClassObject(kUnknownID, kUnknownID, &out);
+    inspection.Expect("MCDllGetClassObject for an unknown interface", AnswerText(kMCNoInterface, nullptr),
+        AnswerText(noFactory, out));
     inspection.Doing("asking for a factory without a place for it");
     const MCErr noPlace = subject.library.fGetClassObject(kUnknownID, IID_IExClassFactory, nullptr);
-    inspection.Require(noPlace == kMCNoInterface,
-        fmt::format("MCDllGetClassObject without a place for the factory: expected {:#x}, came {:#x}",
-            kMCNoInterface, noPlace));
+    inspection.Expect("MCDllGetClassObject without a place for the factory", StatusText(kMCNoInterface),
+        StatusText(noPlace));
     for (const ParameterTable& table : AllClasses())
         for (const GUID& classID : table.fClassIDs) {
             out = &unknown;
             const MCErr status = subject.library.CreateInstance(classID, nullptr, kUnknownID, &out);
-            inspection.Require(status == kMCNoInterface && out == nullptr,
-                fmt::format("{} is made with an unknown interface: {:#010x}", table.fName, status));
+            inspection.Expect(fmt::format("CreateInstance of {} for an unknown interface", table.fName),
+                AnswerText(kMCNoInterface, nullptr), AnswerText(status, out));
         }
-    inspection.Require(subject.Remains().empty(), "after refusals " + subject.Remains());
+    inspection.RequireNone(subject.Remains("after refusals"));
 }
 
 } // namespace fernwick::validation

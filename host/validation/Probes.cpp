@@ -26,7 +26,17 @@ LightState RandomLight(Random& random)
     return state;
 }
 
+std::string ReferencesText(uint32_t count, const std::string& name)
+{
+    return count == 1 ? "" : "references to " + name + ": expected 1, came " + std::to_string(count);
+}
+
 } // namespace
+
+std::string Held(IMCUnknown& object, const std::string& name)
+{
+    return ReferencesText(ReferencesOf(object), name);
+}
 
 MCErr ProbeShader::QueryInterface(const GUID& id, void** out)
 {
@@ -282,12 +292,14 @@ ProbeScene::~ProbeScene() = default;
 
 IMCUnknown* ProbeScene::Instance() { return static_cast<ITreeElement*>(fElements[kShaded].Get()); }
 
-bool ProbeScene::IsLetGo()
+std::string ProbeScene::Held()
 {
-    bool letGo = fCount == 1;
-    for (const auto& element : fElements)
-        letGo = letGo && ReferencesOf(*element) == 1;
-    return letGo;
+    constexpr const char* kNames[] = {"the scene's root", "the shaded element", "the scene's light"};
+    std::string held = ReferencesText(fCount, "the scene");
+    for (const Part part : {kRoot, kShaded, kLight})
+        if (held.empty())
+            held = validation::Held(static_cast<ITreeElement&>(*fElements[part]), kNames[part]);
+    return held;
 }
 
 void ProbeScene::Connecting(const char* operation, uint32_t part, uint64_t with) const

@@ -4,6 +4,7 @@
 #include "host/library/Component.h"
 #include "host/validation/CallLog.h"
 #include "host/validation/Random.h"
+#include <string>
 #include <vector>
 
 namespace fernwick::validation {
@@ -14,6 +15,9 @@ template <class Object> uint32_t ReferencesOf(Object& object)
     object.AddRef();
     return object.Release();
 }
+
+/// "references to NAME: expected 1, came 3" when others than its owner hold an object; empty when nobody does.
+std::string Held(IMCUnknown& object, const std::string& name);
 
 /// An object that is nothing.
 class ProbeUnknown final : public Component<IMCUnknown, IID_IMCUnknown> { };
@@ -69,8 +73,8 @@ public:
     virtual ~ProbeScene();
 
     IMCUnknown* Instance();
-    /// True when nobody but its owner holds any part of it.
-    bool IsLetGo();
+    /// Which part of it others than its owner hold; empty for none.
+    std::string Held();
     /// @param log  takes down all further calls; null for none
     void Listen(CallLog* log) { fLog = log; }
 

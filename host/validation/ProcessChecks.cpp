@@ -18,8 +18,8 @@ constexpr int kSamples = 20;
 constexpr int kCases = 20;
 constexpr size_t kMostStack = 32 * 1024; // bytes of one operation
 
-/// Lives through many records and samples. Calls `around(name, action)` with each operation, which runs `action` once;
-/// ends when that answers false.
+/// Lives through many records and samples. Calls `around(name, action)` with each operation, whose name tells the seed
+/// too, and which runs `action` once; ends when that answers false.
 template <class Around>
 void Live(Inspection& inspection, const Subject& subject, const ParameterTable& table, Around&& around)
 {
@@ -27,12 +27,14 @@ void Live(Inspection& inspection, const Subject& subject, const ParameterTable& 
         FuzzCase fuzz(table, seed);
         const Specimen object(subject.library, table);
         fuzz.Apply(object);
-        if (!around("ExtensionDataChanged", [&] { object.Changed(); }))
+        const auto named
+            = [seed](const char* operation) { return fmt::format("{}, seed {}", operation, seed); };
+        if (!around(named("ExtensionDataChanged"), [&] { object.Changed(); }))
             return;
         for (int i = 0; i < kSamples; ++i) {
             Sheet sheet(fuzz.NextSample());
             for (const Sheet::Operation operation : Sheet::kOperations)
-                if (!around(Sheet::NameOf(operation), [&] { sheet.Ask(object.Shader(), operation); }))
+                if (!around(named(Sheet::NameOf(operation)), [&] { sheet.Ask(object.Shader(), operation); }))
                     return;
         }
         subject.utilities->Debug().Clear();
@@ -44,20 +46,20 @@ void Live(Inspection& inspection, const Subject& subject, const ParameterTable& 
 void CheckProcessorState(Inspection& inspection, const ParameterTable& table)
 {
     const ProcessorState before = ProcessorState::Now();
-    const auto require = [&](const char* operation) {
+    const auto require = [&](const std::string& operation) {
         const ProcessorState after = ProcessorState::Now();
         before.Restore();
         return inspection.Require(after == before,
-            fmt::format("{} changes how the processor computes: expected {}, came {}", operation,
-                before.Text(), after.Text()));
+            fmt::format("how the processor computes after {}: expected {}, came {}", operation, before.Text(),
+                after.Text()));
     };
     inspection.Doing("loading and making an object");
     const Subject subject(inspection.fJob.library);
     require("loading");
     Specimen(subject.library, table);
     require("making an object");
-    Live(inspection, subject, table, [&](const char* operation, const auto& action) {
-        inspection.Doing(operation);
+    Live(inspection, subject, table, [&](const std::string& operation, const auto& action) {
+        inspection.Doing(operation.c_str());
         action();
         return require(operation);
     });
@@ -71,7 +73,7 @@ void CheckSilence(Inspection& inspection, const ParameterTable& table)
         const Outputs outputs;
         {
             const Subject subject(inspection.fJob.library);
-            Live(inspection, subject, table, [&](const char*, const auto& action) {
+            Live(inspection, subject, table, [&](const std::string&, const auto& action) {
                 action();
                 return true;
             });
@@ -87,19 +89,18 @@ void CheckStack(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
     const auto measure = [&] {
-        Live(inspection, subject, table, [&](const char* operation, const auto& action) {
-            inspection.Doing(fmt::format("{} on a thread's stack", operation).c_str());
+        Live(inspection, subject, table, [&](const std::string& operation, const auto& action) {
+            inspection.Doing(fmt::format("{}, on a thread's stack", operation).c_str());
             const size_t depth = StackDepthOf(action);
             return inspection.Require(depth <= kMostStack,
-                fmt::format(
-                    "{} takes stack: expected at most {} bytes, came {}", operation, kMostStack, depth));
+                fmt::format("stack of {}: expected at most {} bytes, came {}", operation, kMostStack, depth));
         });
     };
     std::thread apart([&] { // its stack is larger than what is watched, and nobody else's
         try {
             measure();
         } catch (...) {
-            inspection.Found(TextOfException() + " while the stack was measured");
+            inspection.Found(FaultOfException("measuring the stack"));
         }
     });
     apart.join();

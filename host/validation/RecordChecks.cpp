@@ -53,9 +53,7 @@ Life Live(const Specimen& object, const std::vector<ShadingIn>& samples, CallLog
         life.sheets.emplace_back(sample);
         life.sheets.back().Ask(object.Shader());
     }
-    for (const ProbeCall& call : log.fShading)
-        if (std::string_view(call.operation).starts_with("Shade"))
-            life.calls.push_back(call);
+    life.calls = log.OfShaders();
     return life;
 }
 
@@ -86,6 +84,7 @@ void CheckSameParameters(Inspection& inspection, const ParameterTable& table)
     const auto shader = MakeCounted<ProbeShader>(kOutputColor);
     const Specimen object(subject.library, table);
     const auto require = [&](const Specimen& other, bool same, const std::string& what) {
+        inspection.Doing(("asking for SameParameters of " + what).c_str());
         const bool came = object.Shader().SameParameters(&other.Shader()) != 0;
         inspection.Require(came == same,
             fmt::format("SameParameters of {}: expected {}, came {}", what, same ? "nonzero" : "0",
@@ -109,7 +108,7 @@ void CheckEmptiedSlots(Inspection& inspection, const ParameterTable& table)
     for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; ++seed) {
         FuzzCase fuzz(table, seed);
         CallLog log;
-        fuzz.Listen(&log);
+        const FuzzCase::Listening listening(fuzz, log);
         std::vector<ShadingIn> samples;
         for (int i = 0; i < kSamples; ++i)
             samples.push_back(fuzz.NextSample());
@@ -121,14 +120,13 @@ void CheckEmptiedSlots(Inspection& inspection, const ParameterTable& table)
             object->Changed();
         }
         plugged.Changed();
-        inspection.Doing("shading with emptied slots");
+        inspection.Doing(fmt::format("shading with emptied slots, seed {}", seed).c_str());
         Unplug(emptied, table, nullptr);
         Unplug(wrong, table, nothing.Get());
         const Life before = Live(plugged, samples, log);
         const Life after = Live(emptied, samples, log);
         const size_t expected = keeps ? before.calls.size() : 0;
         const size_t called = Live(wrong, samples, log).calls.size();
-        fuzz.Listen(nullptr);
         if (!inspection.Require(after.calls.size() == expected,
                 fmt::format(
                     "shading after all slots were emptied, seed {}: expected {} of what was plugged, came {}",
@@ -141,10 +139,10 @@ void CheckEmptiedSlots(Inspection& inspection, const ParameterTable& table)
             return;
         for (size_t i = 0; keeps && i < samples.size(); ++i)
             if (const char* const operation = before.sheets[i].DifferenceFrom(after.sheets[i])) {
-                inspection.Found(
-                    fmt::format("{} after all slots were emptied, seed {}, sample {}: expected the answer "
-                                "of before, came another",
-                        operation, seed, i + 1));
+                inspection.Found(fmt::format("{} after all slots were emptied, seed {}, sample {}: expected "
+                                             "the answer of before, {}, came {}",
+                    operation, seed, i + 1, before.sheets[i].AnswerUnlike(after.sheets[i]),
+                    after.sheets[i].AnswerUnlike(before.sheets[i])));
                 return;
             }
         subject.utilities->Debug().Clear();

@@ -37,7 +37,8 @@ void UseSlot(Inspection& inspection, const Specimen& object, const Field& slot, 
         object.Slot(slot) = step.plugged;
         const MCErr status = object.Changed();
         inspection.Require((status == MC_S_OK) == step.isShader,
-            fmt::format("{} {}: ExtensionDataChanged answers {:#010x}", slot.fName, step.name, status));
+            fmt::format("ExtensionDataChanged with {} {}: expected {}, came {:#x}", slot.fName, step.name,
+                step.isShader ? "0x0" : "a failure", status));
         ShadeSome(object, inspection.fJob.seed);
     }
 }
@@ -58,13 +59,14 @@ void CheckSlots(Inspection& inspection, const ParameterTable& table)
             for (const Field* const slot : slots)
                 object.Slot(*slot) = nullptr;
             inspection.Doing("all slots are empty again");
-            inspection.Require(object.Changed() == MC_S_OK, "emptied slots are refused");
+            inspection.Expect("ExtensionDataChanged with all slots empty again", StatusText(MC_S_OK),
+                StatusText(object.Changed()));
             ShadeSome(object, inspection.fJob.seed);
         }
-        inspection.Require(ReferencesOf(*shader) == 1 && ReferencesOf(*nothing) == 1,
-            "references to what was plugged are left over");
+        inspection.RequireNone(Held(*shader, fmt::format("a plugged shader of kinds {}", kinds)));
+        inspection.RequireNone(Held(*nothing, "what was plugged and is no shader"));
     }
-    inspection.Require(subject.Remains().empty(), "after the last release " + subject.Remains());
+    inspection.RequireNone(subject.Remains());
 }
 
 void CheckHosts(Inspection& inspection, const ParameterTable& table)
@@ -72,12 +74,17 @@ void CheckHosts(Inspection& inspection, const ParameterTable& table)
     const Subject subject(inspection.fJob.library);
     const auto nothing = MakeCounted<ProbeUnknown>();
     Random random(inspection.fJob.seed);
-    for (const Hospitality hospitality :
-        {Hospitality::kGives, Hospitality::kGivesNull, Hospitality::kLeavesUntouched}) {
-        ProbeScene scene(hospitality, random);
-        inspection.Doing("shading in a scene that gives, or answers null or nothing");
+    const struct {
+        Hospitality hospitality;
+        const char* name;
+    } hosts[] = {{Hospitality::kGives, "gives what it is asked for"},
+        {Hospitality::kGivesNull, "answers null"}, {Hospitality::kLeavesUntouched, "answers nothing"}};
+    for (const auto& host : hosts) {
+        ProbeScene scene(host.hospitality, random);
         for (int i = 0; i < kCases; ++i) {
-            FuzzCase fuzz(table, inspection.fJob.seed + static_cast<uint64_t>(i));
+            const uint64_t seed = inspection.fJob.seed + static_cast<uint64_t>(i);
+            inspection.Doing(fmt::format("shading in a scene that {}, seed {}", host.name, seed).c_str());
+            FuzzCase fuzz(table, seed);
             const Specimen object(subject.library, table);
             if (i > 0) // the first time as it is new
                 fuzz.Apply(object);
@@ -86,12 +93,13 @@ void CheckHosts(Inspection& inspection, const ParameterTable& table)
                      static_cast<IMCUnknown*>(nullptr)})
                 ShadeSome(object, inspection.fJob.seed, instance);
         }
-        if (!inspection.Require(scene.IsLetGo(), "references to the scene are left over"))
+        const std::string held = scene.Held();
+        if (!inspection.Require(held.empty(), fmt::format("in a scene that {}, {}", host.name, held)))
             return; // the scene is about to go
         subject.utilities->Debug().Clear();
     }
-    inspection.Require(ReferencesOf(*nothing) == 1, "references to an instance are left over");
-    inspection.Require(subject.Remains().empty(), "after the last release " + subject.Remains());
+    inspection.RequireNone(Held(*nothing, "an instance that is no element"));
+    inspection.RequireNone(subject.Remains());
 }
 
 void CheckNoAllocation(Inspection& inspection, const ParameterTable& table)
@@ -103,17 +111,21 @@ void CheckNoAllocation(Inspection& inspection, const ParameterTable& table)
         FuzzCase fuzz(table, seed);
         const Specimen object(subject.library, table);
         fuzz.Apply(object);
-        int64_t before = allocations();
-        inspection.Doing("changing");
-        object.Changed();
-        if (!inspection.Require(allocations() == before, "ExtensionDataChanged asks for memory"))
+        const auto watch = [&](const char* operation, const auto& action) {
+            const std::string what = fmt::format("{}, seed {}", operation, seed);
+            inspection.Doing(what.c_str());
+            const int64_t before = allocations();
+            action();
+            return inspection.Expect("allocations of " + what, 0, allocations() - before);
+        };
+        if (!watch("ExtensionDataChanged", [&] { object.Changed(); }))
             return;
-        before = allocations();
-        inspection.Doing("shading");
-        for (int i = 0; i < kSamples; ++i)
-            Sheet(fuzz.NextSample()).Ask(object.Shader());
-        if (!inspection.Require(allocations() == before, "shading asks for memory"))
-            return;
+        for (int i = 0; i < kSamples; ++i) {
+            Sheet sheet(fuzz.NextSample());
+            for (const Sheet::Operation operation : Sheet::kOperations)
+                if (!watch(Sheet::NameOf(operation), [&] { sheet.Ask(object.Shader(), operation); }))
+                    return;
+        }
         subject.utilities->Debug().Clear();
     }
 }
@@ -122,7 +134,8 @@ void CheckLeaks(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
     for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; ++seed) {
-        inspection.Doing("living a life with plugged shaders and a scene");
+        const std::string life = fmt::format("a life with plugged shaders and a scene, seed {}", seed);
+        inspection.Doing(("living " + life).c_str());
         FuzzCase fuzz(table, seed);
         {
             const Specimen object(subject.library, table);
@@ -131,8 +144,9 @@ void CheckLeaks(Inspection& inspection, const ParameterTable& table)
             for (int i = 0; i < kSamples; ++i)
                 Sheet(fuzz.NextSample()).Ask(object.Shader());
         }
-        if (!inspection.Require(fuzz.IsLetGo(), "references to plugged shaders or the scene are left over")
-            || !inspection.Require(subject.Remains().empty(), "after the last release " + subject.Remains()))
+        const std::string held = fuzz.Held();
+        if (!inspection.Require(held.empty(), fmt::format("after {}, {}", life, held))
+            || !inspection.RequireNone(subject.Remains("after " + life)))
             return;
         subject.utilities->Debug().Clear();
     }

@@ -1,5 +1,6 @@
 #include "host/validation/Sheet.h"
 #include "host/validation/Statements.h"
+#include "host/validation/SurfaceFields.h"
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <span>
@@ -69,6 +70,12 @@ const char* Sheet::NameOf(Operation operation)
     return kNames[operation];
 }
 
+int32_t Sheet::KindOf(Operation operation)
+{
+    constexpr int32_t kKinds[] = {kOutputValue, kOutputColor, kOutputVector, kOutputSurface};
+    return kKinds[operation];
+}
+
 Sheet::Sheet(const ShadingIn& sample, bool fullArea, float number) : fSample(sample)
 {
     for (Walled<ShadingIn>& in : fIn)
@@ -79,6 +86,9 @@ Sheet::Sheet(const ShadingIn& sample, bool fullArea, float number) : fSample(sam
     fVector.fRecord = number == kUsualNumber ? sample.fNormalGlobal : TVector3(number, number, number);
     fValueFullArea.fRecord = fullArea;
     fColorFullArea.fRecord = fullArea;
+    if (number != kUsualNumber)
+        fResultBefore = ResultHolding(number);
+    fResult.fRecord = fResultBefore;
 }
 
 void Sheet::Ask(I3DExShader& shader, Operation operation)
@@ -107,22 +117,26 @@ void Sheet::Ask(I3DExShader& shader)
 
 std::string Sheet::WildWrite(uint32_t sampleChanges) const
 {
+    std::string wild; // the first
+    const auto require = [&](Operation operation, const char* what, const auto& walled) {
+        if (const std::optional<WallDamage> damage = walled.Damage(); wild.empty() && damage)
+            wild = fmt::format("{} writes beside {}: expected {:#x} at byte {} from its start, came {:#x}",
+                NameOf(operation), what, walled.kBrick, damage->place, damage->byte);
+    };
     for (const Operation operation : kOperations) {
         const Walled<ShadingIn>& in = fIn[operation];
-        if (!in.IsWhole())
-            return fmt::format("{} writes beside ShadingIn", NameOf(operation));
-        if (const std::string change = ChangeOf(fSample, in.fRecord, sampleChanges); !change.empty())
-            return fmt::format("{} changes ShadingIn's {}", NameOf(operation), change);
+        require(operation, "ShadingIn", in);
+        if (const std::string change = ChangeOf(fSample, in.fRecord, sampleChanges);
+            wild.empty() && !change.empty())
+            wild = fmt::format("{} changes ShadingIn's {}", NameOf(operation), change);
     }
-    if (!fValue.IsWhole() || !fValueFullArea.IsWhole())
-        return "ShadeValue writes beside its result";
-    if (!fColor.IsWhole() || !fColorFullArea.IsWhole())
-        return "ShadeColor writes beside its result";
-    if (!fVector.IsWhole())
-        return "ShadeVector writes beside its result";
-    if (!fResult.IsWhole())
-        return "ShadeSurface writes beside ShadingOut";
-    return "";
+    require(kValue, "its result", fValue);
+    require(kValue, "its fullArea", fValueFullArea);
+    require(kColor, "its result", fColor);
+    require(kColor, "its fullArea", fColorFullArea);
+    require(kVector, "its result", fVector);
+    require(kSurface, "ShadingOut", fResult);
+    return wild;
 }
 
 std::string Sheet::LeftUnset(const Sheet& other, int32_t kinds, uint32_t left) const
@@ -156,7 +170,16 @@ std::string Sheet::LeftUnset(const Sheet& other, int32_t kinds, uint32_t left) c
     return text;
 }
 
-const char* Sheet::DifferenceFrom(const Sheet& other) const
+std::string Sheet::WrongSurface(const Sheet& other, std::string_view written) const
+{
+    if (fProduced != other.fProduced)
+        return fmt::format("ShadeSurface: expected one answer whatever its result held, came {} and {}",
+            fProduced, other.fProduced);
+    return WrongField(
+        written, {fResultBefore, fResult.fRecord}, {other.fResultBefore, other.fResult.fRecord});
+}
+
+std::optional<Sheet::Operation> Sheet::DifferentOperation(const Sheet& other) const
 {
     constexpr size_t kBeforeInstance
         = offsetof(ShadingIn, fInstance); // scenes that are alike are two objects
@@ -173,9 +196,48 @@ const char* Sheet::DifferenceFrom(const Sheet& other) const
             = operation == kSurface || SameBits(fCoverage[operation], other.fCoverage[operation]);
         if (!same[operation] || !sameCoverage
             || std::memcmp(&fIn[operation].fRecord, &other.fIn[operation].fRecord, kBeforeInstance) != 0)
-            return NameOf(operation);
+            return operation;
     }
-    return nullptr;
+    return std::nullopt;
+}
+
+const char* Sheet::DifferenceFrom(const Sheet& other) const
+{
+    const std::optional<Operation> operation = DifferentOperation(other);
+    return operation ? NameOf(*operation) : nullptr;
+}
+
+std::string Sheet::AnswerUnlike(const Sheet& other) const
+{
+    const std::optional<Operation> operation = DifferentOperation(other);
+    if (!operation)
+        return "";
+    const std::string text = *operation == kSurface
+        ? fmt::format("{} with {}", fProduced, DifferentField(fResult.fRecord, other.fResult.fRecord))
+        : AnswerText(*operation);
+    const uint32_t mask = fIn[*operation].fRecord.fChannelMask; // differs where nothing else needs to
+    return mask == other.fIn[*operation].fRecord.fChannelMask
+        ? text
+        : fmt::format("{}, leaving fChannelMask {:#x}", text, mask);
+}
+
+std::string Sheet::AnswerText(Operation operation) const
+{
+    const TMCColorRGBA& color = fColor.fRecord;
+    const auto triple
+        = [](const TVector3& vector) { return fmt::format("[{}, {}, {}]", vector[0], vector[1], vector[2]); };
+    switch (operation) {
+    case kValue:
+        return fmt::format(
+            "{} with fullArea {} and coverage {}", fValue.fRecord, fValueFullArea.fRecord, fCoverage[kValue]);
+    case kColor:
+        return fmt::format("[{}, {}, {}, {}] with fullArea {} and coverage {}", color.fRed, color.fGreen,
+            color.fBlue, color.fAlpha, fColorFullArea.fRecord, fCoverage[kColor]);
+    case kVector:
+        return fmt::format("{} with coverage {}", triple(fVector.fRecord), fCoverage[kVector]);
+    default:
+        return fmt::format("{} with fShadingNormal {}", fProduced, triple(fResult.fRecord.fShadingNormal));
+    }
 }
 
 ShadingIn RandomSample(Random& random, IMCUnknown* instance)

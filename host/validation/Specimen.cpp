@@ -2,21 +2,38 @@
 #include "frame/Query.h"
 #include "frame/TMCString.h"
 #include "host/parameters/FieldValue.h"
+#include "host/validation/Inspection.h"
 #include "host/validation/Statements.h"
 #include <cstring>
 #include <fmt/format.h>
 
 namespace fernwick::validation {
 
+namespace {
+
+/// Such as "Key (379752D6-C5EB-4173-B3E4-FF727769483A)".
+std::string NameOf(const GUID& classID)
+{
+    for (const ParameterTable& table : AllClasses())
+        for (const GUID& own : table.fClassIDs)
+            if (SameGuid(own, classID))
+                return fmt::format("{} ({})", table.fName, GuidText(classID));
+    return GuidText(classID);
+}
+
+} // namespace
+
 Specimen::Specimen(const Library& library, const GUID& classID)
 {
     void* face = nullptr;
     const MCErr status = library.CreateInstance(classID, nullptr, IID_I3DExShader, &face);
     if (status != MC_S_OK || face == nullptr)
-        throw LibraryError(fmt::format("{} isn't made: {:#010x}", GuidText(classID), status));
+        throw LibraryError(
+            fmt::format("making {}: expected {}, came {}", NameOf(classID), kMade, AnswerText(status, face)));
     *fShader.Address() = static_cast<I3DExShader*>(face);
     if (Query(*fShader, IID_IExDataExchanger, fExchanger) != MC_S_OK)
-        throw LibraryError(fmt::format("{} has no IExDataExchanger", GuidText(classID)));
+        throw LibraryError(
+            fmt::format("IExDataExchanger of {}: expected a face, came none", NameOf(classID)));
 }
 
 FieldPlace PlaceOf(const Field& field)
@@ -72,15 +89,16 @@ Specimen Subject::MakeIn(uint8_t byte, const GUID& classID) const
     return {library, classID};
 }
 
-std::string Subject::Remains() const
+std::string Subject::Remains(const std::string& when) const
 {
     if (library.HasLiveComponents())
-        return "components are still alive";
+        return when + ": expected no live component, came some";
     if (Memory().LiveBlocks() != 0)
-        return fmt::format(
-            "{} blocks of {} bytes are not freed", Memory().LiveBlocks(), Memory().LiveBytes());
+        return fmt::format("{}: expected no block of memory, came {} of {} bytes", when,
+            Memory().LiveBlocks(), Memory().LiveBytes());
     if (Memory().DamagedBlocks() != 0)
-        return "memory beside a block was written";
+        return fmt::format(
+            "{}: expected no block written beyond its end, came {}", when, Memory().DamagedBlocks());
     return "";
 }
 

@@ -70,8 +70,8 @@ struct Subject {
     MemoryService& Memory() const { return utilities->Memory(); }
     /// Makes an object in memory that is full of `byte`.
     Specimen MakeIn(uint8_t byte, const GUID& classID) const;
-    /// What is left in the library's hands; empty for nothing.
-    std::string Remains() const;
+    /// What is left in the library's hands, in words that begin with `when`; empty for nothing.
+    std::string Remains(const std::string& when = "after the last release") const;
 };
 
 } // namespace fernwick::validation

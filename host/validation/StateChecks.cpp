@@ -58,9 +58,9 @@ bool RequireSame(Inspection& inspection, const std::vector<Sheet>& alone, const 
         if (const char* const operation = alone[i].DifferenceFrom(together[i]))
             return inspection.Require(false,
                 fmt::format(
-                    "{} {}, seed {}, sample {}: expected the answer that the object gives alone, came "
-                    "another",
-                    operation, how, seed, i + 1));
+                    "{} {}, seed {}, sample {}: expected the answer that the object gives alone, {}, came {}",
+                    operation, how, seed, i + 1, alone[i].AnswerUnlike(together[i]),
+                    together[i].AnswerUnlike(alone[i])));
     return true;
 }
 
@@ -70,7 +70,7 @@ void CheckInterleaved(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
     for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; seed += 2) {
-        inspection.Doing("shading two objects by turns");
+        inspection.Doing(fmt::format("shading two objects by turns, seed {}", seed).c_str());
         const std::vector<Sheet> alone[]
             = {ShadeAlone(subject, table, seed, kSamples), ShadeAlone(subject, table, seed + 1, kSamples)};
         {
@@ -85,14 +85,15 @@ void CheckInterleaved(Inspection& inspection, const ParameterTable& table)
                 if (!RequireSame(inspection, alone[i], together[i], seed + i, "by turns with another object"))
                     return;
         }
-        inspection.Doing("shading an object while another one waits for its plugged shader or its scene");
+        inspection.Doing(fmt::format(
+            "shading an object while another one waits for its plugged shader or its scene, seed {}", seed)
+                             .c_str());
         Actor outer(subject, table, seed);
         Actor inner(subject, table, seed + 1);
         CallLog log;
         log.fInterlude = [&] { inner.Shade(); };
-        outer.fuzz.Listen(&log);
+        const FuzzCase::Listening listening(outer.fuzz, log);
         const std::vector<Sheet> interrupted = outer.Shade(kSamples);
-        outer.fuzz.Listen(nullptr);
         if (!RequireSame(
                 inspection, alone[0], interrupted, seed, "while another object shades within the sample"))
             return;
@@ -103,8 +104,8 @@ void CheckInterleaved(Inspection& inspection, const ParameterTable& table)
 void CheckTwoThreads(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
-    inspection.Doing("shading on two threads");
     for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; seed += 2) {
+        inspection.Doing(fmt::format("shading on two threads, seed {}", seed).c_str());
         const std::vector<Sheet> alone[] = {ShadeAlone(subject, table, seed, kThreadedSamples),
             ShadeAlone(subject, table, seed + 1, kThreadedSamples)};
         Actor actors[] = {{subject, table, seed}, {subject, table, seed + 1}};
@@ -129,14 +130,15 @@ void CheckStaticData(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
     const StaticData data(inspection.fJob.library);
+    uint64_t seed = inspection.fJob.seed;
     const auto watch = [&](const char* operation, const auto& action) {
-        inspection.Doing(operation);
+        inspection.Doing(fmt::format("{}, seed {}", operation, seed).c_str());
         const std::optional<uintptr_t> written = data.WrittenBy(action);
         return inspection.Require(!written,
-            fmt::format("{} writes to static data: expected none, came one at {:#x} of the module", operation,
-                written.value_or(0)));
+            fmt::format("{} writes to static data, seed {}: expected none, came one at {:#x} of the module",
+                operation, seed, written.value_or(0)));
     };
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; ++seed) {
+    for (; seed < inspection.fJob.seed + kCases; ++seed) {
         FuzzCase fuzz(table, seed);
         const Specimen object(subject.library, table);
         fuzz.Apply(object);

@@ -4,6 +4,8 @@
 #include "host/validation/Sheet.h"
 #include "host/validation/Specimen.h"
 #include "host/validation/Statements.h"
+#include "host/validation/SurfaceFields.h"
+#include <algorithm>
 #include <fmt/format.h>
 
 // What every class states of itself, and what it answers where it has nothing of its own.
@@ -12,84 +14,112 @@ namespace fernwick::validation {
 
 namespace {
 
-bool Same(const TMCColorRGBA& color, const TMCColorRGBA& other) { return color.Equals(other); }
-
 void RequireReservedShaderAnswers(Inspection& inspection, I3DExShader& shader, Subject& subject)
 {
-    constexpr MCErr kNot = kMCNotImplemented;
     void* a = &shader;
-    const auto require = [&](bool holds, const char* operation) {
-        inspection.Require(holds, std::string(operation) + " doesn't answer its default");
+    const auto expect = [&](const char* operation, const auto& expected, const auto& came) {
+        inspection.Expect(operation, expected, came);
     };
-    require(!shader.ReservedFalseA(a), "ReservedFalseA");
-    require(shader.ReservedNotImplementedA(a, a, a) == kNot, "ReservedNotImplementedA");
-    for (const auto operation : {&I3DExShader::ObsoleteCallA, &I3DExShader::ObsoleteCallB}) {
+    const auto expectNot = [&](const char* operation, MCErr came) {
+        expect(operation, StatusText(kMCNotImplemented), StatusText(came));
+    };
+    expect("ReservedFalseA", false, shader.ReservedFalseA(a));
+    expectNot("ReservedNotImplementedA", shader.ReservedNotImplementedA(a, a, a));
+    for (const bool isFirst : {true, false}) {
         subject.utilities->Debug().Clear();
-        (shader.*operation)(a, a);
-        const auto reports = subject.utilities->Debug().Reports();
-        require(reports.size() == 1 && reports[0].message == "Should not be called", "ObsoleteCallA or B");
+        isFirst ? shader.ObsoleteCallA(a, a) : shader.ObsoleteCallB(a, a);
+        std::string reports;
+        for (const Report& report : subject.utilities->Debug().Reports())
+            reports += '"' + report.message + '"';
+        expect(isFirst ? "reports of ObsoleteCallA" : "reports of ObsoleteCallB",
+            std::string("\"Should not be called\""), reports);
     }
     subject.utilities->Debug().Clear();
     shader.ReservedNoOpA(a, a);
     shader.ReservedNoOpB(a, a);
-    require(shader.ReservedNotImplementedB(a, a) == kNot, "ReservedNotImplementedB");
+    expectNot("ReservedNotImplementedB", shader.ReservedNotImplementedB(a, a));
     shader.ReservedNoOpC(a);
-    require(shader.ReservedTrueA(), "ReservedTrueA");
-    require(!shader.ReservedFalseB(a, a), "ReservedFalseB");
+    expect("ReservedTrueA", true, shader.ReservedTrueA());
+    expect("ReservedFalseB", false, shader.ReservedFalseB(a, a));
     void* out = a;
-    require(shader.ClearOutPointer(a, a, &out) == 1 && out == nullptr, "ClearOutPointer");
+    const int32_t cleared = shader.ClearOutPointer(a, a, &out);
+    expect("ClearOutPointer", AnswerText(1, nullptr), AnswerText(static_cast<MCErr>(cleared), out));
 
     const auto object = MakeCounted<ProbeUnknown>();
     IMCUnknown* stored = nullptr;
-    require(shader.StoreCountedOut(&stored, object.Get(), a) && stored == object.Get()
-            && ReferencesOf(*object) == 2,
-        "StoreCountedOut");
-    require(
-        shader.ClearCountedOut(0, a, &stored) == nullptr && stored == nullptr && ReferencesOf(*object) == 1,
-        "ClearCountedOut");
-    require(!shader.ReservedFalseC(1), "ReservedFalseC");
-    require(shader.ReservedMinusOne(1) == -1, "ReservedMinusOne");
-    require(shader.ReservedZeroA() == 0, "ReservedZeroA");
-    require(shader.ReservedZeroB(1) == 0, "ReservedZeroB");
-    require(shader.ReservedNotImplementedC(a, a) == kNot, "ReservedNotImplementedC");
+    expect("StoreCountedOut", true, shader.StoreCountedOut(&stored, object.Get(), a));
+    expect("StoreCountedOut stores the object", true, stored == object.Get());
+    expect("references to what StoreCountedOut has stored", 2u, ReferencesOf(*object));
+    expect("ClearCountedOut answers null", true, shader.ClearCountedOut(0, a, &stored) == nullptr);
+    expect("ClearCountedOut stores null", true, stored == nullptr);
+    expect("references to what ClearCountedOut has cleared", 1u, ReferencesOf(*object));
+    expect("ReservedFalseC", false, shader.ReservedFalseC(1));
+    expect("ReservedMinusOne", -1, shader.ReservedMinusOne(1));
+    expect("ReservedZeroA", 0, shader.ReservedZeroA());
+    expect("ReservedZeroB", 0, shader.ReservedZeroB(1));
+    expectNot("ReservedNotImplementedC", shader.ReservedNotImplementedC(a, a));
     shader.ReservedNoOpD(a, a);
     for (const auto operation :
         {&I3DExShader::ReservedNoOpE, &I3DExShader::ReservedNoOpF, &I3DExShader::ReservedNoOpG,
             &I3DExShader::ReservedNoOpH, &I3DExShader::ReservedNoOpI, &I3DExShader::ReservedNoOpJ})
         (shader.*operation)(a, a, a);
-    require(subject.utilities->Debug().Reports().empty(), "ReservedNoOp");
-    require(shader.ReservedTrueB(1), "ReservedTrueB");
-    require(!shader.IsDependencyBitSet(a, 1), "IsDependencyBitSet without a wrapper");
-    require(shader.ReservedNotImplementedD(a, a, a) == kNot, "ReservedNotImplementedD");
-    require(!shader.ReservedFalseD(1, a, a), "ReservedFalseD");
-    require(shader.ReservedNotImplementedE(a) == kNot, "ReservedNotImplementedE");
+    expect("reports of ReservedNoOpA to J", 0u, subject.utilities->Debug().Reports().size());
+    expect("ReservedTrueB", true, shader.ReservedTrueB(1));
+    expect("IsDependencyBitSet without a wrapper", false, shader.IsDependencyBitSet(a, 1));
+    expectNot("ReservedNotImplementedD", shader.ReservedNotImplementedD(a, a, a));
+    expect("ReservedFalseD", false, shader.ReservedFalseD(1, a, a));
+    expectNot("ReservedNotImplementedE", shader.ReservedNotImplementedE(a));
     const TMCColorRGB white = shader.GetWhite();
-    require(white.fRed == 1 && white.fGreen == 1 && white.fBlue == 1, "GetWhite");
-    require(shader.GetUnitScale() == 1, "GetUnitScale");
-    require(shader.ReservedNotImplementedF(a) == kNot, "ReservedNotImplementedF");
+    expect("GetWhite", std::string("[1, 1, 1]"),
+        fmt::format("[{}, {}, {}]", white.fRed, white.fGreen, white.fBlue));
+    expect("GetUnitScale", 1.0f, shader.GetUnitScale());
+    expectNot("ReservedNotImplementedF", shader.ReservedNotImplementedF(a));
 }
 
 void RequireReservedExchangerAnswers(Inspection& inspection, IExDataExchanger& exchanger)
 {
-    constexpr MCErr kNot = kMCNotImplemented;
     void* a = &exchanger;
-    const auto require = [&](bool holds, const char* operation) {
-        inspection.Require(holds, std::string(operation) + " doesn't answer its default");
+    const auto expect = [&](const char* operation, const auto& expected, const auto& came) {
+        inspection.Expect(operation, expected, came);
+    };
+    const auto expectStatus = [&](const char* operation, MCErr expected, MCErr came) {
+        expect(operation, StatusText(expected), StatusText(came));
     };
     void* out = a;
     exchanger.CloneExtension(&out, a);
-    require(out == nullptr, "CloneExtension");
-    require(exchanger.ReservedExchangeTrue(a), "ReservedExchangeTrue");
-    require(exchanger.ReservedExchangeA(1, a) == kNot, "ReservedExchangeA");
-    require(exchanger.ReservedExchangeB(1, a) == kNot, "ReservedExchangeB");
-    require(exchanger.ReservedExchangeC(1, a, a) == kNot, "ReservedExchangeC");
+    expect("CloneExtension stores null", true, out == nullptr);
+    expect("ReservedExchangeTrue", true, exchanger.ReservedExchangeTrue(a));
+    expectStatus("ReservedExchangeA", kMCNotImplemented, exchanger.ReservedExchangeA(1, a));
+    expectStatus("ReservedExchangeB", kMCNotImplemented, exchanger.ReservedExchangeB(1, a));
+    expectStatus("ReservedExchangeC", kMCNotImplemented, exchanger.ReservedExchangeC(1, a, a));
     out = a;
-    require(exchanger.ReservedExchangeOut(&out) == &out && out == nullptr, "ReservedExchangeOut");
-    require(exchanger.ReservedExchangeZeroA() == 0, "ReservedExchangeZeroA");
-    require(exchanger.ReservedExchangeZeroB() == 0, "ReservedExchangeZeroB");
-    require(exchanger.ReservedExchangeD() == kNot, "ReservedExchangeD");
-    require(exchanger.ReservedExchangeE() == kMCNotSupported, "ReservedExchangeE");
-    require(exchanger.ReservedExchangeF(a) == kMCNotSupported, "ReservedExchangeF");
+    expect("ReservedExchangeOut answers its pointer", true, exchanger.ReservedExchangeOut(&out) == &out);
+    expect("ReservedExchangeOut stores null", true, out == nullptr);
+    expect("ReservedExchangeZeroA", 0, exchanger.ReservedExchangeZeroA());
+    expect("ReservedExchangeZeroB", 0, exchanger.ReservedExchangeZeroB());
+    expectStatus("ReservedExchangeD", kMCNotImplemented, exchanger.ReservedExchangeD());
+    expectStatus("ReservedExchangeE", kMCNotSupported, exchanger.ReservedExchangeE());
+    expectStatus("ReservedExchangeF", kMCNotSupported, exchanger.ReservedExchangeF(a));
+}
+
+/// What operations that the class doesn't offer make of a sheet.
+void RequireAbsent(
+    Inspection& inspection, const ParameterTable& table, const Sheet& before, const Sheet& sheet)
+{
+    inspection.RequireNone(sheet.WildWrite(StatementOf(table).sampleChanges));
+    Sheet expected = before;
+    expected.fColor.fRecord = TMCColorRGBA::kOpaqueBlack;
+    expected.fResult.fRecord.fShadingNormal = before.fSample.fNormalLocal;
+    std::ranges::fill(expected.fCoverage, 1.0f);
+    for (const Sheet::Operation operation : Sheet::kOperations) {
+        if ((table.fOutputKinds & Sheet::KindOf(operation)) != 0)
+            continue;
+        const std::string name = fmt::format("{}, which the class doesn't offer", Sheet::NameOf(operation));
+        inspection.Expect(name, expected.AnswerText(operation), sheet.AnswerText(operation));
+        const bool isChanged
+            = std::memcmp(&sheet.fIn[operation].fRecord, &before.fSample, sizeof before.fSample) != 0;
+        inspection.Expect(name + ", changes ShadingIn", false, isChanged);
+    }
 }
 
 } // namespace
@@ -100,18 +130,17 @@ void CheckStatedAnswers(Inspection& inspection, const ParameterTable& table)
     const Specimen object(subject.library, table);
     const Statement& stated = StatementOf(table);
     const int32_t kinds = object.Shader().GetOutputKinds();
-    inspection.Require(kinds == table.fOutputKinds,
-        fmt::format("GetOutputKinds answers {}, {} is stated", kinds, table.fOutputKinds));
-    inspection.Require(
-        object.Shader().QueryBooleanTrait() == stated.trait, "QueryBooleanTrait isn't as stated");
+    inspection.Expect("GetOutputKinds", table.fOutputKinds, kinds);
+    inspection.Expect("QueryBooleanTrait", stated.trait, object.Shader().QueryBooleanTrait());
     for (const uint16_t before : {0, 0x8001, 0xFFFF}) { // what a caller set stays
         ShadingFlags flags;
         flags.fNeeds = before;
         const MCErr status = object.Shader().ReportNeeds(flags);
-        inspection.Require(status == MC_S_OK && flags.fNeeds == (before | stated.needs),
-            fmt::format("ReportNeeds makes {:#06x} of {:#06x}, {:#06x} is stated", flags.fNeeds, before,
-                stated.needs));
-        inspection.Require(flags.fDependencyBits == 0, "ReportNeeds doesn't store 0 as dependencies");
+        const auto answer = [](MCErr error, int needs, uint16_t dependencies) {
+            return fmt::format("{:#x}, fNeeds {:#06x} and fDependencyBits {:#x}", error, needs, dependencies);
+        };
+        inspection.Expect(fmt::format("ReportNeeds after fNeeds {:#06x}", before),
+            answer(MC_S_OK, before | stated.needs, 0), answer(status, flags.fNeeds, flags.fDependencyBits));
     }
 }
 
@@ -126,10 +155,9 @@ void CheckReservedSlots(Inspection& inspection, const ParameterTable& table)
         inspection.Doing("calling the reserved operations of IExDataExchanger");
         RequireReservedExchangerAnswers(inspection, object.Exchanger());
         if (table.fName != kHasEvents)
-            inspection.Require(
-                object.Exchanger().HandleEvent(1, nullptr, nullptr) == 1, "HandleEvent doesn't answer 1");
+            inspection.Expect("HandleEvent", 1, object.Exchanger().HandleEvent(1, nullptr, nullptr));
     }
-    inspection.Require(subject.Remains().empty(), "after all operations " + subject.Remains());
+    inspection.RequireNone(subject.Remains("after all operations"));
 }
 
 void CheckAbsentKinds(Inspection& inspection, const ParameterTable& table)
@@ -137,39 +165,19 @@ void CheckAbsentKinds(Inspection& inspection, const ParameterTable& table)
     const Subject subject(inspection.fJob.library);
     const Specimen object(subject.library, table);
     object.Changed();
-    const Statement& stated = StatementOf(table);
     Random random(inspection.fJob.seed);
-    for (const bool fullArea : {false, true}) {
+    for (int i = 0; i < 2; ++i) {
         const ShadingIn sample = RandomSample(random, nullptr);
-        const Sheet before(sample, fullArea);
-        Sheet sheet(sample, fullArea);
-        inspection.Doing("shading");
-        sheet.Ask(object.Shader());
-        inspection.Require(
-            sheet.WildWrite(stated.sampleChanges).empty(), sheet.WildWrite(stated.sampleChanges));
-
-        const auto require = [&](int32_t kind, Sheet::Operation operation, bool holds) {
-            if ((table.fOutputKinds & kind) != 0)
-                return;
-            inspection.Require(std::memcmp(&sheet.fIn[operation].fRecord, &sample, sizeof sample) == 0,
-                std::string(Sheet::NameOf(operation)) + " is absent, but changes ShadingIn");
-            inspection.Require(
-                holds, std::string(Sheet::NameOf(operation)) + " is absent, but doesn't answer its default");
-        };
-        require(kOutputValue, Sheet::kValue,
-            sheet.fValue.fRecord == before.fValue.fRecord && sheet.fValueFullArea.fRecord == fullArea
-                && sheet.fCoverage[Sheet::kValue] == 1);
-        require(kOutputColor, Sheet::kColor,
-            Same(sheet.fColor.fRecord, TMCColorRGBA::kOpaqueBlack) && sheet.fColorFullArea.fRecord == fullArea
-                && sheet.fCoverage[Sheet::kColor] == 1);
-        require(kOutputVector, Sheet::kVector,
-            std::memcmp(&sheet.fVector.fRecord, &before.fVector.fRecord, sizeof(TVector3)) == 0
-                && sheet.fCoverage[Sheet::kVector] == 1);
-        const ShadingOut& result = sheet.fResult.fRecord;
-        Sheet expected = before; // without a wrapper there is no colour either
-        expected.fResult.fRecord.fShadingNormal = sample.fNormalLocal;
-        require(kOutputSurface, Sheet::kSurface,
-            SameResult(result, expected.fResult.fRecord) && sheet.fProduced == 0);
+        Sheet usual(sample);
+        Sheet other(sample, true, -3);
+        for (Sheet* const sheet : {&usual, &other}) {
+            const Sheet before = *sheet;
+            inspection.Doing("shading");
+            sheet->Ask(object.Shader());
+            RequireAbsent(inspection, table, before, *sheet);
+        }
+        if ((table.fOutputKinds & kOutputSurface) == 0) // without a wrapper there is no colour either
+            inspection.RequireNone(usual.WrongSurface(other, surface_fields::kDefault));
     }
 }
 

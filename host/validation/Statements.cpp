@@ -11,6 +11,7 @@ constexpr Statement kStatements[] = {
     {.className = "Coordinate_Shift",
         .needs = kNeedsAll,
         .sampleChanges = kChangesPoints,
+        .surface = SurfaceWay::kStraight,
         .uncompared = "fObjectName"},
     {.className = "Corners", .needs = kNeedsUV | kNeedsNormalLocal, .trait = true},
     {.className = "Curvature",
@@ -28,6 +29,7 @@ constexpr Statement kStatements[] = {
         .needs = kNeedsAll,
         .sampleChanges = kChangesChannelMask,
         .leftResults = kLeavesAlpha,
+        .surface = SurfaceWay::kStraight,
         .uncompared = "fColorSwitches"},
     {.className = "Iridescent",
         .needs = kNeedsUV | kNeedsNormalGlobal,
@@ -43,6 +45,7 @@ constexpr Statement kStatements[] = {
     {.className = "MultiPassManager",
         .needs = kNeedsAll,
         .sampleChanges = kChangesChannelMask,
+        .surface = SurfaceWay::kPass,
         .keepsShaders = true,
         .uncompared = "fPassName"},
     {.className = "Proximity",
@@ -63,6 +66,7 @@ constexpr Statement kStatements[] = {
     {.className = "Super_mixer_top",
         .needs = kNeedsAll,
         .sampleChanges = kChangesChannelMask,
+        .surface = SurfaceWay::kSum,
         .keepsShaders = true,
         .rewritten = "fRange",
         .uncompared = "fLinearEdge"},
@@ -85,16 +89,20 @@ const Statement& StatementOf(const ParameterTable& table)
     return *found;
 }
 
-bool Names(std::string_view list, std::string_view field)
+bool HasWord(std::string_view list, std::string_view word)
 {
-    field = field.substr(0, field.find_first_of("[."));
     for (size_t start = 0; start < list.size();) {
         const size_t end = std::min(list.find(' ', start), list.size());
-        if (list.substr(start, end - start) == field)
+        if (list.substr(start, end - start) == word)
             return true;
         start = end + 1;
     }
     return false;
+}
+
+bool Names(std::string_view list, std::string_view field)
+{
+    return HasWord(list, field.substr(0, field.find_first_of("[.")));
 }
 
 } // namespace fernwick::validation

@@ -24,6 +24,14 @@ enum LeftResults : uint32_t {
     kLeavesVector = 8,
 };
 
+/// How a class fills a surface result. All its other fields stay as the caller has them.
+enum class SurfaceWay {
+    kAbsent,   ///< it offers none
+    kStraight, ///< with what the shader gives that it asks last: a surface, a colour or a grey
+    kPass,     ///< with the surface of a pass, or else all of it
+    kSum,      ///< all of it, or the colour alone with `fBypass`
+};
+
 /// What hosts and documents count on in a class, beside its record.
 struct Statement {
     std::string_view className;
@@ -31,6 +39,7 @@ struct Statement {
     bool trait = false;
     uint32_t sampleChanges = 0;
     uint32_t leftResults = 0;
+    SurfaceWay surface = SurfaceWay::kAbsent;
     bool keepsShaders = false;        ///< goes on with a shader whose slot was emptied
     std::string_view rewritten = "";  ///< fields written on a change that the table doesn't call derived
     std::string_view shadedInto = ""; ///< fields written while shading
@@ -39,6 +48,9 @@ struct Statement {
 };
 
 const Statement& StatementOf(const ParameterTable& table);
+
+/// Whether a list of words with spaces between them holds the word.
+bool HasWord(std::string_view list, std::string_view word);
 
 /// Whether a list such as "fRange fTemperature" names the field, an element of it or a field of its records.
 bool Names(std::string_view list, std::string_view field);

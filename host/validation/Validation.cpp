@@ -59,6 +59,7 @@ std::vector<Finding> RunOn(const Check& check, const Job& job, const ParameterTa
 {
     const auto inspect = [&](const Teller& teller, Activity& activity) {
         Inspection inspection(check, job, teller, activity);
+        inspection.Doing(std::string("checking ").append(check.name).c_str());
         inspection.Concerns(table);
         try {
             if (table == nullptr)
@@ -66,7 +67,7 @@ std::vector<Finding> RunOn(const Check& check, const Job& job, const ParameterTa
             else
                 check.onClass(inspection, *table);
         } catch (...) {
-            inspection.Found(TextOfException() + " while " + activity.text);
+            inspection.Found(FaultOfException(activity.text));
         }
     };
     return Inspection::Read(check, job, table, RunApart(inspect, job.timeLimit));
@@ -84,7 +85,7 @@ std::string LoadTrouble(const std::filesystem::path& library)
         try {
             const Subject subject(library);
         } catch (...) {
-            teller(TextOfException());
+            teller(FaultOfException(library.string() + ": loading"));
         }
     };
     const Ending ending = RunApart(load, kLimit);

@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <span>
 #include <string_view>
+#include <unistd.h>
 #ifdef __x86_64__
 #include <xmmintrin.h>
 #endif
@@ -152,30 +153,26 @@ public:
 };
 
 /// The colour waits in one place while the plugged shader answers.
-class SharedColorKey : public Key {
+template <class Place> class WaitingColorKey : public Key {
 public:
     float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) override
     {
-        static TMCColorRGBA gKeyColor;
-        gKeyColor = fParams.fKeyColor;
+        Place::gKeyColor = fParams.fKeyColor;
         const float coverage = Key::ShadeColor(color, fullArea, in);
-        color.fRed += gKeyColor.fRed - fParams.fKeyColor.fRed;
+        color.fRed += Place::gKeyColor.fRed - fParams.fKeyColor.fRed;
         return coverage;
     }
 };
 
-/// The same, a place for each thread.
-class ThreadColorKey : public Key {
-public:
-    float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) override
-    {
-        thread_local TMCColorRGBA gKeyColor;
-        gKeyColor = fParams.fKeyColor;
-        const float coverage = Key::ShadeColor(color, fullArea, in);
-        color.fRed += gKeyColor.fRed - fParams.fKeyColor.fRed;
-        return coverage;
-    }
+struct OnePlace {
+    static inline TMCColorRGBA gKeyColor;
 };
+using SharedColorKey = WaitingColorKey<OnePlace>;
+
+struct PlaceOfThread {
+    static inline thread_local TMCColorRGBA gKeyColor;
+};
+using ThreadColorKey = WaitingColorKey<PlaceOfThread>;
 
 /// What one object derives from its record serves all.
 class SharedLevelDrip : public Drip {
@@ -321,6 +318,80 @@ public:
     float ShadeVector(TVector3&, ShadingIn&) override { return 1; }
 };
 
+/// Of a plugged surface only the colours are handed on.
+class ColorsOnlyGray : public Gray {
+public:
+    int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
+    {
+        ShadingOut whole = result;
+        const int32_t produced = Gray::ShadeSurface(whole, in);
+        result.fColor = whole.fColor;
+        result.fSecondColor = whole.fSecondColor;
+        result.fThirdColor = whole.fThirdColor;
+        result.fFourthColor = whole.fFourthColor;
+        return produced;
+    }
+};
+
+/// What stays the caller's is told to be covered.
+class CoveringShift : public Coordinate_Shift {
+public:
+    int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
+    {
+        result.fCoverage = 1;
+        return Coordinate_Shift::ShadeSurface(result, in);
+    }
+};
+
+/// The same in a class that has no surface.
+class CoveringKey : public Key {
+public:
+    int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
+    {
+        result.fCoverage = 1;
+        return Key::ShadeSurface(result, in);
+    }
+};
+
+/// One field is left out of what a pass without a surface gives.
+class VectorlessManager : public MultiPassManager {
+public:
+    int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
+    {
+        const TVector3 before = result.fVectorChannel;
+        const int32_t produced = MultiPassManager::ShadeSurface(result, in);
+        result.fVectorChannel = before;
+        return produced;
+    }
+};
+
+/// The one colour of a bypass comes with a new surface.
+class ClearingMixer : public Super_mixer_top {
+public:
+    int32_t ShadeSurface(ShadingOut& result, ShadingIn& in) override
+    {
+        ShadingOut whole = result;
+        const int32_t produced = Super_mixer_top::ShadeSurface(whole, in);
+        if (produced != 0 && fParams.fBypass) {
+            const TMCColorRGBA color = whole.fColor;
+            whole.SetDefaults();
+            whole.fColor = color;
+        }
+        result = whole;
+        return produced;
+    }
+};
+
+/// Waits for what never comes.
+class WaitingKey : public Key {
+public:
+    int32_t SameParameters(I3DExShader*) override
+    {
+        for (;;)
+            pause();
+    }
+};
+
 /// All are the same.
 class SameKey : public Key {
 public:
@@ -430,6 +501,12 @@ constexpr Fault kFaults[] = {
     {"FlaglessKey", &Make<Key>, &Make<FlaglessKey>},
     {"ValuelessDrip", &Make<Drip>, &Make<ValuelessDrip>},
     {"VectorlessDrip", &Make<Drip>, &Make<VectorlessDrip>},
+    {"ColorsOnlyGray", &Make<Gray>, &Make<ColorsOnlyGray>},
+    {"CoveringShift", &Make<Coordinate_Shift>, &Make<CoveringShift>},
+    {"CoveringKey", &Make<Key>, &Make<CoveringKey>},
+    {"VectorlessManager", &Make<MultiPassManager>, &Make<VectorlessManager>},
+    {"ClearingMixer", &Make<Super_mixer_top>, &Make<ClearingMixer>},
+    {"WaitingKey", &Make<Key>, &Make<WaitingKey>},
     {"SameKey", &Make<Key>, &Make<SameKey>},
     {"ForgetfulDrip", &Make<Drip>, &Make<ForgetfulDrip>},
 #ifdef __x86_64__

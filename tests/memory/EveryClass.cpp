@@ -32,7 +32,7 @@ std::string LiveThrough(
                 return std::string(operation) + " answers two things";
         }
     }
-    return fuzz.IsLetGo() ? "" : "references are left over";
+    return fuzz.Held();
 }
 
 } // namespace

@@ -151,8 +151,8 @@ public:
         fLeft.Forget();
         fRight.Forget();
         for (FuzzCase& fuzz : cases)
-            if (!fuzz.IsLetGo())
-                return Differs("release", "references to shaders or the scene are left over");
+            if (const std::string held = fuzz.Held(); !held.empty())
+                return Differs("release", held);
         return true;
     }
 
