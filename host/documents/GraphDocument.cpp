@@ -1,4 +1,5 @@
 #include "host/documents/GraphDocument.h"
+#include "host/documents/GraphSequence.h"
 #include "host/documents/SceneReader.h"
 #include "host/files/RegularFile.h"
 #include "host/json/FieldReader.h"
@@ -7,41 +8,13 @@
 #include "host/parameters/Doubts.h"
 #include "host/sources/Sources.h"
 #include <algorithm>
-#include <cerrno>
 #include <fmt/format.h>
-#include <fstream>
-#include <system_error>
 
 namespace fernwick {
 
 namespace {
 
-constexpr size_t kDeepest = 256;        // shaders call each other as deep as they are plugged
-constexpr size_t kMostBytes = 64 << 20; // of a file
-
-/// All of a file, or of a pipe that ends.
-std::string TextOf(const std::filesystem::path& file)
-{
-    const auto fail = [&file](const std::string& reason) {
-        throw GraphError(fmt::format("{}: can't be read: {}", file.string(), reason));
-    };
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    std::error_code failure;
-    if (!stream || std::filesystem::is_directory(file, failure)) {
-        const int reason = errno;
-        const std::string other = WhyNoFile(file);
-        fail(other.empty() ? std::generic_category().message(reason) : other);
-    }
-    std::string text;
-    std::vector<char> piece(1 << 20);
-    while (stream.read(piece.data(), static_cast<std::streamsize>(piece.size())), stream.gcount() > 0) {
-        text.append(piece.data(), static_cast<size_t>(stream.gcount()));
-        if (text.size() > kMostBytes)
-            fail(fmt::format("it goes on behind {} MiB, and a graph is shorter", kMostBytes >> 20));
-    }
-    return text;
-}
+constexpr size_t kDeepest = 256; // shaders call each other as deep as they are plugged
 
 /// The table that `name` is the name of.
 template <class Tables, class TableOf>
@@ -133,13 +106,13 @@ std::vector<DocumentShader> Reordered(
     return sorted;
 }
 
-void MakeSource(DocumentShader& shader)
+void MakeSource(DocumentShader& shader, DocumentFiles& files)
 {
     const SourceKind* const kind = FindSource(shader.fTable->fName);
     if (kind == nullptr || &kind->fTable != shader.fTable)
         return;
     try {
-        shader.fSource = kind->fMake(shader.fSettings);
+        shader.fSource = files.MakeSource(*kind, shader.fSettings);
     } catch (const SourceError& error) {
         throw GraphError(Printable(fmt::format("{}.{}", shader.fName, error.what())));
     }
@@ -171,17 +144,16 @@ std::string TitleOf(const DocumentShader& shader, const void* record)
 
 GraphDocument GraphDocument::Read(const std::filesystem::path& file)
 {
-    const std::string text = TextOf(file);
-    try {
-        return Parse(text, std::filesystem::absolute(file).parent_path());
-    } catch (const GraphError& error) {
-        throw GraphError(fmt::format("{}: {}", file.string(), error.what()));
-    }
+    return GraphSequence(ReadGraphFile(file), file).At(kFirstFrame);
 }
 
 GraphDocument GraphDocument::Parse(const std::string& text, const std::filesystem::path& folder)
 {
-    const Json json = ParseJson(text);
+    return GraphSequence(ParseJson(text), "", folder).At(kFirstFrame);
+}
+
+GraphDocument GraphDocument::Make(const Json& json, const std::filesystem::path& folder, DocumentFiles& files)
+{
     const JsonNode root(json, "");
     root.RequireKeys({"$schema", "shaders", "output", "scene"});
     const auto shaders = root.Find("shaders");
@@ -217,9 +189,9 @@ GraphDocument GraphDocument::Parse(const std::string& text, const std::filesyste
         sorter.Add(place);
     document.fShaders = Reordered(read, sorter.Order());
     if (const auto scene = root.Find("scene"))
-        document.fScene = ReadScene(*scene, names, folder);
+        document.fScene = ReadScene(*scene, names, folder, files);
     for (DocumentShader& shader : document.fShaders)
-        MakeSource(shader);
+        MakeSource(shader, files);
     return document;
 }
 

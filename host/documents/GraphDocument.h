@@ -2,10 +2,13 @@
 #include "frame/IShellShader.h"
 #include "frame/MCCountedPtr.h"
 #include "host/json/GraphError.h"
+#include "host/json/ParseJson.h"
 #include "host/parameters/FieldValue.h"
 #include "host/scene/Scene.h"
 
 namespace fernwick {
+
+class DocumentFiles;
 
 /// One shader of a document.
 struct DocumentShader {
@@ -41,13 +44,17 @@ std::string TitleOf(const DocumentShader& shader, const void* record);
 /// takes the name of another shader; null or "" leaves it empty. A colour with alpha may go without it and is
 /// opaque then. Files are found from the document's folder. A key `$schema` is for editors, which find the schema
 /// of documents by it (see `GraphSchema`), and isn't read.
+/// Values may change over frames: see `Keys`.
 class GraphDocument {
 public:
-    /// Reads a file of at most 64 MiB. Throws `GraphError`, which names it.
+    /// Reads a file of at most 64 MiB, at the frame 1. Throws `GraphError`, which names it.
     static GraphDocument Read(const std::filesystem::path& file);
-    /// Reads a text. Throws `GraphError`.
+    /// Reads a text, at the frame 1. Throws `GraphError`.
     /// @param folder  where relative file names start
     static GraphDocument Parse(const std::string& text, const std::filesystem::path& folder);
+    /// Makes it of what is parsed, of one frame. Throws `GraphError`.
+    /// @param files  what is read already, or gets it
+    static GraphDocument Make(const Json& json, const std::filesystem::path& folder, DocumentFiles& files);
 
     /// All shaders, each behind those that it plugs in, and those that the output doesn't need behind the output.
     const std::vector<DocumentShader>& Shaders() const { return fShaders; }

@@ -1,4 +1,5 @@
 #include "host/documents/GraphSchema.h"
+#include "host/documents/Keys.h"
 #include "host/documents/SceneSchema.h"
 #include "host/sources/Sources.h"
 #include <algorithm>
@@ -8,9 +9,20 @@ namespace fernwick {
 
 namespace {
 
+/// A value, or keys for it.
+Json WithKeys(Json value, FieldType type)
+{
+    const Json keys = {{"$ref", ChangesInSteps(type) ? "#/$defs/stepKeys" : "#/$defs/keys"}};
+    if (!value.contains("anyOf"))
+        return {{"anyOf", {std::move(value), keys}}};
+    value["anyOf"].push_back(keys);
+    return value;
+}
+
 Json Numbers(const Json& number, size_t least, size_t most)
 {
-    return {{"type", "array"}, {"items", number}, {"minItems", least}, {"maxItems", most}};
+    return {{"type", "array"}, {"items", WithKeys(number, FieldType::kFloat)}, {"minItems", least},
+        {"maxItems", most}};
 }
 
 /// A choice by its label, or a code by its four characters; else by its number.
@@ -58,7 +70,7 @@ Json ValueSchema(const Field& field)
     case FieldType::kShader:
         return {{"type", {"string", "null"}}};
     case FieldType::kColors:
-        return {{"type", "array"}, {"items", Numbers(number, 3, 4)}};
+        return {{"type", "array"}, {"items", WithKeys(Numbers(number, 3, 4), FieldType::kRGBA)}};
     }
     return true;
 }
@@ -68,14 +80,15 @@ enum class Texts { kNone, kAll };
 
 Json FieldSchema(const Field& field, Texts texts)
 {
+    const Json value = WithKeys(ValueSchema(field), field.fType);
     if (texts == Texts::kNone)
-        return ValueSchema(field);
+        return value;
     Json schema = {{"title", field.fLabel}};
     std::string description = field.fUnit.empty() ? field.fHelp : field.fHelp + " In " + field.fUnit + '.';
     if (field.fIsLoose)
         description += " Expected: " + RangeText(field) + '.';
     schema["description"] = description;
-    schema.update(ValueSchema(field));
+    schema.update(value);
     return schema;
 }
 
@@ -125,9 +138,12 @@ private:
         size_t count = 0;
         while (IsKnown(fmt::format("{}[{}]", address, count)))
             ++count;
-        if (count > 0)
-            return {{"type", "array"}, {"items", SchemaOf(address + "[0]", Texts::kNone)},
-                {"minItems", count}, {"maxItems", count}};
+        if (count > 0) {
+            const Json items = SchemaOf(address + "[0]", Texts::kNone);
+            const Json all = {{"type", "array"}, {"items", items}, {"minItems", count}, {"maxItems", count}};
+            const Field* const first = FieldNear(fTable, address);
+            return first != nullptr ? WithKeys(all, first->fType) : all; // nothing of records
+        }
         return {{"type", "object"}, {"properties", Properties(address + ".", texts)},
             {"additionalProperties", false}};
     }

@@ -1,5 +1,4 @@
 #include "host/documents/SceneReader.h"
-#include "host/documents/SceneFile.h"
 #include "host/geometry/Mesh.h"
 #include "host/geometry/Primitives.h"
 #include "host/json/Nearest.h"
@@ -164,7 +163,9 @@ CameraDescription ReadCamera(const JsonNode& node)
 /// Reads scenes, with what they refer to at hand.
 class Reader {
 public:
-    Reader(const ShaderNames& names, const std::filesystem::path& folder) : fNames(names), fFolder(folder) { }
+    Reader(const ShaderNames& names, const std::filesystem::path& folder, DocumentFiles& files)
+        : fNames(names), fFolder(folder), fFiles(files)
+    { }
 
     SceneDescription Read(const JsonNode& node) const
     {
@@ -195,11 +196,12 @@ public:
 private:
     const ShaderNames& fNames;
     const std::filesystem::path& fFolder;
+    DocumentFiles& fFiles;
 
     void ReadFile(const JsonNode& node, SceneDescription& scene) const
     {
         try {
-            SceneFile file = ReadSceneFile(fFolder / std::filesystem::path(node.Name()));
+            SceneFile file = fFiles.ReadScene(fFolder / std::filesystem::path(node.Name()));
             scene.fElements = std::move(file.fElements);
             scene.fNotices = std::move(file.fNotices);
         } catch (const SceneFileError& error) {
@@ -331,9 +333,9 @@ private:
 } // namespace
 
 SceneDescription ReadScene(
-    const JsonNode& node, const ShaderNames& names, const std::filesystem::path& folder)
+    const JsonNode& node, const ShaderNames& names, const std::filesystem::path& folder, DocumentFiles& files)
 {
-    return Reader(names, folder).Read(node);
+    return Reader(names, folder, files).Read(node);
 }
 
 } // namespace fernwick

@@ -1,4 +1,5 @@
 #pragma once
+#include "host/documents/DocumentFiles.h"
 #include "host/json/FieldReader.h"
 #include "host/scene/Scene.h"
 
@@ -26,7 +27,8 @@ namespace fernwick {
 ///
 /// @param names   the shaders of the document
 /// @param folder  where relative file names start
-SceneDescription ReadScene(
-    const JsonNode& node, const ShaderNames& names, const std::filesystem::path& folder);
+/// @param files   what is read already, or gets it
+SceneDescription ReadScene(const JsonNode& node, const ShaderNames& names,
+    const std::filesystem::path& folder, DocumentFiles& files);
 
 } // namespace fernwick

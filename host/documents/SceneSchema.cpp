@@ -5,18 +5,47 @@ namespace fernwick {
 namespace {
 
 constexpr const char* kDefinitions = R"({
-    "vector3": {"type": "array", "items": {"type": "number"}, "minItems": 3, "maxItems": 3},
-    "length": {"type": "number", "exclusiveMinimum": 0},
-    "span": {"type": "array", "items": {"type": "number", "minimum": 0}, "minItems": 2, "maxItems": 2},
+    "keys": {
+        "description": "A value that changes from frame to frame. It holds before the first key and behind the last.",
+        "type": "object",
+        "properties": {
+            "keys": {"description": "A frame and the value there, each.", "type": "array", "minItems": 1,
+                "items": {"type": "array", "prefixItems": [{"type": "number"}, {"type": ["number", "array"]}],
+                    "minItems": 2, "maxItems": 2}},
+            "between": {"description": "How it gets from key to key: evenly, with a gentle start and stop, or at once.",
+                "enum": ["linear", "smooth", "step"]}
+        },
+        "required": ["keys"],
+        "additionalProperties": false
+    },
+    "stepKeys": {
+        "description": "A value that changes at once at some frames. It holds outside the keys.",
+        "type": "object",
+        "properties": {
+            "keys": {"description": "A frame and the value from there on, each.", "type": "array", "minItems": 1,
+                "items": {"type": "array", "prefixItems": [{"type": "number"},
+                    {"type": ["number", "boolean", "string", "null", "array"]}], "minItems": 2, "maxItems": 2}},
+            "between": {"const": "step"}
+        },
+        "required": ["keys"],
+        "additionalProperties": false
+    },
+    "number": {"anyOf": [{"type": "number"}, {"$ref": "#/$defs/keys"}]},
+    "vector3": {"anyOf": [{"type": "array", "items": {"$ref": "#/$defs/number"}, "minItems": 3, "maxItems": 3},
+        {"$ref": "#/$defs/keys"}]},
+    "length": {"anyOf": [{"type": "number", "exclusiveMinimum": 0}, {"$ref": "#/$defs/keys"}]},
+    "span": {"anyOf": [{"type": "array", "items": {"anyOf": [{"type": "number", "minimum": 0},
+        {"$ref": "#/$defs/keys"}]}, "minItems": 2, "maxItems": 2}, {"$ref": "#/$defs/keys"}]},
     "name": {"type": "string", "minLength": 1, "maxLength": 255},
     "position": {"$ref": "#/$defs/vector3", "description": "In the parent's coordinates, in scene units."},
     "rotation": {"$ref": "#/$defs/vector3", "description": "Degrees about the parent's X, then Y, then Z axis."},
     "lookAt": {"$ref": "#/$defs/vector3",
         "description": "Instead of a rotation: the point of the parent that the -Z axis aims at."},
     "hotPoint": {"$ref": "#/$defs/vector3", "description": "Offset from the element's origin."},
-    "shaderName": {"$ref": "#/$defs/name",
+    "shaderName": {"anyOf": [{"$ref": "#/$defs/name"}, {"$ref": "#/$defs/stepKeys"}],
         "description": "The shader of its shape and of what lies below it; without any, the output of the graph."},
-    "shading": {"enum": ["plain", "lit"], "description": "The colour as it is, or under a lamp beside the camera."},
+    "shading": {"anyOf": [{"enum": ["plain", "lit"]}, {"$ref": "#/$defs/stepKeys"}],
+        "description": "The colour as it is, or under a lamp beside the camera."},
     "shape": {
         "description": "A shape with exact curvature.",
         "type": "object",
@@ -28,11 +57,13 @@ constexpr const char* kDefinitions = R"({
             {"properties": {"kind": {"const": "torus"}, "radius": {"$ref": "#/$defs/length"},
                 "tube": {"$ref": "#/$defs/length"}}, "additionalProperties": false},
             {"properties": {"kind": {"const": "saddle"}, "size": {"$ref": "#/$defs/length"},
-                "height": {"type": "number"}}, "additionalProperties": false},
-            {"properties": {"kind": {"const": "plane"}, "size": {"type": "array",
-                "items": {"$ref": "#/$defs/length"}, "minItems": 2, "maxItems": 2}}, "additionalProperties": false},
-            {"properties": {"kind": {"const": "box"}, "size": {"type": "array",
-                "items": {"$ref": "#/$defs/length"}, "minItems": 3, "maxItems": 3}}, "additionalProperties": false}
+                "height": {"$ref": "#/$defs/number"}}, "additionalProperties": false},
+            {"properties": {"kind": {"const": "plane"}, "size": {"anyOf": [{"type": "array",
+                "items": {"$ref": "#/$defs/length"}, "minItems": 2, "maxItems": 2},
+                {"$ref": "#/$defs/keys"}]}}, "additionalProperties": false},
+            {"properties": {"kind": {"const": "box"}, "size": {"anyOf": [{"type": "array",
+                "items": {"$ref": "#/$defs/length"}, "minItems": 3, "maxItems": 3},
+                {"$ref": "#/$defs/keys"}]}}, "additionalProperties": false}
         ]
     },
     "light": {
@@ -41,7 +72,7 @@ constexpr const char* kDefinitions = R"({
         "properties": {
             "kind": {"enum": ["point", "spot", "distant"]},
             "color": {"$ref": "#/$defs/vector3"},
-            "brightness": {"type": "number"},
+            "brightness": {"$ref": "#/$defs/number"},
             "range": {"$ref": "#/$defs/span",
                 "description": "Where the light begins to fade and where it ends, in scene units."},
             "cone": {"$ref": "#/$defs/span",
@@ -58,7 +89,8 @@ constexpr const char* kDefinitions = R"({
     "camera": {
         "description": "A camera along the -Z axis, with Y up.",
         "type": "object",
-        "properties": {"fieldOfView": {"type": "number", "minimum": 1, "maximum": 170,
+        "properties": {"fieldOfView": {
+            "anyOf": [{"type": "number", "minimum": 1, "maximum": 170}, {"$ref": "#/$defs/keys"}],
             "description": "Degrees from the lower to the upper edge."}},
         "additionalProperties": false
     },
@@ -100,7 +132,8 @@ constexpr const char* kScene = R"({
                     "additionalProperties": false}
             ]}
         },
-        "camera": {"$ref": "#/$defs/name", "description": "The name of the element that the rendering runs from."},
+        "camera": {"anyOf": [{"$ref": "#/$defs/name"}, {"$ref": "#/$defs/stepKeys"}],
+            "description": "The name of the element that the rendering runs from."},
         "background": {"$ref": "#/$defs/vector3",
             "description": "Red, green and blue in linear light; without it the background is transparent."},
         "shaded": {

@@ -78,6 +78,16 @@ TEST_F(SchemaTest, AgreesWithTheReaderAboutExamplesAndMistakes)
         element(R"("shape": {"kind": "plane", "size": [1, 2]}, "light": {"range": [0, 1]})"),
         element(R"("shape": {"kind": "saddle", "height": -1}, "light": {"kind": "spot", "cone": [1, 2]})"),
         element(R"("shape": {"kind": "box", "size": [1, 2, 3]}, "camera": {"fieldOfView": 170})"),
+        shader(R"("class": "Key", "fMode": {"keys": [[1, "KEYM"], [2, 17]], "between": "step"},
+            "fRedRange": {"keys": [[1, [0, 1]]], "between": "smooth"}, "fGreenRange": [0, {"keys": [[0.5, 1]]}],
+            "fSubShader": {"keys": [[1, "b"], [2, null]]}, "fKeyColor": {"keys": [[-1, [0, 1, 0]]]})"),
+        shader(R"("class": "Weave", "fPattern[1]": {"keys": [[1, [true, true, false, true, true]]]})"),
+        shader(R"("source": "gradient", "colors": [[1, 1, 1], {"keys": [[1, [0, 0, 0, 0]]]}])"),
+        element(
+            R"("position": {"keys": [[1, [0, 0, 0]], [2, [0, 1, 0]]]}, "rotation": [0, {"keys": [[1, 0]]}, 0],
+            "shape": {"kind": "sphere", "radius": {"keys": [[1, 1]]}}, "shading": {"keys": [[1, "lit"]]},
+            "light": {"color": {"keys": [[1, [1, 1, 1]]]}, "range": {"keys": [[1, [1, 2]]]}},
+            "camera": {"fieldOfView": {"keys": [[1, 40]], "between": "linear"}}, "shader": {"keys": [[1, "a"]]})"),
     };
     const std::vector<std::string> wrong = {
         R"({"shaders": {"a": {"source": "color"}}})",
@@ -112,6 +122,14 @@ TEST_F(SchemaTest, AgreesWithTheReaderAboutExamplesAndMistakes)
         shader(R"("source": "checker", "countU": 0)"),
         shader(R"("source": "checker", "countU": 1.5)"),
         shader(R"("source": "ramp", "along": 2)"),
+        shader(R"("class": "Key", "fMode": {"keys": [[1, "KEYM"]], "between": "linear"})"),
+        shader(R"("source": "value", "value": {"keys": []})"),
+        shader(R"("source": "value", "value": {"keys": [[1]]})"),
+        shader(R"("source": "value", "value": {"keys": [[1, 2]], "over": "all"})"),
+        shader(R"("source": "value", "value": {"keys": [["1", 2]]})"),
+        shader(R"("class": {"keys": [[1, "Key"]]})"),
+        element(R"("light": {"kind": {"keys": [[1, "spot"]]}})"),
+        scene(R"("shaded": {"name": {"keys": [[1, "b"]]}})"),
     };
     std::string read(files.size(), '1');
     std::vector<std::string> documents = right;

@@ -1,0 +1,33 @@
+#pragma once
+#include "host/documents/SceneFile.h"
+#include "host/sources/Sources.h"
+#include <map>
+
+namespace fernwick {
+
+/// What the files that a document names hold, read once and kept for as long as each frame asks for it.
+class DocumentFiles {
+public:
+    /// Begins a frame: what the last one didn't ask for is forgotten.
+    void BeginFrame();
+
+    /// The same as `ReadSceneFile`.
+    SceneFile ReadScene(const std::filesystem::path& file);
+    /// A source of the settings, the same object for the same settings. Throws `SourceError`.
+    MCCountedPtr<IShellShader> MakeSource(const SourceKind& kind, std::span<const FieldSetting> settings);
+
+private:
+    /// Things by what they are made of.
+    template <class Thing> struct Kept {
+        std::map<std::string, Thing> now;    ///< asked for in this frame
+        std::map<std::string, Thing> before; ///< only in the last one
+
+        void BeginFrame();
+        template <class Make> const Thing& Get(const std::string& key, const Make& make);
+    };
+
+    Kept<SceneFile> fScenes;
+    Kept<MCCountedPtr<IShellShader>> fSources;
+};
+
+} // namespace fernwick
