@@ -73,12 +73,12 @@ float Proximity::DistanceToGroup(const MCCountedPtr<IScene>& scene) const
         Query(*group, IID_ITreeElement, root);
 
     float best = kFarAway;
+    const std::string_view target = fTargetNameCopy.View();
     TMCStringOf<1023> name;
     TreeWalker walker(root.Get());
     for (ITreeElement* tree = walker.First(); tree != nullptr; tree = walker.Next()) {
         tree->GetName(name);
-        name.Truncate(static_cast<uint32_t>(fTargetNameLength));
-        if (!(name == fTargetNameCopy))
+        if (!name.View().starts_with(target))
             continue;
         const float distance = DistanceTo(*tree);
         if (best > distance)

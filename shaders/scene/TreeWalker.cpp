@@ -1,5 +1,6 @@
 #include "shaders/scene/TreeWalker.h"
 #include <bit>
+#include <utility>
 
 ITreeElement* TreeWalker::First()
 {
@@ -17,27 +18,27 @@ ITreeElement* TreeWalker::Next()
     MCCountedPtr<ITreeElement> next;
     fCurrent->GetFirstChild(next.Address());
     if (next) {
-        GoTo(next);
+        GoTo(std::move(next));
         ++fDepth;
         return Visit();
     }
     while (fCurrent != nullptr && fCurrent != fRoot && fDepth > 0) {
         fCurrent->GetNextSibling(next.Address());
         if (next) {
-            GoTo(next);
+            GoTo(std::move(next));
             return Visit();
         }
         fCurrent->GetParent(next.Address());
-        GoTo(next);
+        GoTo(std::move(next));
         --fDepth;
     }
     return fCurrent = nullptr;
 }
 
-void TreeWalker::GoTo(const MCCountedPtr<ITreeElement>& tree)
+void TreeWalker::GoTo(MCCountedPtr<ITreeElement>&& tree)
 {
-    fHeld[fTurn] = tree;
     fCurrent = tree.Get();
+    fHeld[fTurn] = std::move(tree);
 }
 
 /// Gives the current element out, unless it is the mark again, which a sound tree never comes to. The mark moves up each

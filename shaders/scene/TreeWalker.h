@@ -34,6 +34,6 @@ private:
     MCCountedPtr<ITreeElement> fHeld[2];
     uint32_t fTurn = 0;
 
-    void GoTo(const MCCountedPtr<ITreeElement>& tree);
+    void GoTo(MCCountedPtr<ITreeElement>&& tree);
     ITreeElement* Visit();
 };
