@@ -1,5 +1,5 @@
 #include "host/documents/GraphSequence.h"
-#include "host/library/RegularFile.h"
+#include "host/files/RegularFile.h"
 #include <cerrno>
 #include <fmt/format.h>
 #include <fstream>
