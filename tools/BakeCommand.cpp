@@ -1,5 +1,7 @@
 #include "tools/BakeOptions.h"
 #include "tools/Commands.h"
+#include "tools/GraphOptions.h"
+#include "tools/GroundDocument.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 #include "tools/Tell.h"
@@ -20,10 +22,12 @@ Examples:
   fernwick bake examples/key.json --output alpha -o mask.exr
   fernwick bake examples/weave-rounded.json --lit --samples 4 -o cloth.png
   fernwick bake examples/weave-rounded.json --output normal --directx -o bump.png
-  fernwick bake examples/weave-rounded.json --outputs color,normal,alpha -o maps/cloth.{output}.png)";
+  fernwick bake examples/weave-rounded.json --outputs color,normal,alpha -o maps/cloth.{output}.png
+  fernwick bake examples/drip-ripple.json --set fWaves=9 --output value -o ripple.png
+  fernwick bake examples/ripple-sequence.json --frames 1-24 -o ripple.####.png)";
 
 struct BakeCommandOptions {
-    std::string graph;
+    GraphOptions graph;
     std::string library;
     BakeOptions bake;
 };
@@ -31,13 +35,30 @@ struct BakeCommandOptions {
 void RunBake(const BakeCommandOptions& options)
 {
     RequireSense(options.bake);
-    RequireTarget(options.bake);
+    const std::vector<Shot> shots = ShotsOf(options.graph, options.bake.picture.file);
+    const auto optionsOf = [&options](const Shot& shot) {
+        BakeOptions bake = options.bake;
+        bake.picture.file = shot.file;
+        return bake;
+    };
+    for (const Shot& shot : shots)
+        RequireTarget(optionsOf(shot));
     WatchForInterrupt();
-    const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
-    TellDoubts(document);
+    const auto graph = OpenGraph(options.graph);
+    const auto ground = options.bake.over.empty() ? nullptr : MakeGround(options.bake.over);
+    TellAlike(shots, graph->HasKeys() || (ground && ground->HasKeys()));
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
-    BakeToFile(library, reports, document, options.bake, options.graph);
+    ForEachShot(shots, [&](const Shot& shot) {
+        const fernwick::GraphDocument document = graph->At(shot.frame);
+        if (shot.isFirst)
+            TellDoubts(document);
+        std::optional<fernwick::GraphDocument> under;
+        if (ground)
+            under = ground->At(shot.frame);
+        BakeToFile(
+            library, reports, document, under ? &*under : nullptr, optionsOf(shot), shot.label, shot.isFirst);
+    });
 }
 
 } // namespace
@@ -46,11 +67,9 @@ void AddBakeCommand(CLI::App& app)
 {
     const auto options = std::make_shared<BakeCommandOptions>();
     CLI::App& command = *app.add_subcommand("bake", "Shades the UV square with a graph into a picture.");
-    command.add_option("graph", options->graph, "The graph of shaders, a JSON file")
-        ->required()
-        ->type_name("FILE");
+    AddGraphOptions(command, options->graph);
     AddBakeOptions(command, options->bake);
     AddLibraryOption(command, options->library);
-    command.footer(std::string(kIntroduction) + kChannelHelp + kExamples);
+    command.footer(std::string(kIntroduction) + kFramesHelp + "\n\n" + kChannelHelp + kExamples);
     command.callback([options] { RunBake(*options); });
 }

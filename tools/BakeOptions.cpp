@@ -3,12 +3,10 @@
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/PictureDoubts.h"
-#include "tools/ShadeDocument.h"
 #include "tools/ShownJob.h"
 #include <algorithm>
 #include <deque>
 #include <fmt/core.h>
-#include <optional>
 
 namespace {
 
@@ -166,14 +164,12 @@ void RequireTarget(const BakeOptions& options)
 }
 
 void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
-    const BakeOptions& options, const std::string& name)
+    const fernwick::GraphDocument* ground, const BakeOptions& options, const std::string& name, bool isFirst)
 {
     fernwick::BakeJob job = JobOf(options);
     WithName(name, [&] { RequireChannels(library, document, job.channels); });
-    std::optional<fernwick::GraphDocument> ground;
-    if (!options.over.empty()) {
-        ground = MakeGroundDocument(options.over);
-        job.ground = &*ground;
+    if (ground != nullptr) {
+        job.ground = ground;
         std::vector<fernwick::BakeChannel> channels;
         for (const fernwick::BakeChannel channel : job.channels)
             if (HasGround(channel))
@@ -194,7 +190,8 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
                 files[i].Add(band.fPictures[i]);
         });
     });
-    doubts.TellEmptySlots(document);
+    if (isFirst)
+        doubts.TellEmptySlots(document);
     for (BakedFile& file : files)
         file.Finish();
 }

@@ -35,6 +35,9 @@ void RequireTarget(const BakeOptions& options);
 
 /// Bakes a document into the picture files, with a progress bar. Throws `Interrupted`, and whatever `fernwick::Bake`
 /// throws, with `name` before it.
-/// @param name  what users call the document
+/// @param ground   what `--over` names; null for nothing
+/// @param name     what users call the document
+/// @param isFirst  of its frames: it is told when the pictures are empty
 void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
-    const BakeOptions& options, const std::string& name);
+    const fernwick::GraphDocument* ground, const BakeOptions& options, const std::string& name,
+    bool isFirst = true);

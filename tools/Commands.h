@@ -17,7 +17,9 @@ public:
 };
 
 /// Thrown by a job that Ctrl-C stopped.
-struct Interrupted { };
+struct Interrupted {
+    size_t written = 0; ///< pictures that are whole
+};
 
 void AddListCommand(CLI::App& app);
 void AddDescribeCommand(CLI::App& app);

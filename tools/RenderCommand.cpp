@@ -1,17 +1,20 @@
-#include "host/documents/GraphDocument.h"
 #include "host/library/Library.h"
+#include "host/pictures/Strip.h"
 #include "tools/Commands.h"
+#include "tools/GraphOptions.h"
 #include "tools/LibraryOption.h"
 #include "tools/PictureDoubts.h"
 #include "tools/PictureOptions.h"
 #include "tools/ShownJob.h"
 #include "tools/Tell.h"
 
+#include <fmt/format.h>
+
 namespace {
 
 constexpr int kMostSamples = 4096;
 
-constexpr const char* kFooter =
+constexpr const char* kIntroduction =
     R"(The scene of the graph says what there is: a file, shapes, lights and cameras, and which element gets which
 shader; elements without one get the output. Colours are shown as they are, or, on elements whose shading is "lit",
 under a lamp beside the camera. What lies behind a surface shows by its alpha.
@@ -19,38 +22,86 @@ under a lamp beside the camera. What lies behind a surface shows by its alpha.
 An .exr holds the picture, its colours multiplied by the alpha. With --layers it holds channels of the surfaces too, such
 as second.R or normal.X.
 
+)";
+
+constexpr const char* kExamples = R"(
+
 Examples:
   fernwick render examples/spot-room.json -o room.png
   fernwick render examples/spot-room.json --camera Side --size 640x480 --samples 16 -o room.exr
   fernwick render examples/spot-room.json --layers normal,second --bits 16 -o layers.exr
-  fernwick render examples/spot-room.json --size 8192x8192 --region 0,0,8192,1024 -o top.exr)";
+  fernwick render examples/spot-room.json --size 8192x8192 --region 0,0,8192,1024 -o top.exr
+  fernwick render examples/ripple-sequence.json --frames 1-24 -o ripple.####.png)";
 
 struct RenderOptions {
-    std::string graph;
+    GraphOptions graph;
+    bool isStrip = false;
     PictureOptions picture;
     std::string camera;
     int samples = 9;
     std::string library;
 };
 
-void RunRender(const RenderOptions& options)
+/// Throws when all frames side by side are wider than a picture can be.
+void RequireStrip(const PictureOptions& picture, size_t count)
 {
-    RequireTarget(options.picture);
-    fernwick::RenderJob job = RenderJobOf(options.picture, options.samples);
-    job.camera = options.camera;
-    const fernwick::GraphDocument document = fernwick::GraphDocument::Read(options.graph);
+    int width = 0;
+    int height = 0;
+    ReadSize(picture.size, width, height);
+    const size_t sum = count * static_cast<size_t>(width);
+    if (!ReadSize(fmt::format("{}x{}", sum, height), width, height))
+        throw UsageError(fmt::format(
+            "--strip: {} frames side by side are {} pixels wide, which no picture is", count, sum));
+    if (picture.layers != std::vector<std::string>{"none"})
+        throw UsageError("--strip: a strip has no layers; leave --layers out");
+}
+
+void TellBeforeWork(const fernwick::GraphDocument& document)
+{
     if (document.Scene())
         for (const std::string& notice : document.Scene()->fNotices)
             Tell(notice);
     TellDoubts(document);
+}
+
+void RunRender(const RenderOptions& options)
+{
+    const bool isStrip = options.isStrip;
+    const PictureOptions& picture = options.picture;
+    const std::vector<Shot> shots = ShotsOf(options.graph, picture.file, isStrip);
+    if (isStrip)
+        RequireStrip(picture, shots.size());
+    for (const Shot& shot : shots) {
+        PictureOptions target = picture;
+        target.file = shot.file;
+        RequireTarget(target);
+    }
+    fernwick::RenderJob job = RenderJobOf(picture, options.samples);
+    job.camera = options.camera;
+    const auto graph = OpenGraph(options.graph);
+    TellAlike(shots, graph->HasKeys());
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
-    const fernwick::Picture picture
-        = RunShown(job, reports, options.graph, [&] { return fernwick::Render(library, document, job); });
-    const PictureDoubts doubts(picture);
-    doubts.TellEmptySlots(document);
-    doubts.TellOddNumbers(options.picture.file, options.picture.layout);
-    picture.Save(options.picture.file, options.picture.layout, options.picture.threads);
+    const auto save = [&picture](const fernwick::Picture& made, const std::string& file) {
+        PictureDoubts(made).TellOddNumbers(file, picture.layout);
+        made.Save(file, picture.layout, picture.threads);
+    };
+    std::vector<fernwick::Picture> strip;
+    ForEachShot(shots, [&](const Shot& shot) {
+        const fernwick::GraphDocument document = graph->At(shot.frame);
+        if (shot.isFirst)
+            TellBeforeWork(document);
+        fernwick::Picture made
+            = RunShown(job, reports, shot.label, [&] { return fernwick::Render(library, document, job); });
+        if (shot.isFirst)
+            PictureDoubts(made).TellEmptySlots(document);
+        if (isStrip)
+            strip.push_back(std::move(made));
+        else
+            save(made, shot.file);
+    });
+    if (isStrip)
+        save(fernwick::SideBySide(strip), picture.file);
 }
 
 } // namespace
@@ -59,9 +110,9 @@ void AddRenderCommand(CLI::App& app)
 {
     const auto options = std::make_shared<RenderOptions>();
     CLI::App& command = *app.add_subcommand("render", "Renders the scene of a graph into a picture.");
-    command.add_option("graph", options->graph, "The graph of shaders with a scene, a JSON file")
-        ->required()
-        ->type_name("FILE");
+    AddGraphOptions(command, options->graph);
+    command.add_flag("--strip", options->isStrip, "Puts all frames side by side in one picture")
+        ->needs("--frames");
     AddPictureOptions(command, options->picture);
     AddLayersOption(command, options->picture);
     command
@@ -73,6 +124,6 @@ void AddRenderCommand(CLI::App& app)
         ->check(CLI::Range(1, kMostSamples).description(""))
         ->capture_default_str();
     AddLibraryOption(command, options->library);
-    command.footer(kFooter);
+    command.footer(std::string(kIntroduction) + kFramesHelp + kExamples);
     command.callback([options] { RunRender(*options); });
 }

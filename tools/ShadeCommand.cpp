@@ -1,5 +1,6 @@
 #include "tools/BakeOptions.h"
 #include "tools/Commands.h"
+#include "tools/GroundDocument.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 #include "tools/PictureDoubts.h"
@@ -135,10 +136,14 @@ void RunShade(ShadeOptions options)
         PrintStatisticsOf(library, reports, document, job);
     if (options.bake.picture.file.empty())
         return;
+    std::optional<fernwick::GraphDocument> ground;
+    if (!options.bake.over.empty())
+        ground = MakeGround(options.bake.over)->At(fernwick::kFirstFrame);
     if (options.settings.shape != kUVSquareShape)
         RenderToFile(library, reports, document, options);
     else
-        BakeToFile(library, reports, document, options.bake, options.settings.name);
+        BakeToFile(
+            library, reports, document, ground ? &*ground : nullptr, options.bake, options.settings.name);
 }
 
 } // namespace

@@ -20,7 +20,3 @@ const std::vector<std::string>& ShadeShapes();
 /// "Lamp", a "Camera" and a "Target", which they name unless told otherwise. Relative files are found from the current
 /// folder. Throws `UsageError`.
 fernwick::GraphDocument MakeShadeDocument(const ShadeSettings& settings);
-
-/// What lies under a picture: a source as `--plug` takes it, such as `checker` or `color:#f80`, else the graph in a
-/// file. Throws `UsageError` for a source that isn't one, and `fernwick::GraphError` for the file.
-fernwick::GraphDocument MakeGroundDocument(const std::string& over);

@@ -59,8 +59,9 @@ int Run(int argc, char** argv)
     } catch (const UsageError& error) {
         TellFailure(error);
         return kBadUsage;
-    } catch (const Interrupted&) {
-        Tell("stopped; nothing is written");
+    } catch (const Interrupted& stop) {
+        Tell(stop.written == 0 ? "stopped; nothing is written"
+                               : fmt::format("stopped; {} pictures are written", stop.written));
         return kInterrupted;
     } catch (const std::bad_alloc&) {
         Tell("there isn't enough memory");

@@ -88,9 +88,9 @@ public:
             return;
         fTable = nullptr;
         for (const auto& [key, value] : scene.items())
-            if (key == "nodes" && value.is_object()) // by names, of which any may be "keys"
+            if ((key == "nodes" || key == "materials") && value.is_object()) // a name may be "keys"
                 for (const auto& [name, look] : value.items())
-                    Find(look, "scene.nodes." + name);
+                    Find(look, fmt::format("scene.{}.{}", key, name));
             else
                 FindInMember(value, key, "scene");
     }

@@ -1,0 +1,35 @@
+#pragma once
+#include "host/json/JsonNode.h"
+#include "host/parameters/ParameterTable.h"
+
+// What `--set FIELD=VALUE` and `--plug FIELD=SOURCE` mean. All of it throws `UsageError`.
+
+/// A text with a sign of equality in it.
+struct Assignment {
+    std::string field;
+    std::string value;
+};
+
+/// @param example  of what the option takes, for texts
+Assignment Split(const std::string& text, const char* option, const char* example);
+
+/// A value as JSON, else the text as it is: `true`, `[0, 1]`, `KEYM`. What a label of a choice or a text looks like,
+/// such as `12`, is a text for a field of those; `#ff8800` is a colour.
+/// @param shader  what texts call the shader whose field is set
+fernwick::Json ValueOf(
+    const fernwick::ParameterTable& table, const Assignment& set, const std::string& shader);
+
+/// The source that a text such as `checker`, `ramp:v` or `color:#ff8800` describes.
+/// @param shader  what texts call it
+fernwick::Json SourceOf(const std::string& text, const char* option, const std::string& shader);
+
+/// Puts a member behind all others: of settings of the same field, the later one counts.
+void Put(fernwick::Json& object, const std::string& key, fernwick::Json value);
+
+/// How many slots an array of this name has; 0 when there is none.
+size_t CountSlots(const fernwick::ParameterTable& table, const std::string& name);
+
+/// Sends what `--set` and `--plug` take for each other to the right one. Unknown fields pass.
+/// @param shader  what texts call the shader of the table
+void RequireOption(
+    const fernwick::ParameterTable& table, const std::string& name, bool isPlug, const std::string& shader);

@@ -1,0 +1,184 @@
+#include "tools/GraphSettings.h"
+#include "host/documents/GraphSequence.h"
+#include "host/json/FieldReader.h"
+#include "host/json/Nearest.h"
+#include "tools/FieldSettings.h"
+#include "tools/Names.h"
+#include "tools/Tell.h"
+#include <filesystem>
+#include <fmt/format.h>
+#include <set>
+
+namespace {
+
+using fernwick::Json;
+using fernwick::ParameterTable;
+
+/// A field that the command line gives, and whose it is.
+struct Target {
+    std::string shader;
+    std::string field;
+
+    std::string Name() const { return shader + '.' + field; }
+};
+
+/// The table of a shader as the document describes it; null when that isn't right.
+const ParameterTable* TableOf(const Json& shader)
+{
+    for (const char* const key : {"class", "source"})
+        if (shader.is_object() && shader.contains(key) && shader[key].is_string())
+            return FindTable(shader[key].get<std::string>());
+    return nullptr;
+}
+
+/// A relative name of a file starts at the current folder, where the shell completes it.
+void MakeAbsolute(Json& file)
+{
+    if (file.is_string() && !file.get_ref<const std::string&>().empty())
+        file = std::filesystem::absolute(file.get<std::string>()).string();
+}
+
+/// Takes settings into the shaders of a document.
+class Setter {
+public:
+    Setter(Json& shaders, std::string output) : fShaders(shaders), fOutput(std::move(output)) { }
+
+    void Plug(const std::string& text)
+    {
+        const auto [address, value] = Split(text, "--plug", "drop.fSubShader=checker");
+        const Target target = FindTarget(address, "--plug");
+        const ParameterTable* const table = TableOf(fShaders[target.shader]);
+        if (table == nullptr)
+            return;
+        RequireOption(*table, target.field, true, target.shader);
+        TellTwice("--plug", target);
+        Json plugged = value;
+        if (!value.empty() && !fShaders.contains(value)) {
+            plugged = NewName(target.Name());
+            Json source = SourceOf(value, "--plug", target.Name());
+            if (source.contains("file"))
+                MakeAbsolute(source["file"]);
+            fShaders[plugged.get<std::string>()] = std::move(source);
+        }
+        const size_t count = CountSlots(*table, target.field);
+        Store("--plug", *table, target, count > 0 ? Json(std::vector(count, plugged)) : plugged);
+    }
+
+    void Set(const std::string& text)
+    {
+        const auto [address, value] = Split(text, "--set", "drop.fCount=8");
+        const Target target = FindTarget(address, "--set");
+        const ParameterTable* const table = TableOf(fShaders[target.shader]);
+        if (table == nullptr)
+            return;
+        RequireOption(*table, target.field, false, target.shader);
+        TellTwice("--set", target);
+        Json given = ValueOf(*table, {target.field, value}, "--set " + target.shader);
+        if (const fernwick::Field* const field = table->Find(target.field);
+            field != nullptr && field->fType == fernwick::FieldType::kFile)
+            MakeAbsolute(given);
+        Store("--set", *table, target, std::move(given));
+    }
+
+private:
+    Json& fShaders;
+    std::string fOutput;
+    std::set<std::string> fGiven; // names of fields
+
+    Target FindTarget(const std::string& address, const char* option) const
+    {
+        std::string found;
+        std::vector<std::string> names;
+        for (const auto& [name, shader] : fShaders.items()) {
+            names.push_back(name);
+            if (address.starts_with(name + '.') && name.size() >= found.size())
+                found = name;
+        }
+        if (!found.empty())
+            return {found, address.substr(found.size() + 1)};
+        const size_t dot = address.find('.');
+        const ParameterTable* const table = TableOf(fShaders[fOutput]);
+        const bool isOutputs
+            = table != nullptr && !table->AddressText(address.substr(0, address.find_first_of(".["))).empty();
+        if (dot == std::string::npos || isOutputs)
+            return {fOutput, address};
+        const std::string name = address.substr(0, dot);
+        throw UsageError(
+            fmt::format("{}: there is no shader \"{}\"{}", option, name, fernwick::NearestHint(name, names)));
+    }
+
+    /// A name that no shader has.
+    std::string NewName(std::string name) const
+    {
+        while (fShaders.contains(name))
+            name += '+';
+        return name;
+    }
+
+    void TellTwice(const char* option, const Target& target)
+    {
+        if (!fGiven.insert(target.Name()).second)
+            Tell(fmt::format("{} {} is given twice; the later one counts", option, target.Name()));
+    }
+
+    /// Stores what the field can take, and throws for what it can't.
+    void Store(const char* option, const ParameterTable& table, const Target& target, Json value)
+    {
+        fernwick::ShaderNames names;
+        for (const auto& [name, shader] : fShaders.items())
+            names.emplace(name, names.size());
+        const std::filesystem::path nowhere;
+        const Json first = AtFirstFrame(table, target.field, value);
+        const fernwick::JsonNode node(first, fmt::format("{} {}", option, target.Name()));
+        std::vector<fernwick::FieldSetting> ignored;
+        fernwick::FieldReader(table, names, nowhere).Read(target.field, node, ignored);
+        Put(fShaders[target.shader], target.field, std::move(value));
+    }
+
+    /// What a value that may be keyed is at first.
+    static Json AtFirstFrame(const ParameterTable& table, const std::string& field, const Json& value)
+    {
+        const char* const sort = fernwick::FindSource(table.fName) != nullptr ? "source" : "class";
+        const std::string given = "--set";
+        Json document = {{"shaders", {{given, {{sort, table.fName}, {field, value}}}}}};
+        fernwick::Keys(document).Store(fernwick::kFirstFrame);
+        return document["shaders"][given][field];
+    }
+};
+
+} // namespace
+
+void AddGraphSettings(CLI::App& command, GraphSettings& settings)
+{
+    command
+        .add_option("--set", settings.sets,
+            "Sets a field of a shader in the graph, of the output without NAME; to be given for each")
+        ->type_name("[NAME.]FIELD=VALUE")
+        ->allow_extra_args(false);
+    command
+        .add_option("--plug", settings.plugs,
+            "Plugs a source, or another shader of the graph, into a slot; to be given for each")
+        ->type_name("[NAME.]FIELD=SOURCE")
+        ->allow_extra_args(false);
+}
+
+void Apply(const GraphSettings& settings, Json& document)
+{
+    if (!document.is_object() || !document.contains("shaders") || !document.contains("output"))
+        return;
+    Json& shaders = document["shaders"];
+    const Json& output = document["output"];
+    if (!shaders.is_object() || !output.is_string() || !shaders.contains(output.get<std::string>()))
+        return;
+    try {
+        Setter setter(shaders, output.get<std::string>());
+        for (const std::string& plug : settings.plugs)
+            setter.Plug(plug);
+        for (const std::string& set : settings.sets)
+            setter.Set(set);
+    } catch (const fernwick::GraphError& error) {
+        throw UsageError(error.what());
+    } catch (const Json::exception&) {
+        throw UsageError("--set, --plug: a text isn't UTF-8");
+    }
+}
