@@ -66,7 +66,8 @@ GraphSequence::GraphSequence(Json document, const std::filesystem::path& file)
 
 GraphDocument GraphSequence::At(double frame)
 {
-    return Named(fName, [this, frame] {
+    const bool isOneOfMany = HasKeys() && !fName.empty();
+    return Named(isOneOfMany ? fmt::format("{}, frame {}", fName, frame) : fName, [this, frame] {
         fKeys.Store(frame);
         fFiles.BeginFrame();
         return GraphDocument::Make(fDocument, fFolder, fFiles);

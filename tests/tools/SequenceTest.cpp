@@ -78,7 +78,8 @@ TEST_F(SequenceTest, NotesAreToldOnceAndFramesThatAreDoneStay)
         R"({"shaders": {"a": {"source": "checker", "countU": )" + keyed + R"(}}, "output": "a"})");
     const Answer late = Run("bake late.json --frames 1-3 --size 4x4 -o late.#.png");
     EXPECT_EQ(late.status, 1);
-    EXPECT_THAT(late.error, HasSubstr("late.json: a.countU: expected an integer, 1 or more, got -1"));
+    EXPECT_THAT(
+        late.error, HasSubstr("late.json, frame 2: a.countU: expected an integer, 1 or more, got -1"));
     EXPECT_TRUE(std::filesystem::exists(fFolder / "late.1.png"));
 
     // Frames that take a while: what is whole when Ctrl-C comes, stays.

@@ -1,5 +1,4 @@
 #include "host/documents/GraphSequence.h"
-#include "host/sources/PictureSource.h"
 #include "tests/support/BakeText.h"
 #include "tests/support/Shell.h"
 
