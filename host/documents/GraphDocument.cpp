@@ -1,7 +1,7 @@
 #include "host/documents/GraphDocument.h"
 #include "host/documents/GraphSequence.h"
 #include "host/documents/SceneReader.h"
-#include "host/files/RegularFile.h"
+#include "host/documents/StandInLight.h"
 #include "host/json/FieldReader.h"
 #include "host/json/Nearest.h"
 #include "host/json/Printable.h"
@@ -118,6 +118,20 @@ void MakeSource(DocumentShader& shader, DocumentFiles& files)
     }
 }
 
+/// What shaders call the light that they look for.
+std::vector<std::string> LightNames(const std::vector<DocumentShader>& shaders)
+{
+    std::vector<std::string> names;
+    for (const DocumentShader& shader : shaders) {
+        std::string name;
+        for (const FieldSetting& setting : shader.fSettings)
+            if (setting.fField->fName == "fLightName")
+                name = std::get<std::string>(setting.fValue);
+        names.push_back(name);
+    }
+    return names;
+}
+
 } // namespace
 
 std::vector<size_t> PluggedIn(const DocumentShader& shader)
@@ -188,8 +202,10 @@ GraphDocument GraphDocument::Make(const Json& json, const std::filesystem::path&
     for (size_t place = 0; place < read.size(); ++place)
         sorter.Add(place);
     document.fShaders = Reordered(read, sorter.Order());
-    if (const auto scene = root.Find("scene"))
+    if (const auto scene = root.Find("scene")) {
         document.fScene = ReadScene(*scene, names, folder, files);
+        AddStandInLights(LightNames(document.fShaders), *document.fScene);
+    }
     for (DocumentShader& shader : document.fShaders)
         MakeSource(shader, files);
     return document;
