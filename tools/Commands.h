@@ -26,6 +26,7 @@ void AddDescribeCommand(CLI::App& app);
 void AddBakeCommand(CLI::App& app);
 void AddShadeCommand(CLI::App& app);
 void AddReferenceCommand(CLI::App& app);
+void AddSceneCommand(CLI::App& app);
 void AddPlotCommand(CLI::App& app);
 void AddRenderCommand(CLI::App& app);
 void AddValidateCommand(CLI::App& app);

@@ -54,7 +54,7 @@ CompletedValue CompletedValueOf(const CLI::Option& option)
     if (type == "SOURCE")
         return {.words = SourceNames(), .isFile = true};
     if (type == "SHAPE")
-        return {.words = ShadeShapes()};
+        return {.words = ShadeShapes(), .isFile = true};
     if (type == "PLOT")
         return {.words = Names(fernwick::AllPlots(), [](const auto& plot) { return plot.fName; })};
     if (type == "REGEX") // of the names of checks

@@ -21,9 +21,10 @@ constexpr const char* kIntroduction =
 --set names a field as graphs do (see `fernwick describe CLASS`). Its value is JSON or plain text: 0.5, [0, 1],
 true, KEYM or Mask for a choice, #ff8800 or 1,0.5,0 for a colour.
 
---on uv bakes the UV square; the other shapes are rendered, with --lit under a lamp. The scene has a light "Lamp"
-to the upper left, an element "Target" to the right and a "Camera" in front, which the classes that look for such
-take unless --set names another. Curvature and Corners have nothing to find on the flat square.
+--on uv bakes the UV square; the other shapes are rendered, with --lit under a lamp, and so are all meshes of a model
+as one shape, such as --on vase.obj, which fills the picture. The scene has a light "Lamp" to the upper left, an
+element "Target" to the right and a "Camera" in front, which the classes that look for such take unless --set names
+another. Curvature and Corners have nothing to find on the flat square.
 
 Sources for --plug:
   checker, ramp, ...  a source of `fernwick list` with its defaults
@@ -47,6 +48,7 @@ Examples:
   fernwick shade Key --set fMode=KEYA --set 'fRedRange=[-100,0]' --plug fSubShader=ramp -o key.png
   fernwick shade Weave --plug fWarpSubShader=color:#c83c14 --plug fWeftSubShader=ramp -o cloth.png
   fernwick shade Iridescent --on torus -o bands.png
+  fernwick shade Weave --lit --on examples/pebble.obj -o pebble.png
   fernwick shade Gray --plug fSubShader=color:#ff8800 --print 0.5,0.5
   fernwick shade Weave --stats --size 256x256)";
 
@@ -125,6 +127,8 @@ void RunShade(ShadeOptions options)
     options.settings.isLit = options.bake.isLit;
     const fernwick::BakeJob job = JobOf(options.bake);
     const fernwick::GraphDocument document = MakeShadeDocument(options.settings);
+    for (const std::string& notice : document.Scene()->fNotices)
+        Tell(notice);
     TellDoubts(document);
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
@@ -163,9 +167,9 @@ void AddShadeCommand(CLI::App& app)
         ->allow_extra_args(false);
     command
         .add_option("--on", options->settings.shape,
-            "What is shaded: " + fmt::format("{}", fmt::join(ShadeShapes(), ", ")))
+            "What is shaded: " + fmt::format("{}, or a model in a file", fmt::join(ShadeShapes(), ", ")))
         ->type_name("SHAPE")
-        ->check(CLI::IsMember(ShadeShapes()).description(""))
+        ->check(CheckShape)
         ->capture_default_str();
     AddBakeOptions(command, options->bake).required(false);
     AddLayersOption(command, options->bake.picture);

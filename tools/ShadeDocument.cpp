@@ -1,8 +1,11 @@
 #include "tools/ShadeDocument.h"
+#include "host/json/Nearest.h"
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/FieldSettings.h"
 #include "tools/Names.h"
+#include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
 
 namespace {
@@ -44,6 +47,14 @@ constexpr NamedShape kShapes[] = {
     {"saddle", R"({"rotation": [-42, 25, 0], "shape": {"kind": "saddle", "size": 3.6, "height": 1.2}})"},
 };
 
+/// All of a model, as wide as the others.
+Json ModelOf(const std::string& file)
+{
+    constexpr double kRadius = 2.4;
+    return {{"shape",
+        {{"kind", "model"}, {"file", std::filesystem::absolute(file).string()}, {"radius", kRadius}}}};
+}
+
 /// Shape, light, target and camera around the middle of the UV square, or four times as large around the origin.
 Json SceneOf(const std::string& shape, bool isLit)
 {
@@ -59,9 +70,10 @@ Json SceneOf(const std::string& shape, bool isLit)
     Json elements = Json::array({element({{"light", light}}, "Lamp", -0.8, 0.8, 0.8),
         element(Json::object(), "Target", 0.5, 0.5, 0.3),
         element({{"camera", {{"fieldOfView", 38}}}}, "Camera", 0, 0, 2)});
-    for (const NamedShape& row : kShapes)
-        if (row.name == shape)
-            elements.push_back(element(Json::parse(row.element), "Shape", 0, 0, 0));
+    const auto named = std::find_if(std::begin(kShapes), std::end(kShapes),
+        [&shape](const NamedShape& row) { return row.name == shape; });
+    elements.push_back(
+        element(named != std::end(kShapes) ? Json::parse(named->element) : ModelOf(shape), "Shape", 0, 0, 0));
     elements.back()["shading"] = isLit ? "lit" : "plain";
     return {{"elements", elements}, {"camera", "Camera"}, {"background", {0.05, 0.06, 0.08}}};
 }
@@ -120,12 +132,26 @@ const std::vector<std::string>& ShadeShapes()
     return names;
 }
 
+std::string CheckShape(const std::string& shape)
+{
+    const std::vector<std::string>& shapes = ShadeShapes();
+    std::error_code ignored;
+    if (std::find(shapes.begin(), shapes.end(), shape) != shapes.end()
+        || std::filesystem::exists(shape, ignored))
+        return "";
+    return fmt::format("there is no shape or model \"{}\"{}; shapes are {}", shape,
+        fernwick::NearestHint(shape, shapes), fmt::join(shapes, ", "));
+}
+
 fernwick::GraphDocument MakeShadeDocument(const ShadeSettings& settings)
 {
     try {
         return fernwick::GraphDocument::Parse(DocumentOf(settings).dump(), "");
     } catch (const fernwick::GraphError& error) {
-        throw UsageError(error.what());
+        const std::string text = error.what();
+        if (text.starts_with("scene.")) // only the model of --on can fail there
+            throw fernwick::GraphError("--on" + text.substr(text.find(": ")));
+        throw UsageError(text);
     } catch (const Json::exception&) {
         throw UsageError("--set, --plug: a text isn't UTF-8");
     }

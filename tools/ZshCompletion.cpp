@@ -36,9 +36,9 @@ _fernwick_plug() {{
     fi
 }}
 
-# A source, or a graph.
-_fernwick_source() {{
-    compadd -- {1}
+# One of the words, or a file.
+_fernwick_word_or_file() {{
+    compadd -- "$@"
     _files
 }}
 
@@ -83,7 +83,8 @@ std::string Action(const CompletedValue& value)
         return "_fernwick_plug";
     if (value.words.empty())
         return value.isFile ? "_files" : " ";
-    return value.isFile ? "_fernwick_source" : '(' + WordList(value.words) + ')';
+    const std::string words = WordList(value.words);
+    return value.isFile ? " _fernwick_word_or_file " + words : '(' + words + ')';
 }
 
 /// An option as zsh takes it, such as `'(-o --picture)'{-o,--picture}'[The picture]:FILE:_files' `.

@@ -41,6 +41,7 @@ int Run(int argc, char** argv)
     AddReferenceCommand(app);
     AddPlotCommand(app);
     AddRenderCommand(app);
+    AddSceneCommand(app);
     AddValidateCommand(app);
     AddSchemaCommand(app);
     AddCompletionCommand(app);

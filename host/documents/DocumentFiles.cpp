@@ -1,6 +1,25 @@
 #include "host/documents/DocumentFiles.h"
+#include "host/documents/ModelShape.h"
+#include <fmt/format.h>
 
 namespace fernwick {
+
+namespace {
+
+/// All that a file is read by.
+std::string KeyOf(const std::filesystem::path& file, const SceneFileOptions& options)
+{
+    std::string key = fmt::format("{}\n{} {}", file.string(), options.fZUp, options.fScale);
+    for (const auto& row : options.fPlace.fMatrix)
+        key += fmt::format(" {} {} {}", row[0], row[1], row[2]);
+    for (uint32_t axis = 0; axis < 3; ++axis)
+        key += fmt::format(" {}", options.fPlace.fTranslation[axis]);
+    for (const auto& [material, shader] : options.fShaders)
+        key += '\n' + material + '\n' + shader;
+    return key;
+}
+
+} // namespace
 
 template <class Thing> void DocumentFiles::Kept<Thing>::BeginFrame() { before = std::exchange(now, {}); }
 
@@ -18,12 +37,26 @@ const Thing& DocumentFiles::Kept<Thing>::Get(const std::string& key, const Make&
 void DocumentFiles::BeginFrame()
 {
     fScenes.BeginFrame();
+    fShapes.BeginFrame();
     fSources.BeginFrame();
 }
 
-SceneFile DocumentFiles::ReadScene(const std::filesystem::path& file)
+SceneFile DocumentFiles::ReadScene(const std::filesystem::path& file, const SceneFileOptions& options)
 {
-    return fScenes.Get(file.string(), [&file] { return ReadSceneFile(file); });
+    return fScenes.Get(KeyOf(file, options), [&] { return ReadSceneFile(file, options); });
+}
+
+ModelShape DocumentFiles::ReadShape(
+    const std::filesystem::path& file, const SceneFileOptions& options, std::optional<float> radius)
+{
+    const std::string key = KeyOf(file, options) + (radius ? fmt::format("\n{}", *radius) : "");
+    return fShapes.Get(key, [&] {
+        const SceneFile model = ReadSceneFile(file, options);
+        ModelShape shape = {MergeMeshes(model.fElements, radius), model.fNotices};
+        if (shape.fGeometry == nullptr)
+            throw SceneFileError(file.string() + " can't be taken for a shape: it has no mesh");
+        return shape;
+    });
 }
 
 MCCountedPtr<IShellShader> DocumentFiles::MakeSource(

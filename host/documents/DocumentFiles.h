@@ -5,6 +5,12 @@
 
 namespace fernwick {
 
+/// A model as one shape.
+struct ModelShape {
+    std::shared_ptr<const Geometry> fGeometry;
+    std::vector<std::string> fNotices; ///< what the file lacks and what stands in for it
+};
+
 /// What the files that a document names hold, read once and kept for as long as each frame asks for it.
 class DocumentFiles {
 public:
@@ -12,7 +18,10 @@ public:
     void BeginFrame();
 
     /// The same as `ReadSceneFile`.
-    SceneFile ReadScene(const std::filesystem::path& file);
+    SceneFile ReadScene(const std::filesystem::path& file, const SceneFileOptions& options = {});
+    /// All meshes of a file as one (see `MergeMeshes`). Throws `SceneFileError`.
+    ModelShape ReadShape(
+        const std::filesystem::path& file, const SceneFileOptions& options, std::optional<float> radius);
     /// A source of the settings, the same object for the same settings. Throws `SourceError`.
     MCCountedPtr<IShellShader> MakeSource(const SourceKind& kind, std::span<const FieldSetting> settings);
 
@@ -27,6 +36,7 @@ private:
     };
 
     Kept<SceneFile> fScenes;
+    Kept<ModelShape> fShapes;
     Kept<MCCountedPtr<IShellShader>> fSources;
 };
 

@@ -48,6 +48,21 @@ Split SplitTransform(const aiMatrix4x4& toWorld)
     return split;
 }
 
+aiMatrix4x4 MatrixOf(const SceneFileOptions& options)
+{
+    aiMatrix4x4 matrix;
+    for (unsigned i = 0; i < 3; ++i) {
+        for (unsigned j = 0; j < 3; ++j)
+            matrix[i][j] = options.fPlace.fMatrix[i][j];
+        matrix[i][3] = options.fPlace.fTranslation[i];
+    }
+    const float scale = options.fScale;
+    aiMatrix4x4 sized(scale, 0, 0, 0, 0, scale, 0, 0, 0, 0, scale, 0, 0, 0, 0, 1);
+    if (options.fZUp)
+        sized = aiMatrix4x4(scale, 0, 0, 0, 0, 0, scale, 0, 0, -scale, 0, 0, 0, 0, 0, 1);
+    return matrix * sized;
+}
+
 constexpr int kDeepest = 256; // what reads a scene calls itself as deep
 
 /// The files of the system, but for pipes and devices, which a scene may name for its parts.
@@ -115,11 +130,15 @@ void DropUnplaced(aiScene& scene)
 /// Reads what Assimp made of a file. Not all that its readers make is whole: no node, index or count is trusted.
 class SceneFileReader {
 public:
-    SceneFileReader(const aiScene& scene, bool isGltf)
+    SceneFileReader(const aiScene& scene, bool isGltf, const SceneFileOptions& options)
         : fMeshes(scene.mMeshes), fMeshCount(scene.mMeshes != nullptr ? scene.mNumMeshes : 0),
           fLights(MembersOf(scene.mLights, scene.mNumLights)),
-          fCameras(MembersOf(scene.mCameras, scene.mNumCameras)), fIsGltf(isGltf)
-    { }
+          fCameras(MembersOf(scene.mCameras, scene.mNumCameras)), fIsGltf(isGltf), fOptions(options)
+    {
+        for (unsigned i = 0; scene.mMaterials != nullptr && i < scene.mNumMaterials; ++i)
+            fFile.fMaterials.emplace_back(
+                scene.mMaterials[i] != nullptr ? scene.mMaterials[i]->GetName().C_Str() : "");
+    }
 
     /// @param name  of the file, for what is told of it
     SceneFile Read(const aiNode& root, const std::string& name)
@@ -128,9 +147,9 @@ public:
         const bool isHolder = root.mNumMeshes == 0 && root.mTransformation.IsIdentity();
         if (isHolder)
             for (const aiNode* const child : MembersOf(root.mChildren, root.mNumChildren))
-                fFile.fElements.push_back(ReadNode(*child, aiMatrix4x4(), {}));
+                fFile.fElements.push_back(ReadNode(*child, MatrixOf(fOptions), {}));
         else
-            fFile.fElements.push_back(ReadNode(root, aiMatrix4x4(), {}));
+            fFile.fElements.push_back(ReadNode(root, MatrixOf(fOptions), {}));
         TellMissingUVs(name);
         return std::move(fFile);
     }
@@ -141,6 +160,7 @@ private:
     std::vector<const aiLight*> fLights;
     std::vector<const aiCamera*> fCameras;
     bool fIsGltf;
+    const SceneFileOptions& fOptions;
     int fDepth = 0;
     std::vector<std::string> fWithoutUVs; // names of nodes
     SceneFile fFile;
@@ -156,7 +176,7 @@ private:
         element.fName = node.mName.C_Str();
         element.fPlace = Composed(Inverse(parentPlace), split.place);
         element.fScale = split.scale;
-        element.fGeometry = ReadShape(node, split);
+        ReadShapes(node, split, element);
         element.fLight = ReadLight(node);
         element.fCamera = ReadCamera(node);
         for (const aiNode* const child : MembersOf(node.mChildren, node.mNumChildren))
@@ -176,9 +196,57 @@ private:
         return meshes;
     }
 
-    std::shared_ptr<const Geometry> ReadShape(const aiNode& node, const Split& split)
+    std::string MaterialOf(const aiMesh& mesh) const
     {
-        const std::vector<const aiMesh*> meshes = MeshesOf(node);
+        return mesh.mMaterialIndex < fFile.fMaterials.size() ? fFile.fMaterials[mesh.mMaterialIndex] : "";
+    }
+
+    /// The shader of a mesh by its material; nothing when none is given.
+    std::optional<std::string> ShaderOf(const aiMesh& mesh) const
+    {
+        const auto found = fOptions.fShaders.find(MaterialOf(mesh));
+        return found != fOptions.fShaders.end() ? std::optional(found->second) : std::nullopt;
+    }
+
+    /// One shape of a node, or one for each shader of its materials.
+    void ReadShapes(const aiNode& node, const Split& split, ElementDescription& element)
+    {
+        std::vector<std::pair<std::optional<std::string>, std::vector<const aiMesh*>>> groups;
+        for (const aiMesh* const mesh : MeshesOf(node)) {
+            const auto shader = ShaderOf(*mesh);
+            auto group = std::find_if(
+                groups.begin(), groups.end(), [&shader](const auto& one) { return one.first == shader; });
+            if (group == groups.end())
+                group = groups.insert(group, {shader, {}});
+            group->second.push_back(mesh);
+        }
+        for (size_t i = 0; i < groups.size(); ++i) {
+            const auto& [shader, meshes] = groups[i];
+            ElementDescription part;
+            part.fGeometry = ReadShape(node, meshes, split, part.fUVSets);
+            part.fLook.fOwnShader = shader;
+            for (const aiMesh* const mesh : meshes)
+                if (const std::string material = MaterialOf(*mesh);
+                    std::find(part.fMaterials.begin(), part.fMaterials.end(), material)
+                    == part.fMaterials.end())
+                    part.fMaterials.push_back(material);
+            if (i == 0) {
+                element.fGeometry = std::move(part.fGeometry);
+                element.fUVSets = part.fUVSets;
+                element.fLook = std::move(part.fLook);
+                element.fMaterials = std::move(part.fMaterials);
+            } else {
+                part.fName = fmt::format("{}.{}", element.fName, part.fMaterials.front());
+                part.fScale = element.fScale;
+                element.fChildren.push_back(std::move(part));
+            }
+        }
+    }
+
+    /// @param uvSets  gets how many all of the meshes have
+    std::shared_ptr<const Geometry> ReadShape(
+        const aiNode& node, const std::vector<const aiMesh*>& meshes, const Split& split, size_t& uvSets)
+    {
         const bool hasUVs = std::all_of(
             meshes.begin(), meshes.end(), [](const aiMesh* mesh) { return mesh->HasTextureCoords(0); });
         aiMatrix3x3 forNormals(split.rest);
@@ -199,6 +267,7 @@ private:
         }
         if (all.fTriangles.empty())
             return nullptr;
+        uvSets = hasUVs ? 1 : 0;
         if (!hasUVs)
             fWithoutUVs.emplace_back(node.mName.C_Str());
         return MakeMesh(std::move(all));
@@ -256,7 +325,7 @@ private:
         float range = 0;
         if (node.mMetaData != nullptr && node.mMetaData->Get("PBR_LightRange", range) && range > 0) {
             light.fNearRange = 0;
-            light.fFarRange = range;
+            light.fFarRange = range * fOptions.fScale;
         }
         return light;
     }
@@ -280,16 +349,17 @@ private:
 
 } // namespace
 
-SceneFile ReadSceneFile(const std::filesystem::path& file)
+SceneFile ReadSceneFile(const std::filesystem::path& file, const SceneFileOptions& options)
 {
     if (const std::string reason = WhyNoFile(file); !reason.empty())
         throw SceneFileError(file.string() + " can't be read: " + reason);
     Assimp::Importer importer;
     importer.SetIOHandler(new RegularFiles);
-    return ReadSceneFile(file, importer);
+    return ReadSceneFile(file, importer, options);
 }
 
-SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& importer)
+SceneFile ReadSceneFile(
+    const std::filesystem::path& file, Assimp::Importer& importer, const SceneFileOptions& options)
 {
     constexpr float kCreaseAngle = 60; // degrees
     importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, kCreaseAngle);
@@ -307,7 +377,7 @@ SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& imp
     std::transform(ending.begin(), ending.end(), ending.begin(),
         [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     try {
-        SceneFile read = SceneFileReader(*scene, ending == ".gltf" || ending == ".glb")
+        SceneFile read = SceneFileReader(*scene, ending == ".gltf" || ending == ".glb", options)
                              .Read(*scene->mRootNode, file.filename().string());
         if (read.fElements.empty())
             throw SceneFileError("it holds no scene");

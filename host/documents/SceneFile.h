@@ -1,6 +1,7 @@
 #pragma once
 #include "host/scene/Scene.h"
 #include <filesystem>
+#include <map>
 #include <stdexcept>
 
 namespace Assimp {
@@ -15,9 +16,20 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// How a file is put into a scene.
+struct SceneFileOptions {
+    bool fZUp = false;        ///< the file's Z axis becomes Y, its Y axis -Z
+    float fScale = 1;         ///< of all lengths, above 0
+    TTransform3D fPlace = {}; ///< rigid; of all nodes, turned and scaled
+    /// Shaders by names of materials. A node whose meshes get different ones becomes several shapes: the first stays
+    /// with its element, of the others each gets an element below it, under its name, a dot and that of a material.
+    std::map<std::string, std::string> fShaders = {};
+};
+
 struct SceneFile {
     std::vector<ElementDescription> fElements;
-    std::vector<std::string> fNotices; ///< what the file lacks and what stands in for it
+    std::vector<std::string> fNotices;   ///< what the file lacks and what stands in for it
+    std::vector<std::string> fMaterials; ///< names of all
 };
 
 /// Reads a scene with Assimp: glTF, OBJ and whatever else it knows. Each node becomes an element, with its meshes
@@ -31,8 +43,9 @@ struct SceneFile {
 ///
 /// A file is checked before it is taken, and so is every regular file that it names; pipes and devices aren't read.
 /// Throws `SceneFileError`.
-SceneFile ReadSceneFile(const std::filesystem::path& file);
+SceneFile ReadSceneFile(const std::filesystem::path& file, const SceneFileOptions& options = {});
 /// The same by an importer that has files of its own.
-SceneFile ReadSceneFile(const std::filesystem::path& file, Assimp::Importer& importer);
+SceneFile ReadSceneFile(
+    const std::filesystem::path& file, Assimp::Importer& importer, const SceneFileOptions& options = {});
 
 } // namespace fernwick

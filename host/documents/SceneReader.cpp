@@ -111,13 +111,22 @@ Shape ReadBox(const JsonNode& node)
         {ReadLength(size->Element(0)), ReadLength(size->Element(1)), ReadLength(size->Element(2))});
 }
 
-Shape ReadShape(const JsonNode& node)
+using ReadShape = Shape (*)(const JsonNode&);
+
+/// How a shape is read; null for a model.
+ReadShape FindShape(const JsonNode& node)
 {
-    using Read = Shape (*)(const JsonNode&);
-    const Read read = ReadChoice<Read>(Required(node, "kind"), "shape",
+    return ReadChoice<ReadShape>(Required(node, "kind"), "shape",
         {{"sphere", &ReadSphere}, {"torus", &ReadTorus}, {"saddle", &ReadSaddle}, {"plane", &ReadPlane},
-            {"box", &ReadBox}});
-    return read(node);
+            {"box", &ReadBox}, {"model", nullptr}});
+}
+
+/// What an object says of a file beside its name.
+void ReadLengths(const JsonNode& node, SceneFileOptions& options)
+{
+    if (const auto up = node.Find("up"))
+        options.fZUp = ReadChoice<bool>(*up, "axis", {{"Y", false}, {"Z", true}});
+    options.fScale = LengthOr(node, "scale", 1);
 }
 
 LightDescription ReadLight(const JsonNode& node)
@@ -167,12 +176,14 @@ public:
         : fNames(names), fFolder(folder), fFiles(files)
     { }
 
-    SceneDescription Read(const JsonNode& node) const
+    SceneDescription Read(const JsonNode& node)
     {
-        node.RequireKeys({"file", "elements", "nodes", "shaded", "camera", "background"});
+        node.RequireKeys({"file", "materials", "elements", "nodes", "shaded", "camera", "background"});
         SceneDescription scene;
         if (const auto file = node.Find("file"))
-            ReadFile(*file, scene);
+            ReadFile(*file, node.Find("materials"), scene);
+        else if (const auto materials = node.Find("materials"))
+            materials->Fail("only a \"file\" has materials");
         if (const auto elements = node.Find("elements"))
             for (ElementDescription& element : ReadElements(*elements))
                 scene.fElements.push_back(std::move(element));
@@ -190,6 +201,7 @@ public:
             const TMCColorRGB color = ReadColor(*background);
             scene.fBackground = {color.fRed, color.fGreen, color.fBlue, 1};
         }
+        scene.fNotices.insert(scene.fNotices.end(), fNotices.begin(), fNotices.end());
         return scene;
     }
 
@@ -197,15 +209,59 @@ private:
     const ShaderNames& fNames;
     const std::filesystem::path& fFolder;
     DocumentFiles& fFiles;
+    std::vector<std::string> fNotices; // of the models of elements
 
-    void ReadFile(const JsonNode& node, SceneDescription& scene) const
+    void ReadFile(
+        const JsonNode& node, const std::optional<JsonNode>& materials, SceneDescription& scene) const
     {
+        SceneFileOptions options;
+        if (node.IsObject()) {
+            node.RequireKeys({"path", "up", "scale", "position", "rotation"});
+            ReadLengths(node, options);
+            ElementDescription holder;
+            ReadPlace(node, holder);
+            options.fPlace = holder.fPlace;
+        }
+        if (materials)
+            for (const auto& [name, shader] : materials->Members()) {
+                FindShader(shader, fNames);
+                options.fShaders[name] = shader.Name();
+            }
+        const JsonNode path = node.IsObject() ? Required(node, "path") : node;
         try {
-            SceneFile file = fFiles.ReadScene(fFolder / std::filesystem::path(node.Name()));
+            SceneFile file = fFiles.ReadScene(fFolder / std::filesystem::path(path.Name()), options);
+            if (materials)
+                RequireKnown(*materials, file.fMaterials);
             scene.fElements = std::move(file.fElements);
             scene.fNotices = std::move(file.fNotices);
         } catch (const SceneFileError& error) {
-            node.Fail(error.what());
+            path.Fail(error.what());
+        }
+    }
+
+    static void RequireKnown(const JsonNode& materials, const std::vector<std::string>& known)
+    {
+        for (const auto& [name, shader] : materials.Members())
+            if (std::find(known.begin(), known.end(), name) == known.end())
+                shader.Fail(fmt::format("there is no material \"{}\"{}", name, NearestHint(name, known)));
+    }
+
+    Shape ReadModel(const JsonNode& node)
+    {
+        node.RequireKeys({"kind", "file", "up", "scale", "radius"});
+        SceneFileOptions options;
+        ReadLengths(node, options);
+        const auto radius = node.Find("radius");
+        if (radius && node.Find("scale"))
+            radius->Fail("a model has either a \"scale\" or a \"radius\"");
+        const JsonNode file = Required(node, "file");
+        try {
+            const ModelShape shape = fFiles.ReadShape(fFolder / std::filesystem::path(file.Name()), options,
+                radius ? std::optional(ReadLength(*radius)) : std::nullopt);
+            fNotices.insert(fNotices.end(), shape.fNotices.begin(), shape.fNotices.end());
+            return shape.fGeometry;
+        } catch (const SceneFileError& error) {
+            file.Fail(error.what());
         }
     }
 
@@ -236,7 +292,7 @@ private:
             look.fLit = ReadChoice<bool>(*shading, "shading", {{"plain", false}, {"lit", true}});
     }
 
-    std::vector<ElementDescription> ReadElements(const JsonNode& node) const
+    std::vector<ElementDescription> ReadElements(const JsonNode& node)
     {
         if (!node.IsArray())
             node.Refuse("an array of elements");
@@ -251,8 +307,10 @@ private:
             ElementDescription& element = elements.emplace_back();
             element.fName = name->Name();
             ReadPlace(child, element);
-            if (const auto shape = child.Find("shape"))
-                element.fGeometry = ReadShape(*shape);
+            if (const auto shape = child.Find("shape")) {
+                const ReadShape read = FindShape(*shape);
+                element.fGeometry = read != nullptr ? read(*shape) : ReadModel(*shape);
+            }
             if (const auto light = child.Find("light"))
                 element.fLight = ReadLight(*light);
             if (const auto camera = child.Find("camera"))

@@ -15,14 +15,18 @@ namespace fernwick {
 ///                    "light": {"kind": "spot", "color": [1, 1, 1], "brightness": 1, "range": [1, 8],
 ///                              "cone": [20, 30]}},
 ///                   {"name": "Eye", "position": [0, 1, 5], "camera": {"fieldOfView": 40}}],
+///      "materials": {"Leather": "weave"},
 ///      "nodes": {"Wall": "paint", "Door": {"shader": "wood", "shading": "plain", "hotPoint": [0, 1, 0]}},
 ///      "camera": "Eye", "background": [0.2, 0.2, 0.2], "shaded": {"name": "Sheet"}}
 ///
-/// Everything may be left out. Elements of the file come first, then `elements`. `nodes` says for named elements,
-/// which are mostly the file's, how they look; every element of the name takes it, and what lies below them
-/// unless it says otherwise. Shapes are `sphere` (`radius`), `torus` (`radius`, `tube`), `saddle` (`size`,
-/// `height`), `plane` (`size`, two numbers) and `box` (`size`, three numbers); lights are `point`, `spot` and
-/// `distant`. `range` is where a light begins to fade and where it ends, `cone` the same as angles from its axis.
+/// Everything may be left out. A file is given by its name, or as an object with its `path`, which axis is `up` in it
+/// ("Y" or "Z"), a `scale` for its lengths, and a `position` and `rotation` of all of it. Elements of the file come
+/// first, then `elements`. `materials` gives shaders to what has a material in the file, before what `nodes` says.
+/// `nodes` says for named elements, which are mostly the file's, how they look; every element of the name takes it,
+/// and what lies below them unless it says otherwise. Shapes are `sphere` (`radius`), `torus` (`radius`, `tube`),
+/// `saddle` (`size`, `height`), `plane` (`size`, two numbers), `box` (`size`, three numbers) and `model` (all meshes of
+/// a `file`, with `up` and `scale` or, for a sphere around it at the origin, a `radius`); lights are `point`, `spot`
+/// and `distant`. `range` is where a light begins to fade and where it ends, `cone` the same as angles from its axis.
 /// `shaded` is the instance that baked samples lie on.
 ///
 /// @param names   the shaders of the document

@@ -37,6 +37,7 @@ constexpr const char* kDefinitions = R"({
     "span": {"anyOf": [{"type": "array", "items": {"anyOf": [{"type": "number", "minimum": 0},
         {"$ref": "#/$defs/keys"}]}, "minItems": 2, "maxItems": 2}, {"$ref": "#/$defs/keys"}]},
     "name": {"type": "string", "minLength": 1, "maxLength": 255},
+    "up": {"description": "The axis of the file that points up.", "enum": ["Y", "Z"]},
     "position": {"$ref": "#/$defs/vector3", "description": "In the parent's coordinates, in scene units."},
     "rotation": {"$ref": "#/$defs/vector3", "description": "Degrees about the parent's X, then Y, then Z axis."},
     "lookAt": {"$ref": "#/$defs/vector3",
@@ -47,9 +48,9 @@ constexpr const char* kDefinitions = R"({
     "shading": {"anyOf": [{"enum": ["plain", "lit"]}, {"$ref": "#/$defs/stepKeys"}],
         "description": "The colour as it is, or under a lamp beside the camera."},
     "shape": {
-        "description": "A shape with exact curvature.",
+        "description": "A shape with exact curvature, or all meshes of a model.",
         "type": "object",
-        "properties": {"kind": {"enum": ["sphere", "torus", "saddle", "plane", "box"]}},
+        "properties": {"kind": {"enum": ["sphere", "torus", "saddle", "plane", "box", "model"]}},
         "required": ["kind"],
         "oneOf": [
             {"properties": {"kind": {"const": "sphere"}, "radius": {"$ref": "#/$defs/length"}},
@@ -63,7 +64,11 @@ constexpr const char* kDefinitions = R"({
                 {"$ref": "#/$defs/keys"}]}}, "additionalProperties": false},
             {"properties": {"kind": {"const": "box"}, "size": {"anyOf": [{"type": "array",
                 "items": {"$ref": "#/$defs/length"}, "minItems": 3, "maxItems": 3},
-                {"$ref": "#/$defs/keys"}]}}, "additionalProperties": false}
+                {"$ref": "#/$defs/keys"}]}}, "additionalProperties": false},
+            {"properties": {"kind": {"const": "model"}, "file": {"$ref": "#/$defs/name"}, "up": {"$ref": "#/$defs/up"},
+                "scale": {"$ref": "#/$defs/length"}, "radius": {"$ref": "#/$defs/length",
+                    "description": "Of a sphere around the model at the origin."}},
+                "required": ["file"], "not": {"required": ["scale", "radius"]}, "additionalProperties": false}
         ]
     },
     "light": {
@@ -119,8 +124,26 @@ constexpr const char* kScene = R"({
     "description": "The scene around the shaded object.",
     "type": "object",
     "properties": {
-        "file": {"$ref": "#/$defs/name",
-            "description": "A glTF, OBJ or other file; its nodes are the first elements."},
+        "file": {
+            "description": "A glTF, OBJ or other file; its nodes are the first elements.",
+            "anyOf": [
+                {"$ref": "#/$defs/name"},
+                {"type": "object", "properties": {
+                    "path": {"$ref": "#/$defs/name"},
+                    "up": {"$ref": "#/$defs/up"},
+                    "scale": {"description": "Of all lengths.", "type": "number", "exclusiveMinimum": 0},
+                    "position": {"description": "Of all nodes, in scene units.", "type": "array",
+                        "items": {"type": "number"}, "minItems": 3, "maxItems": 3},
+                    "rotation": {"description": "Of all nodes: degrees about X, then Y, then Z.", "type": "array",
+                        "items": {"type": "number"}, "minItems": 3, "maxItems": 3}},
+                    "required": ["path"], "additionalProperties": false}
+            ]
+        },
+        "materials": {
+            "description": "The shaders of what has a material in the file, before those that nodes give.",
+            "type": "object",
+            "additionalProperties": {"anyOf": [{"$ref": "#/$defs/name"}, {"$ref": "#/$defs/stepKeys"}]}
+        },
         "elements": {"type": "array", "items": {"$ref": "#/$defs/element"}},
         "nodes": {
             "description": "How named elements look: the name of a shader, or more.",
@@ -150,6 +173,7 @@ constexpr const char* kScene = R"({
             "additionalProperties": false
         }
     },
+    "dependentRequired": {"materials": ["file"]},
     "additionalProperties": false
 })";
 

@@ -7,6 +7,8 @@ struct RTCSceneTy;
 
 namespace fernwick {
 
+struct MeshDescription;
+
 /// A point of a surface, in the coordinates of its element.
 struct SurfacePoint {
     TVector3 fPoint;
@@ -42,6 +44,7 @@ public:
     virtual SurfacePoint PointAt(const SurfaceHit& hit) const = 0;
     virtual ShapeMatrix ShapeAt(const SurfaceHit& hit) const = 0;
     virtual TBBox3D Bounds() const = 0;
+    virtual const MeshDescription* Mesh() const { return nullptr; } ///< its triangles; null where it has none
 
     /// Lays the normals out over the UV square of `edge` by `edge` cells, each by its centre. Cells that the
     /// surface doesn't reach are left out; where its UV overlap, a later call counts.

@@ -28,9 +28,9 @@ TBBox3D BoundsOf(const std::vector<TVector3>& points)
     return box;
 }
 
-class Mesh final : public Geometry {
+class TriangleShape final : public Geometry {
 public:
-    explicit Mesh(MeshDescription description)
+    explicit TriangleShape(MeshDescription description)
         : fMesh(std::move(description)), fBounds(BoundsOf(fMesh.fPoints))
     {
         if (fMesh.fUVs.empty())
@@ -80,6 +80,7 @@ public:
     }
 
     TBBox3D Bounds() const override { return fBounds; }
+    const MeshDescription* Mesh() const override { return &fMesh; }
 
     void LayOutNormals(
         int edge, const std::function<void(int u, int v, const TVector3& normal)>& lay) const override
@@ -191,7 +192,7 @@ private:
 
 std::shared_ptr<const Geometry> MakeMesh(MeshDescription description)
 {
-    return std::make_shared<Mesh>(std::move(description));
+    return std::make_shared<TriangleShape>(std::move(description));
 }
 
 std::shared_ptr<const Geometry> MakeBox(const TVector3& size)

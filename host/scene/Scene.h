@@ -18,8 +18,9 @@ struct CameraDescription {
 
 /// How an element with a shape is rendered. What isn't set comes from the parent.
 struct LookDescription {
-    std::optional<std::string> fShader = {}; ///< of the document; without any, the output
-    std::optional<bool> fLit = {};           ///< by a lamp at the camera; without any, the colour as it is
+    std::optional<std::string> fShader = {};    ///< of the document; without any, the output
+    std::optional<std::string> fOwnShader = {}; ///< of its own shape alone, before the other
+    std::optional<bool> fLit = {};              ///< by a lamp at the camera; without any, the colour as it is
 };
 
 /// One named element of a scene and what hangs below it.
@@ -29,6 +30,8 @@ struct ElementDescription {
     TVector3 fScale = {1, 1, 1};                    ///< told by `GetTreeTransform`; shapes have it in them
     TVector3 fHotPoint = {};                        ///< offset from the element's origin
     std::shared_ptr<const Geometry> fGeometry = {}; ///< null without a shape
+    std::vector<std::string> fMaterials = {};       ///< names, of a shape out of a file
+    size_t fUVSets = 0;                             ///< that the file has for all of the shape
     std::optional<LightDescription> fLight = {};
     std::optional<CameraDescription> fCamera = {};
     LookDescription fLook = {};

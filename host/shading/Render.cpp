@@ -218,7 +218,8 @@ private:
     {
         std::vector<size_t> places;
         for (const SceneElement* const element : fScene->Shapes()) {
-            const std::optional<std::string>& name = element->Look().fShader;
+            const LookDescription& look = element->Look();
+            const std::optional<std::string>& name = look.fOwnShader ? look.fOwnShader : look.fShader;
             const auto& all = fDocument.Shaders();
             const auto found = std::find_if(all.begin(), all.end(),
                 [&name](const DocumentShader& shader) { return shader.fName == name; });

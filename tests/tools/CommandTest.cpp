@@ -8,7 +8,7 @@ using testing::HasSubstr;
 TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
 {
     for (const std::string command :
-        {"list", "describe", "bake", "shade", "plot", "render", "schema", "completion", "man"}) {
+        {"list", "describe", "bake", "shade", "plot", "render", "scene", "schema", "completion", "man"}) {
         const Answer answer = Run(command + " --help");
         EXPECT_EQ(answer.status, 0);
         EXPECT_THAT(answer.out, HasSubstr("\n  fernwick " + command));

@@ -23,6 +23,8 @@ TEST_F(HelpPagesTest, BashCompletes)
         {"shade Key --pi", "--picture"},
         {"shade --output n", "normal"},
         {"shade Key --on s", "sphere saddle"},
+        {"shade Key --on gr", "graph.json"},
+        {"render graph.json --fr", "--frames"},
         {"plot w", "wavelengths"},
         {"validate --only le", "leaks"},
         {"shade Key --set fMod", "fMode="},
@@ -72,7 +74,7 @@ TEST_F(HelpPagesTest, TheManualHasEveryCommandAndIsWellFormed)
             HasSubstr("\\fB\\-o, \\-\\-picture\\fR \\fIFILE\\fR\n"),
             HasSubstr("\nfernwick bake examples/key.json \\-o key.png\n"), HasSubstr("; else 512x512.\n")));
     for (const std::string command :
-        {"list", "describe", "bake", "shade", "plot", "render", "validate", "schema", "completion", "man"})
+        {"list", "describe", "bake", "shade", "plot", "render", "scene", "validate", "schema", "completion", "man"})
         EXPECT_THAT(page.out, HasSubstr("\n.SS \\fBfernwick " + command + "\\fR [OPTIONS]"));
     Store(fFolder / "fernwick.1", page.out);
     for (const std::string checker : {"mandoc -Tlint", "groff -ww -man -Tutf8 -z", "man --warnings -l"})

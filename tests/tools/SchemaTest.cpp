@@ -81,6 +81,10 @@ TEST_F(SchemaTest, AgreesWithTheReaderAboutExamplesAndMistakes)
         shader(R"("class": "Key", "fMode": {"keys": [[1, "KEYM"], [2, 17]], "between": "step"},
             "fRedRange": {"keys": [[1, [0, 1]]], "between": "smooth"}, "fGreenRange": [0, {"keys": [[0.5, 1]]}],
             "fSubShader": {"keys": [[1, "b"], [2, null]]}, "fKeyColor": {"keys": [[-1, [0, 1, 0]]]})"),
+        element(R"("shape": {"kind": "model", "file": ")" FERNWICK_EXAMPLES
+                R"(/pebble.obj", "up": "Z", "radius": 2})"),
+        scene(R"("file": {"path": ")" FERNWICK_EXAMPLES R"(/studio.gltf", "up": "Y", "scale": 2,
+            "position": [0, 0, 1], "rotation": [0, 90, 0]}, "materials": {})"),
         shader(R"("class": "Weave", "fPattern[1]": {"keys": [[1, [true, true, false, true, true]]]})"),
         shader(R"("source": "gradient", "colors": [[1, 1, 1], {"keys": [[1, [0, 0, 0, 0]]]}])"),
         element(
@@ -128,6 +132,9 @@ TEST_F(SchemaTest, AgreesWithTheReaderAboutExamplesAndMistakes)
         shader(R"("source": "value", "value": {"keys": [[1, 2]], "over": "all"})"),
         shader(R"("source": "value", "value": {"keys": [["1", 2]]})"),
         shader(R"("class": {"keys": [[1, "Key"]]})"),
+        element(R"("shape": {"kind": "model"})"),
+        scene(R"("file": {"scale": 2})"),
+        scene(R"("materials": {"Leather": "a"})"),
         element(R"("light": {"kind": {"keys": [[1, "spot"]]}})"),
         scene(R"("shaded": {"name": {"keys": [[1, "b"]]}})"),
     };
