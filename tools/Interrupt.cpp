@@ -40,7 +40,7 @@ extern "C" void CleanUpAndEnd(int number)
 void LeaveNoUnfinishedFile()
 {
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU, SIGPIPE})
-        if (std::signal(number, CleanUpAndEnd) == SIG_IGN)
+        if (std::signal(number, number == SIGINT ? EndAtOnce : CleanUpAndEnd) == SIG_IGN)
             std::signal(number, SIG_IGN); // as the caller wants it
     std::signal(SIGXFSZ, SIG_IGN);
 }

@@ -1,5 +1,6 @@
 #include "host/validation/Validation.h"
 #include "tools/Commands.h"
+#include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
@@ -12,7 +13,8 @@ using fernwick::validation::Finding;
 
 constexpr const char* kFooter =
     R"(Each check runs in a process of its own, those of the classes once a class, so that a crash or a hang is a
-finding and not the end. A finding tells the seed, and the command that shows it again. Exit status 1: there are
+finding and not the end. A hang is what takes more processor time than the limit, or stands still for as long: how busy
+the machine is doesn't count. A finding tells the seed, and the command that shows it again. Exit status 1: there are
 findings.
 
 Examples:
@@ -22,6 +24,7 @@ Examples:
 
 struct ValidateOptions {
     std::string library;
+    std::string named; ///< with the option
     bool list = false;
     std::string only;
     std::string className;
@@ -54,11 +57,14 @@ std::vector<const Check*> ChosenChecks(const std::string& only)
 
 fernwick::validation::Job JobOf(const ValidateOptions& options)
 {
+    if (!options.library.empty() && !options.named.empty())
+        throw UsageError("the library is named twice");
     fernwick::validation::Job job;
-    job.library = std::filesystem::absolute(FindLibrary(options.library));
+    job.library = std::filesystem::absolute(FindLibrary(options.library + options.named));
     job.seed = options.seed;
     job.records = options.records;
     job.timeLimit = std::chrono::milliseconds(static_cast<int64_t>(options.timeLimit * 1000));
+    job.cancel = &WatchForInterrupt();
     if (!options.className.empty()) {
         job.onlyClass = fernwick::FindClass(options.className);
         if (job.onlyClass == nullptr || job.onlyClass->fClassIDs.empty())
@@ -66,6 +72,12 @@ fernwick::validation::Job JobOf(const ValidateOptions& options)
                 "no class with a route is called \"{}\"; `fernwick list` names them", options.className));
     }
     return job;
+}
+
+void StopIfCancelled(const fernwick::validation::Job& job)
+{
+    if (*job.cancel)
+        throw Interrupted();
 }
 
 void Print(const Result& result)
@@ -113,12 +125,15 @@ void RunValidate(const ValidateOptions& options)
         return;
     }
     const fernwick::validation::Job job = JobOf(options);
-    if (const std::string trouble = fernwick::validation::LoadTrouble(job.library); !trouble.empty())
+    const std::string trouble = fernwick::validation::LoadTrouble(job);
+    StopIfCancelled(job);
+    if (!trouble.empty())
         throw std::runtime_error(trouble);
     auto results = nlohmann::ordered_json::array();
     size_t faults = 0;
     for (const Check* const check : checks) {
         const Result result{check, Run(*check, job)};
+        StopIfCancelled(job);
         faults += result.findings.size();
         if (options.json)
             results.push_back(JsonOf(result));
@@ -143,6 +158,7 @@ void AddValidateCommand(CLI::App& app)
     command
         .add_option("library", options->library, "The library (else FERNWICK_LIBRARY, else near the command)")
         ->type_name("LIBRARY");
+    AddLibraryOption(command, options->named); // which texts of a wrong library name
     command.add_flag("--list", options->list, "Names the checks and what each protects, and runs none");
     command.add_option("--only", options->only, "Runs the checks whose names match")->type_name("REGEX");
     command.add_option("--class", options->className, "Checks one class")->type_name("CLASS");
@@ -154,7 +170,9 @@ void AddValidateCommand(CLI::App& app)
         ->type_name("N")
         ->check(CLI::Range(1, 1'000'000'000).description(""))
         ->capture_default_str();
-    command.add_option("--time-limit", options->timeLimit, "Of one check on one class, in seconds")
+    command
+        .add_option(
+            "--time-limit", options->timeLimit, "Processor time of one check on one class, in seconds")
         ->type_name("S")
         ->check(CLI::Range(0.1, 86400.0).description(""))
         ->capture_default_str();

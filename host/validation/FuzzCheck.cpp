@@ -2,6 +2,7 @@
 #include "host/validation/Checks.h"
 #include "host/validation/FuzzCase.h"
 #include "host/validation/Inspection.h"
+#include <algorithm>
 #include <fmt/format.h>
 #include <sstream>
 
@@ -11,8 +12,6 @@
 namespace fernwick::validation {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 class Fuzzer {
 public:
@@ -41,9 +40,17 @@ private:
     const Job& fJob;
     Inspection& fInspection;
     const ParameterTable& fTable;
-    const Clock::time_point fStart = Clock::now();
+    std::chrono::nanoseconds fSpent{};
 
     std::chrono::milliseconds CaseLimit() const { return fJob.timeLimit / 20; }
+
+    /// In a process of its own, whose time is counted.
+    Ending Spend(const std::function<void(const Teller&, Activity&)>& job, std::chrono::milliseconds limit)
+    {
+        Ending ending = RunApart(job, limit);
+        fSpent += ending.time;
+        return ending;
+    }
 
     static std::string FaultOf(const Ending& ending)
     {
@@ -52,25 +59,31 @@ private:
         return ending.lines.substr(0, ending.lines.find('\n'));
     }
 
-    /// Runs case after case up to the first fault.
-    Ending Search() const
+    /// Runs case after case up to the first fault, each usual number of them in a process of its own.
+    Ending Search()
     {
-        const auto search = [&](const Teller& teller, Activity& activity) {
-            const Subject subject(fJob.library);
-            for (uint64_t i = 0; i < static_cast<uint64_t>(fJob.records); ++i)
-                if (!Attempt(subject, fJob.seed + i, nullptr, teller, activity))
-                    return;
-        };
-        return RunApart(search, fJob.timeLimit * 6 / 10);
+        const auto records = static_cast<uint64_t>(fJob.records);
+        Ending ending{};
+        for (uint64_t first = 0; first < records && FaultOf(ending).empty(); first += Job::kUsualRecords) {
+            const auto search = [&](const Teller& teller, Activity& activity) {
+                const Subject subject(fJob.library);
+                for (uint64_t i = first; i < std::min(first + Job::kUsualRecords, records); ++i)
+                    if (!Attempt(subject, fJob.seed + i, nullptr, teller, activity))
+                        return;
+            };
+            fSpent = {};
+            ending = Spend(search, fJob.timeLimit * 6 / 10);
+        }
+        return ending;
     }
 
     /// Runs one case. @return the fault; empty for none
-    std::string Again(uint64_t seed, const std::vector<bool>& kept) const
+    std::string Again(uint64_t seed, const std::vector<bool>& kept)
     {
         const auto again = [&](const Teller& teller, Activity& activity) {
             Attempt(Subject(fJob.library), seed, &kept, teller, activity);
         };
-        return FaultOf(RunApart(again, fJob.timeLimit / 4));
+        return FaultOf(Spend(again, fJob.timeLimit / 4));
     }
 
     bool Attempt(const Subject& subject, uint64_t seed, const std::vector<bool>* kept, const Teller& teller,
@@ -94,12 +107,12 @@ private:
 
     /// Takes fields out of `kept`, half of them at a time, then ever fewer, as long as there is a fault.
     /// @return the last fault; empty when no field could be taken out
-    std::string Reduce(uint64_t seed, std::vector<bool>& kept) const
+    std::string Reduce(uint64_t seed, std::vector<bool>& kept)
     {
-        const Clock::time_point end = fStart + fJob.timeLimit * 8 / 10;
+        const auto most = fJob.timeLimit * 8 / 10;
         std::string last;
         for (size_t chunk = kept.size(); chunk >= 1; chunk /= 2)
-            for (size_t start = 0; start < kept.size() && Clock::now() < end; start += chunk) {
+            for (size_t start = 0; start < kept.size() && fSpent < most; start += chunk) {
                 std::vector<bool> fewer = kept;
                 for (size_t i = start; i < std::min(start + chunk, kept.size()); ++i)
                     fewer[i] = false;

@@ -70,30 +70,32 @@ std::vector<Finding> RunOn(const Check& check, const Job& job, const ParameterTa
             inspection.Found(FaultOfException(activity.text));
         }
     };
-    return Inspection::Read(check, job, table, RunApart(inspect, job.timeLimit));
+    const bool isLong = check.onClass == &CheckParameterFuzz; // which runs its cases apart by itself
+    const int portions = isLong ? 1 + job.records / Job::kUsualRecords : 1;
+    return Inspection::Read(check, job, table, RunApart(inspect, job.timeLimit * portions, job.cancel));
 }
 
 } // namespace
 
 std::span<const Check> AllChecks() { return kChecks; }
 
-std::string LoadTrouble(const std::filesystem::path& library)
+std::string LoadTrouble(const Job& job)
 {
     constexpr std::chrono::seconds kLimit{10};
     const auto load = [&](const Teller& teller, Activity& activity) {
         activity.Set("it was loaded");
         try {
-            const Subject subject(library);
+            const Subject subject(job.library);
         } catch (...) {
-            teller(FaultOfException(library.string() + ": loading"));
+            teller(FaultOfException(job.library.string() + ": loading"));
         }
     };
-    const Ending ending = RunApart(load, kLimit);
+    const Ending ending = RunApart(load, kLimit, job.cancel);
     if (!ending.lines.empty())
         return ending.lines.substr(0, ending.lines.find('\n'));
     return ending.trouble.empty()
         ? ""
-        : library.string() + ": " + ending.trouble + " while " + ending.activity.text;
+        : job.library.string() + ": " + ending.trouble + " while " + ending.activity.text;
 }
 
 std::vector<Finding> Run(const Check& check, const Job& job)
@@ -104,6 +106,8 @@ std::vector<Finding> Run(const Check& check, const Job& job)
     for (const ParameterTable& table : AllClasses()) {
         if (table.fClassIDs.empty() || (job.onlyClass != nullptr && job.onlyClass != &table))
             continue;
+        if (job.cancel != nullptr && *job.cancel)
+            break;
         for (Finding& finding : RunOn(check, job, &table))
             findings.push_back(std::move(finding));
     }

@@ -1,5 +1,6 @@
 #pragma once
 #include "host/parameters/ParameterTable.h"
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <span>
@@ -8,11 +9,16 @@ namespace fernwick::validation {
 
 /// What is validated, and how hard.
 struct Job {
+    static constexpr int kUsualRecords = 2000;
+
     std::filesystem::path library;
-    uint64_t seed = 1;                          ///< start of all random numbers
-    int records = 2000;                         ///< random parameter records a class
-    std::chrono::milliseconds timeLimit{60000}; ///< of one check on one class
-    const ParameterTable* onlyClass = nullptr;  ///< null for all with a route
+    uint64_t seed = 1;           ///< start of all random numbers
+    int records = kUsualRecords; ///< random parameter records a class
+    /// Processor time of one check on one class, with more records of each usual number of them. Also how long a check
+    /// may stand still.
+    std::chrono::milliseconds timeLimit{60000};
+    const ParameterTable* onlyClass = nullptr; ///< null for all with a route
+    const std::atomic<bool>* cancel = nullptr; ///< turns true to end the checks; null for never
 };
 
 /// One fault.
@@ -38,12 +44,12 @@ struct Check {
 /// All checks, in the order in which they run.
 std::span<const Check> AllChecks();
 
-/// Why a library can't be loaded, in one line that begins with its path; empty when it can. It is tried in a process
-/// of its own.
-std::string LoadTrouble(const std::filesystem::path& library);
+/// Why the job's library can't be loaded, in one line that begins with its path; empty when it can, and when the job is
+/// cancelled. It is tried in a process of its own.
+std::string LoadTrouble(const Job& job);
 
 /// Runs one check: in a process of its own for the module, or one for each class. A crash and an overrun of the
-/// time limit are findings.
+/// time limit are findings. When the job is cancelled, some may be missing.
 std::vector<Finding> Run(const Check& check, const Job& job);
 
 } // namespace fernwick::validation

@@ -199,6 +199,12 @@ TEST_F(CommandTest, EndsWhereverItIsWhenItIsInterrupted)
         143);
     EXPECT_EQ(FileText(fFolder / "old.png"), "old");
     EXPECT_THAT(FilesIn(fFolder), testing::UnorderedElementsAre("dear.json", "old.png"));
+    // So does what doesn't look out for Ctrl-C: here it writes more than a pipe takes that nobody empties.
+    const ShellAnswer stopped = Shell("cd '" + fPlace.Path().string()
+        + "'; mkfifo pipe; env --default-signal=INT '" FERNWICK_COMMAND
+          "' schema >pipe & { head -c 1 >/dev/null; kill -INT $!; wait $!; } <pipe");
+    EXPECT_EQ(stopped.status, 130);
+    EXPECT_EQ(stopped.text, "fernwick: stopped\n");
 }
 
 TEST_F(CommandTest, AFullDiskOrAnUnwritablePlaceLeavesTheOldFileAndIsToldBeforeTheWork)

@@ -110,6 +110,24 @@ TEST(ValidateTest, FindsEachFault)
     }
 }
 
+TEST(ValidateTest, WhatWaitsForEverIsFoundAndEndedByCtrlC)
+{
+    const std::string waiting
+        = FERNWICK_BROKEN "WaitingKey.so --class Key --only '^(buffer-sizes|same-parameters)$'";
+    const ShellAnswer found = Validate(waiting + " --time-limit 1");
+    EXPECT_EQ(found.status, 1);
+    EXPECT_THAT(found.text, HasSubstr("Key: stood still for 3 s while asking for SameParameters of two new"));
+    EXPECT_THAT(found.text, HasSubstr(" --only '^same-parameters$' --seed 1 --class Key --time-limit 1\n"));
+
+    // The first check has ended, the second waits. Not before its process is gone does the shell's answer end.
+    const std::string told = testing::TempDir() + "fernwick_told_while_waiting";
+    const ShellAnswer stopped = Shell(FERNWICK_COMMAND " validate " + waiting + " >" + told
+        + " & until grep -qs ok " + told + "; do sleep 0.1; done; kill -INT $!; wait $!");
+    std::filesystem::remove(told);
+    EXPECT_EQ(stopped.status, 130);
+    EXPECT_EQ(stopped.text, "fernwick: stopped; nothing is written\n");
+}
+
 TEST(ValidateTest, AFileThatCantBeLoadedIsOneLine)
 {
     const std::string module = FileText(FERNWICK_MODULE);
