@@ -9,6 +9,9 @@ namespace fernwick {
 /// What all sources share. They read `fUV` only; a coordinate that is no finite number counts as 0.
 class SourceBase : public Component<IShellShader, IID_IShellShader> {
 public:
+    virtual TMCColorRGBA ColorAt(const TVector2& uv) const = 0;
+    virtual float ValueAt(const TVector2& uv) const = 0;
+
     void GetShadingFlags(ShadingFlags& flags) final
     {
         flags.fNeeds |= kNeedsUV;
@@ -21,25 +24,6 @@ public:
         ShadeColor(result.fColor, result.fFullArea, in);
         return 1;
     }
-
-protected:
-    static constexpr float kCovered = 1.0f;
-
-    static TVector2 CoordinatesOf(const ShadingIn& in)
-    {
-        const auto finite = [](float number) { return std::isfinite(number) ? number : 0.0f; };
-        return {finite(in.fUV[0]), finite(in.fUV[1])};
-    }
-};
-
-/// A source of colours.
-class ColorSource : public SourceBase {
-public:
-    static constexpr int32_t kKinds = kOutputColor;
-
-    virtual TMCColorRGBA ColorAt(const TVector2& uv) const = 0;
-
-    uint32_t GetOutputKinds() override { return kKinds; }
     float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) final
     {
         fullArea = false;
@@ -49,31 +33,39 @@ public:
     float ShadeValue(float& value, bool& fullArea, ShadingIn& in) final
     {
         fullArea = false;
-        value = Luminance(ColorAt(CoordinatesOf(in)));
+        value = ValueAt(CoordinatesOf(in));
         return kCovered;
+    }
+
+private:
+    static constexpr float kCovered = 1.0f;
+
+    static TVector2 CoordinatesOf(const ShadingIn& in)
+    {
+        const auto finite = [](float number) { return std::isfinite(number) ? number : 0.0f; };
+        return {finite(in.fUV[0]), finite(in.fUV[1])};
     }
 };
 
-/// A source of numbers.
+/// A source of colours. Its value is the luminance.
+class ColorSource : public SourceBase {
+public:
+    static constexpr int32_t kKinds = kOutputColor;
+
+    uint32_t GetOutputKinds() override { return kKinds; }
+    float ValueAt(const TVector2& uv) const final { return Luminance(ColorAt(uv)); }
+};
+
+/// A source of numbers. Its colour is an opaque grey.
 class ValueSource : public SourceBase {
 public:
     static constexpr int32_t kKinds = kOutputValue;
 
-    virtual float ValueAt(const TVector2& uv) const = 0;
-
     uint32_t GetOutputKinds() override { return kKinds; }
-    float ShadeColor(TMCColorRGBA& color, bool& fullArea, ShadingIn& in) final
+    TMCColorRGBA ColorAt(const TVector2& uv) const final
     {
-        fullArea = false;
-        const float value = ValueAt(CoordinatesOf(in));
-        color = {value, value, value, 1};
-        return kCovered;
-    }
-    float ShadeValue(float& value, bool& fullArea, ShadingIn& in) final
-    {
-        fullArea = false;
-        value = ValueAt(CoordinatesOf(in));
-        return kCovered;
+        const float value = ValueAt(uv);
+        return {value, value, value, 1};
     }
 };
 
