@@ -55,13 +55,17 @@ int32_t ReadChoice(const Field& field, const JsonNode& node)
     if (isCode && node.IsInteger())
         return node.Int32();
     const std::string text = node.IsText() ? node.Text() : "";
+    std::vector<std::string> known;
     for (const Choice& choice : field.fChoices) {
         const bool named
             = node.IsText() && (text == choice.fLabel || (isCode && text == CodeText(choice.fValue)));
         if (named || (node.IsInteger() && node.Int32() == choice.fValue))
             return choice.fValue;
+        known.push_back(choice.fLabel);
+        if (isCode)
+            known.push_back(CodeText(choice.fValue));
     }
-    node.Refuse(ChoicesText(field));
+    node.Refuse(ChoicesText(field), node.IsText() ? NearestHint(text, known) : "");
 }
 
 int32_t ReadInteger(const Field& field, const JsonNode& node)

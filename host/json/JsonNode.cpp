@@ -12,16 +12,24 @@ namespace {
 constexpr size_t kTextRoom = 255;
 constexpr size_t kShownBytes = 60;
 
+/// Whether an array is told of by its numbers.
+bool IsShortList(const Json& array)
+{
+    constexpr size_t kMost = 4;
+    return !array.empty() && array.size() <= kMost
+        && std::all_of(array.begin(), array.end(), [](const Json& member) { return member.is_number(); });
+}
+
 /// What a document holds at some place, briefly.
 std::string Shown(const Json& json)
 {
-    if (json.is_array())
-        return json.empty() ? "an empty array" : fmt::format("an array of {}", json.size());
     if (json.is_object())
         return "an object";
-    const std::string text = json.dump();
-    if (text.size() <= kShownBytes)
-        return text;
+    if (!json.is_array() || IsShortList(json))
+        if (std::string text = json.dump(); text.size() <= kShownBytes)
+            return text;
+    if (json.is_array())
+        return json.empty() ? "an empty array" : fmt::format("an array of {}", json.size());
     return json.is_string() ? fmt::format("a text of {} bytes", json.get_ref<const std::string&>().size())
                             : "a long number";
 }
@@ -33,9 +41,9 @@ void JsonNode::Fail(std::string_view text) const
     throw GraphError(Printable(fWhere.empty() ? std::string(text) : fmt::format("{}: {}", fWhere, text)));
 }
 
-void JsonNode::Refuse(std::string_view expected) const
+void JsonNode::Refuse(std::string_view expected, std::string_view hint) const
 {
-    Fail(fmt::format("expected {}, got {}", expected, Shown(fJson)));
+    Fail(fmt::format("expected {}, got {}{}", expected, Shown(fJson), hint));
 }
 
 float JsonNode::Float(std::string_view expected) const

@@ -17,8 +17,9 @@ public:
 
     /// The same value under another name in texts.
     JsonNode At(std::string where) const { return {fJson, std::move(where)}; }
-    [[noreturn]] void Fail(std::string_view text) const;       ///< "where: text"
-    [[noreturn]] void Refuse(std::string_view expected) const; ///< "where: expected ..., got ..."
+    [[noreturn]] void Fail(std::string_view text) const; ///< "where: text"
+    /// "where: expected ..., got ...", and behind it the hint as it is.
+    [[noreturn]] void Refuse(std::string_view expected, std::string_view hint = "") const;
 
     bool IsNull() const { return fJson.is_null(); }
     bool IsText() const { return fJson.is_string(); }

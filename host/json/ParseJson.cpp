@@ -8,6 +8,7 @@ namespace fernwick {
 
 namespace {
 
+constexpr size_t kShownBytes = 60;
 constexpr size_t kDeepest = 256; // what reads a document may call itself as deep
 
 /// The text of an exception of the parser behind its code.
@@ -16,6 +17,41 @@ std::string Reason(const std::exception& error)
     const std::string text = error.what();
     const size_t end = text.find("] ");
     return end == std::string::npos ? text : text.substr(end + 2);
+}
+
+struct Beginning {
+    std::string_view bytes;
+    std::string_view text; ///< what begins so
+};
+
+using namespace std::string_view_literals;
+
+constexpr Beginning kBeginnings[] = {
+    {"\xFF\xFE"sv, "UTF-16 and must be UTF-8"},
+    {"\xFE\xFF"sv, "UTF-16 and must be UTF-8"},
+    {"\x89PNG"sv, "a picture (PNG)"},
+    {"\xFF\xD8\xFF"sv, "a picture (JPEG)"},
+    {"v/1\x01"sv, "a picture (EXR)"},
+    {"II*\0"sv, "a picture (TIFF)"},
+    {"MM\0*"sv, "a picture (TIFF)"},
+    {"glTF"sv, "a model (glTF)"},
+    {"PK\x03\x04"sv, "an archive (zip)"},
+    {"\x1F\x8B"sv, "compressed (gzip)"},
+    {"\177ELF"sv, "a program or a library"},
+};
+
+/// What a text is instead of JSON, by its first bytes; empty when they tell nothing.
+std::string_view OtherKind(std::string_view text)
+{
+    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos)
+        return "empty";
+    for (const Beginning& beginning : kBeginnings)
+        if (text.starts_with(beginning.bytes))
+            return beginning.text;
+    const std::string_view start = text.substr(0, 2);
+    if (start.size() == 2 && (start[0] == 0) != (start[1] == 0))
+        return "UTF-16 and must be UTF-8";
+    return text.find('\0') != std::string_view::npos ? "no text: it holds zero bytes" : "";
 }
 
 /// Makes a value of what the parser tells one by one. Left to itself the parser looks for each key through all the
@@ -42,8 +78,13 @@ public:
         MembersOf(fOpen.back()).emplace_back(name, nullptr);
         return true;
     }
-    bool parse_error(size_t, const std::string&, const Json::exception& error) override
+    bool parse_error(size_t, const std::string& token, const Json::exception& error) override
     {
+        constexpr int kOverflow = 406; // as the parser's manual has it
+        if (error.id == kOverflow)
+            Fail(fOpen.size(),
+                fmt::format("expected a number that a float can hold, got {}",
+                    token.size() <= kShownBytes ? token : "a long number"));
         throw GraphError(Printable("not JSON: " + Reason(error)));
     }
 
@@ -93,14 +134,19 @@ private:
 
     [[noreturn]] void FailTwice(const std::string& name) const
     {
+        Fail(fOpen.size() - 1, fmt::format("the key {} occurs twice in one object", Json(name).dump()));
+    }
+
+    /// Names the place of the value that comes next among the members of the first levels.
+    [[noreturn]] void Fail(size_t levels, const std::string& text) const
+    {
         std::string where;
-        for (auto level = fOpen.begin(); level + 1 != fOpen.end(); ++level)
-            if (level->value->is_array())
-                where += fmt::format("[{}]", level->value->size() - 1);
+        for (size_t i = 0; i < levels; ++i)
+            if (const Json& value = *fOpen[i].value; value.is_array())
+                where += fmt::format("[{}]", i + 1 < fOpen.size() ? value.size() - 1 : value.size());
             else
-                where += (where.empty() ? "" : ".") + MembersOf(*level).back().first;
-        throw GraphError(Printable(fmt::format("{}{}the key {} occurs twice in one object", where,
-            where.empty() ? "" : ": ", Json(name).dump())));
+                where += (where.empty() ? "" : ".") + MembersOf(fOpen[i]).back().first;
+        throw GraphError(Printable(fmt::format("{}{}{}", where, where.empty() ? "" : ": ", text)));
     }
 };
 
@@ -108,6 +154,8 @@ private:
 
 Json ParseJson(const std::string& text)
 {
+    if (const std::string_view kind = OtherKind(text); !kind.empty())
+        throw GraphError(fmt::format("not JSON: it is {}", kind));
     Builder builder;
     Json::sax_parse(text, &builder);
     return std::move(builder.fRoot);

@@ -38,6 +38,29 @@ TEST(ParseJson, NamesThePlaceOfAKeyThatOccursTwice)
         "\\u001b: the key \"\\u007f\" occurs twice in one object");
 }
 
+TEST(ParseJson, NamesThePlaceOfANumberThatNothingHolds)
+{
+    const std::string text = "expected a number that a float can hold, got ";
+    EXPECT_EQ(ErrorOf("1e400"), text + "1e400");
+    EXPECT_EQ(ErrorOf(R"({"scene": {"a": 1, "elements": [{}, {"position": [0, -1e999, 0]}]}})"),
+        "scene.elements[1].position[1]: " + text + "-1e999");
+    EXPECT_EQ(ErrorOf(R"({"a": {"b": 1)" + std::string(400, '0') + "}}"), "a.b: " + text + "a long number");
+    EXPECT_EQ(ParseJson("1e308").get<double>(), 1e308);
+}
+
+TEST(ParseJson, TellsWhatElseAFileIs)
+{
+    const auto text = [](const char* what) { return std::string("not JSON: it is ") + what; };
+    EXPECT_EQ(ErrorOf(" \n"), text("empty"));
+    EXPECT_EQ(ErrorOf("\xFF\xFE{\0}\0"), text("UTF-16 and must be UTF-8"));
+    EXPECT_EQ(ErrorOf(std::string("{\0}\0", 4)), text("UTF-16 and must be UTF-8"));
+    EXPECT_EQ(ErrorOf(std::string("\0{\0}", 4)), text("UTF-16 and must be UTF-8"));
+    EXPECT_EQ(ErrorOf("\x89PNG\r\n\x1a\n"), text("a picture (PNG)"));
+    EXPECT_EQ(ErrorOf(std::string("II*\0\b\0\0\0", 8)), text("a picture (TIFF)"));
+    EXPECT_EQ(ErrorOf(std::string("abc\0def", 7)), text("no text: it holds zero bytes"));
+    EXPECT_EQ(ParseJson("\xEF\xBB\xBF{}"), Json::object()) << "behind a byte order mark";
+}
+
 /// A search through all keys for each one takes minutes here.
 TEST(ParseJson, TakesManyKeysAndEndsSoonWithoutOne)
 {
@@ -58,8 +81,17 @@ TEST(Printable, EscapesWhatCouldSteerATerminalAndNothingElse)
 {
     EXPECT_EQ(Printable("\x1b[31mred\r\n\t\x7f"), "\\u001b[31mred\\u000d\\u000a\\u0009\\u007f");
     EXPECT_EQ(Printable("\xC2\x9B"
-                        "1m \xC2\xA0 d\xC3\xA9j\xC3\xA0 \xC2"),
-        "\\u009b1m \xC2\xA0 d\xC3\xA9j\xC3\xA0 \xC2");
+                        "1m \xC2\xA0 d\xC3\xA9j\xC3\xA0"),
+        "\\u009b1m \xC2\xA0 d\xC3\xA9j\xC3\xA0");
+}
+
+TEST(Printable, ShowsBytesThatArentUTF8InHexadecimal)
+{
+    EXPECT_EQ(Printable("\xFF fit \xC2"), "\\xff fit \\xc2");
+    EXPECT_EQ(Printable("\xE2\x82\xAC \xF0\x9F\x98\x80 \xED\x9F\xBF"),
+        "\xE2\x82\xAC \xF0\x9F\x98\x80 \xED\x9F\xBF");
+    EXPECT_EQ(Printable("\xE2\x82 \xC0\x80 \xED\xA0\x80"), "\\xe2\\x82 \\xc0\\x80 \\xed\\xa0\\x80");
+    EXPECT_EQ(Printable("\xF4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
 }
 
 } // namespace

@@ -196,7 +196,8 @@ TEST_F(ParameterTableTest, RefusedValuesNameThePlaceAndWhatWasExpected)
         std::string member;
         const char* error;
     } rows[] = {
-        {R"("fMode": "abcd")", R"(t.fMode: expected one of "ABCD" (First), "EFGH" (Second), got "abcd")"},
+        {R"("fMode": "abcd")",
+            R"(t.fMode: expected one of "ABCD" (First), "EFGH" (Second), got "abcd"; did you mean "ABCD"?)"},
         {R"("fMode": 4294967296)", "t.fMode: expected an integer of 32 bits, got 4294967296"},
         {R"("fParts": [{}])", "t.fParts: expected an array of 2, each an object, got an array of 1"},
         {R"("fGrid": "Test.fGrid")",
@@ -208,7 +209,7 @@ TEST_F(ParameterTableTest, RefusedValuesNameThePlaceAndWhatWasExpected)
         {R"("qqqqqqq": 1)",
             "t.qqqqqqq: Test has no such field; it has fMode, fGrid, fParts, fRange, fCount, fColor, fText, "
             "fMade, fLoose, fEnds, fPreset, fTyped, fSlot"},
-        {R"("fRange[0]": [1, 2, 3])", "t.fRange[0]: expected two numbers, got an array of 3"},
+        {R"("fRange[0]": [1, 2, 3])", "t.fRange[0]: expected two numbers, got [1,2,3]"},
         {R"("fRange[0]": [1, "2"])", "t.fRange[0][1]: expected a number, got \"2\""},
         {R"("fRange[0]": [1, -3.5e38])",
             "t.fRange[0][1]: expected a number that a float can hold, got -3.5e+38"},
@@ -216,7 +217,7 @@ TEST_F(ParameterTableTest, RefusedValuesNameThePlaceAndWhatWasExpected)
         {R"("fCount": 0)", "t.fCount: expected an integer from 1 to 5, got 0"},
         {R"("fCount": 2147483648)", "t.fCount: expected an integer of 32 bits, got 2147483648"},
         {R"("fCount": -2147483649)", "t.fCount: expected an integer of 32 bits, got -2147483649"},
-        {R"("fColor": [1, 2])", "t.fColor: expected four numbers from red to alpha, got an array of 2"},
+        {R"("fColor": [1, 2])", "t.fColor: expected four numbers from red to alpha, got [1,2]"},
         {R"("fText": ")" + longText + '"', "t.fText: expected a text of at most 255 bytes, got 256"},
         {R"("fText": "a\u0000b")", "t.fText: a text can't hold a zero byte"},
         {R"("fText": null)", "t.fText: expected a text, got null"},
