@@ -1,7 +1,7 @@
 #include "host/documents/SceneFile.h"
 #include "frame/Numbers.h"
+#include "host/documents/SoundMesh.h"
 #include "host/files/RegularFile.h"
-#include "host/geometry/Mesh.h"
 #include "host/json/Printable.h"
 #include "host/scene/Placement.h"
 #include <algorithm>
@@ -151,10 +151,16 @@ public:
         else
             fFile.fElements.push_back(ReadNode(root, MatrixOf(fOptions), {}));
         TellMissingUVs(name);
+        TellDamages(name);
         return std::move(fFile);
     }
 
 private:
+    struct Damaged {
+        std::string node;
+        std::vector<std::string> damages;
+    };
+
     aiMesh* const* fMeshes;
     unsigned fMeshCount;
     std::vector<const aiLight*> fLights;
@@ -163,6 +169,7 @@ private:
     const SceneFileOptions& fOptions;
     int fDepth = 0;
     std::vector<std::string> fWithoutUVs; // names of nodes
+    std::vector<Damaged> fDamaged;
     SceneFile fFile;
 
     ElementDescription ReadNode(
@@ -251,38 +258,52 @@ private:
             meshes.begin(), meshes.end(), [](const aiMesh* mesh) { return mesh->HasTextureCoords(0); });
         aiMatrix3x3 forNormals(split.rest);
         forNormals.Inverse().Transpose();
-        MeshDescription all;
+        SoundMesh all(hasUVs);
+        size_t first = 0; // vertex of the mesh among all
         for (const aiMesh* const mesh : meshes) {
-            const auto first = static_cast<unsigned>(all.fPoints.size());
             for (unsigned j = 0; j < mesh->mNumVertices; ++j) {
-                all.fPoints.push_back(VectorOf(split.rest * mesh->mVertices[j]));
                 TVector3 normal = VectorOf(forNormals * mesh->mNormals[j]);
                 Normalize(normal);
-                all.fNormals.push_back(normal);
-                if (hasUVs)
-                    all.fUVs.emplace_back(mesh->mTextureCoords[0][j].x, mesh->mTextureCoords[0][j].y);
+                const aiVector3D uv = hasUVs ? mesh->mTextureCoords[0][j] : aiVector3D();
+                all.AddVertex(VectorOf(split.rest * mesh->mVertices[j]), normal, {uv.x, uv.y});
             }
             for (unsigned j = 0; j < mesh->mNumFaces; ++j)
                 AddTriangle(mesh->mFaces[j], first, mesh->mNumVertices, all);
+            first += mesh->mNumVertices;
         }
-        if (all.fTriangles.empty())
+        if (std::vector<std::string> damages = all.Damages(); !damages.empty())
+            fDamaged.push_back({node.mName.C_Str(), std::move(damages)});
+        if (all.IsEmpty())
             return nullptr;
         uvSets = hasUVs ? 1 : 0;
         if (!hasUVs)
             fWithoutUVs.emplace_back(node.mName.C_Str());
-        return MakeMesh(std::move(all));
+        return MakeMesh(all.Take());
     }
 
     /// @param first  place of the mesh's first vertex among all
     /// @param count  of the mesh's vertices
-    static void AddTriangle(const aiFace& face, unsigned first, unsigned count, MeshDescription& all)
+    static void AddTriangle(const aiFace& face, size_t first, unsigned count, SoundMesh& all)
     {
         if (face.mNumIndices != 3 || face.mIndices == nullptr)
             return;
         const unsigned* const corners = face.mIndices;
         if (corners[0] >= count || corners[1] >= count || corners[2] >= count)
             throw SceneFileError("a triangle has a corner that the file doesn't hold");
-        all.fTriangles.push_back({first + corners[0], first + corners[1], first + corners[2]});
+        all.AddTriangle({first + corners[0], first + corners[1], first + corners[2]});
+    }
+
+    void TellDamages(const std::string& name)
+    {
+        constexpr size_t kMost = 5;
+        const size_t told = std::min(fDamaged.size(), kMost);
+        for (size_t i = 0; i < told; ++i)
+            for (const std::string& damage : fDamaged[i].damages)
+                fFile.fNotices.push_back(
+                    Printable(fmt::format("{}: \"{}\": {}", name, fDamaged[i].node, damage)));
+        if (told < fDamaged.size())
+            fFile.fNotices.push_back(Printable(
+                fmt::format("{}: {} more nodes are damaged in the same ways", name, fDamaged.size() - told)));
     }
 
     void TellMissingUVs(const std::string& name)
@@ -347,6 +368,22 @@ private:
     }
 };
 
+/// What an importer tells of a file that it didn't read; of one that no reader takes, which are taken.
+std::string WhyNotRead(const Assimp::Importer& importer)
+{
+    const std::string reason = importer.GetErrorString();
+    if (reason.find("mNumMeshes is 0") != std::string::npos)
+        return "it holds no mesh";
+    if (!reason.starts_with("No suitable reader"))
+        return reason;
+    std::string endings; // such as "*.3d;*.3ds"
+    importer.GetExtensionList(endings);
+    for (size_t star = endings.find("*."); star != std::string::npos; star = endings.find("*.", star))
+        endings.replace(star, 2, star == 0 ? "." : " .");
+    std::replace(endings.begin(), endings.end(), ';', ',');
+    return "no reader takes it for its own; files are read that end in " + endings;
+}
+
 } // namespace
 
 SceneFile ReadSceneFile(const std::filesystem::path& file, const SceneFileOptions& options)
@@ -372,7 +409,7 @@ SceneFile ReadSceneFile(
             | aiProcess_JoinIdenticalVertices);
     }
     if (scene == nullptr || scene->mRootNode == nullptr)
-        throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), importer.GetErrorString()));
+        throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), WhyNotRead(importer)));
     std::string ending = file.extension().string();
     std::transform(ending.begin(), ending.end(), ending.begin(),
         [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });

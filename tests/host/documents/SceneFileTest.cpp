@@ -111,6 +111,36 @@ TEST_F(SceneFileTest, WhatManyMeshesLackIsToldOnce)
             "along X and Y stand in"));
 }
 
+TEST_F(SceneFileTest, DamagedMeshesAreMendedAndTold)
+{
+    const SceneFile file = ReadSceneFile(Store("hurt.obj",
+        "o A\nv 0 0 0\nv 2 0 0\nv 0 2 0\nv nan 0 0\nv 1e38 0 1\nv 5 0 0\nvt 0 0\nvt 1 0\nvt nan 1\n"
+        "vn 0 0 1\nvn nan 0 0\nf 1/1/1 2/2/1 3/3/2\nf 2/1/1 4/2/1 3/2/1\nf 2/1/1 5/2/1 3/2/1\nf 1/1/1 2/2/1 "
+        "6/2/1\n"));
+    ASSERT_EQ(file.fElements.size(), 1u);
+    EXPECT_THAT(file.fNotices,
+        testing::ElementsAre(
+            testing::MatchesRegex(
+                "hurt.obj: \"A\": 2 of [0-9]+ vertices have a NaN, an infinity or a coordinate "
+                "beyond 1e18; they and 2 of 4 triangles are left out"),
+            testing::MatchesRegex(
+                "hurt.obj: \"A\": 1 of [0-9]+ vertices have a NaN or an infinity in their normal "
+                "or UV; the normal of the triangle and 0 stand in"),
+            "hurt.obj: \"A\": 1 of 4 triangles have no area, and no ray meets them"));
+    const Geometry& shape = *file.fElements[0].fGeometry;
+    EXPECT_EQ(shape.Bounds().fMax[0], 5);
+    const auto hit = shape.Cast({0.5f, 0.5f, 1}, {0, 0, -1}, 0, 2);
+    ASSERT_TRUE(hit);
+    const SurfacePoint point = shape.PointAt(*hit);
+    EXPECT_LT(Length(point.fNormal - TVector3(0, 0, 1)), 1e-6);
+    EXPECT_NEAR(point.fUV[0], 0.25, 1e-6);
+    EXPECT_EQ(point.fUV[1], 0.25f);
+    EXPECT_EQ(ReadSceneFile(Store("lost.obj", "o A\nv nan 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"))
+                  .fElements[0]
+                  .fGeometry,
+        nullptr);
+}
+
 TEST_F(SceneFileTest, ScaledAndMirroredMeshesKeepTheirOuterSide)
 {
     for (const float mirror : {1.0f, -1.0f}) {
