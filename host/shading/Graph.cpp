@@ -13,6 +13,18 @@ MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTa
                                : ShaderWrapper::Make(library, table.fClassIDs.front());
 }
 
+std::vector<bool> NeededFor(const GraphDocument& document, std::span<const size_t> shaders)
+{
+    std::vector<bool> needed(document.Shaders().size());
+    for (const size_t shader : shaders)
+        needed[shader] = true;
+    for (size_t i = needed.size(); i-- > 0;) // each lies behind those that it plugs in
+        if (needed[i])
+            for (const size_t below : PluggedIn(document.Shaders()[i]))
+                needed[below] = true;
+    return needed;
+}
+
 Graph::Graph(const Library& library, const GraphDocument& document) : fOutputIndex(document.OutputIndex())
 {
     if (document.Scene())
@@ -21,11 +33,12 @@ Graph::Graph(const Library& library, const GraphDocument& document) : fOutputInd
         fShaders.push_back(Make(library, document.Shaders()[i]));
 }
 
-Graph::Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene)
+Graph::Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene,
+    const std::vector<bool>& needed)
     : fScene(scene), fOutputIndex(document.OutputIndex())
 {
     for (const DocumentShader& shader : document.Shaders())
-        fShaders.push_back(Make(library, shader));
+        fShaders.push_back(needed.empty() || needed[fShaders.size()] ? Make(library, shader) : LiveShader());
 }
 
 I3DExShader* Graph::Extension(size_t index) const

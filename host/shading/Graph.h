@@ -1,6 +1,7 @@
 #pragma once
 #include "host/documents/GraphDocument.h"
 #include "host/library/ShaderWrapper.h"
+#include <span>
 
 namespace fernwick {
 
@@ -10,15 +11,21 @@ class Library;
 /// library refuses. Throws `LibraryError` when there is no such module.
 MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTable& table);
 
-/// The live objects of a document's output and of everything below it, or of all its shaders. A shader serves one thread at a time, so
-/// every thread makes its own graph; making and releasing is for one thread at a time.
+/// Which shaders of a document are needed for those at the given places: these and everything below them.
+std::vector<bool> NeededFor(const GraphDocument& document, std::span<const size_t> shaders);
+
+/// The live objects of a document's output and of everything below it, or of those that are needed. A shader serves one
+/// thread at a time, so every thread makes its own graph; making and releasing is for one thread at a time.
 class Graph {
 public:
     /// Makes the objects by the change protocol, children before parents. Throws `GraphError`, and then leaves
     /// nothing behind.
     Graph(const Library& library, const GraphDocument& document);
     /// Makes the objects of all shaders of the document, over a scene that graphs share. Throws `GraphError`.
-    Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene);
+    /// @param needed  those that are made, see `NeededFor`; the others mustn't be asked for but by `Extension`. Empty
+    ///                for all
+    Graph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene,
+        const std::vector<bool>& needed = {});
     Graph(const Graph&) = delete;
     Graph& operator=(const Graph&) = delete;
 
@@ -32,7 +39,7 @@ public:
 
     /// A shader by its place in the document.
     IShellShader& Shader(size_t index) const { return *fShaders[index].fFace; }
-    /// The same as the library made it; null when it is one of the host's sources.
+    /// The same as the library made it; null when it is one of the host's sources, or isn't needed.
     I3DExShader* Extension(size_t index) const;
 
     /// The shaded object, for `ShadingIn::fInstance`; null when the document has no scene.
@@ -42,7 +49,7 @@ public:
 private:
     struct LiveShader {
         MCCountedPtr<IShellShader> fFace;
-        MCCountedPtr<ShaderWrapper> fWrapper; // null for a source
+        MCCountedPtr<ShaderWrapper> fWrapper; // null for a source; both are for one that isn't needed
     };
 
     MCCountedPtr<Scene> fScene;

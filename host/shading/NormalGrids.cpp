@@ -6,16 +6,6 @@ namespace fernwick {
 
 namespace {
 
-bool Uses(const GraphDocument& document, size_t shader, size_t wanted)
-{
-    if (shader == wanted)
-        return true;
-    for (const size_t below : PluggedIn(document.Shaders()[shader]))
-        if (Uses(document, below, wanted))
-            return true;
-    return false;
-}
-
 /// The grid of a shader; null for one that has none.
 MCCountedPtr<INormalGrid> GridOf(const Graph& graph, size_t shader)
 {
@@ -37,7 +27,7 @@ NormalGrids::NormalGrids(
         Grid& grid = fGrids.emplace_back(Grid{shader, {}});
         const int edge = found->GetEdge();
         for (size_t i = 0; i < shaders.size(); ++i)
-            if (Uses(document, shaders[i], shader))
+            if (NeededFor(document, {&shaders[i], 1})[shader])
                 scene.Shapes()[i]->Shape()->Shape().LayOutNormals(
                     edge, [&grid](int u, int v, const TVector3& normal) {
                         grid.cells.push_back({u, v, normal});

@@ -8,7 +8,7 @@ namespace fernwick {
 /// directly or plugged in, laid out by UV in tree order, so that a later element covers an earlier one.
 class NormalGrids {
 public:
-    /// @param graph    any one of the document, with all shaders
+    /// @param graph    any one of the document, with all that these shaders need
     /// @param shaders  by shape of the scene, the place of its shader in the document
     NormalGrids(const GraphDocument& document, const Graph& graph, const Scene& scene,
         const std::vector<size_t>& shaders);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <unordered_map>
 
 namespace fernwick {
 
@@ -147,7 +148,8 @@ public:
         : fLibrary(library), fDocument(document), fJob(job), fRegion(RegionOf(job)),
           fDescription(DescribeScene(document, job)), fScene(MakeScene()), fWorld(*fScene),
           fEye(FindCamera(*fScene, fScene->CameraName()), job), fPattern(job.samples),
-          fShaders(FindShaders()), fGrids(document, *MakeGraph(library, document, fScene), *fScene, fShaders)
+          fShaders(FindShaders()), fNeeded(NeededFor(document, fShaders)),
+          fGrids(document, *MakeGraph(library, document, fScene, fNeeded), *fScene, fShaders)
     { }
 
     std::optional<Picture> Run()
@@ -174,6 +176,7 @@ private:
     Eye fEye;
     PixelPattern fPattern;
     std::vector<size_t> fShaders; // by shape of the scene, its place in the document
+    std::vector<bool> fNeeded;    // by place in the document
     NormalGrids fGrids;
 
     static std::vector<std::string> CameraNames(const Scene& scene)
@@ -216,15 +219,18 @@ private:
 
     std::vector<size_t> FindShaders() const
     {
+        if (fScene->Shapes().empty())
+            throw RenderError("the scene has no shape to see; give an element a \"shape\", or the scene a "
+                              "\"file\" that holds some");
+        std::unordered_map<std::string_view, size_t> byName;
+        for (const DocumentShader& shader : fDocument.Shaders())
+            byName.emplace(shader.fName, byName.size());
         std::vector<size_t> places;
         for (const SceneElement* const element : fScene->Shapes()) {
             const LookDescription& look = element->Look();
             const std::optional<std::string>& name = look.fOwnShader ? look.fOwnShader : look.fShader;
-            const auto& all = fDocument.Shaders();
-            const auto found = std::find_if(all.begin(), all.end(),
-                [&name](const DocumentShader& shader) { return shader.fName == name; });
-            places.push_back(
-                found != all.end() ? static_cast<size_t>(found - all.begin()) : fDocument.OutputIndex());
+            const auto found = name ? byName.find(*name) : byName.end();
+            places.push_back(found != byName.end() ? found->second : fDocument.OutputIndex());
         }
         return places;
     }
@@ -233,7 +239,7 @@ private:
     {
         // Shaders that ask the scene count its parts several times a sample: threads that share one are slower.
         const MCCountedPtr<Scene> scene = MakeScene();
-        const OwnGraph graph = MakeGraph(fLibrary, fDocument, scene);
+        const OwnGraph graph = MakeGraph(fLibrary, fDocument, scene, fNeeded);
         fGrids.Fill(*graph);
         std::vector<Surface> surfaces;
         for (size_t i = 0; i < fShaders.size(); ++i)

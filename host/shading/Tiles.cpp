@@ -71,10 +71,11 @@ OwnGraph MakeGraph(const Library& library, const GraphDocument& document)
     return OwnGraph(new Graph(library, document));
 }
 
-OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene)
+OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene,
+    const std::vector<bool>& needed)
 {
     const std::lock_guard lock(gGraphMutex);
-    return OwnGraph(new Graph(library, document, scene));
+    return OwnGraph(new Graph(library, document, scene, needed));
 }
 
 bool ForEachTile(const TileJob& job, const std::function<void(const Tile&)>& shade)

@@ -19,7 +19,8 @@ using OwnGraph = std::unique_ptr<Graph, GraphRelease>;
 /// Makes a graph, from any thread: graphs are made and released one at a time, since the library's counts are
 /// plain numbers. The arguments are those of `Graph`. Throws `GraphError`.
 OwnGraph MakeGraph(const Library& library, const GraphDocument& document);
-OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene);
+OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene,
+    const std::vector<bool>& needed = {});
 
 /// A part of a picture in pixels, such as a tile; the ends aren't in it.
 struct Tile {

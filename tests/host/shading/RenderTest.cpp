@@ -301,10 +301,15 @@ TEST_F(RenderTest, WrongScenesAndCamerasAreRefusedWithThePlace)
         {element(R"("light": {"kind": "point", "cone": [1, 2]})"), "",
             "scene.elements[0].light.cone: only a spot has a cone"},
         {element(R"("light": {"range": [2, 1]})"), "",
-            "scene.elements[0].light.range: expected two numbers from 0, in ascending order, got an array of "
-            "2"},
+            "scene.elements[0].light.range: expected two numbers from 0, in ascending order, got [2,1]"},
         {element(R"("rotation": [0, 0, 0], "lookAt": [0, 0, 1])"), "",
             "scene.elements[0].lookAt: an element has either a \"rotation\" or a \"lookAt\""},
+        {element(R"("position": [1, 2, 3], "lookAt": [1, 2, 3])"), "",
+            "scene.elements[0].lookAt: it is where the element lies, and no direction; move it or the "
+            "\"position\""},
+        {Document(output, Elements(kEye)), "",
+            "the scene has no shape to see; give an element a \"shape\", or the scene a \"file\" that holds "
+            "some"},
     };
     for (const auto& [document, camera, error] : rows)
         EXPECT_EQ(ErrorOf(document, camera), error);
