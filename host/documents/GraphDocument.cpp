@@ -172,8 +172,10 @@ GraphDocument GraphDocument::Make(const Json& json, const std::filesystem::path&
     root.RequireKeys({"$schema", "shaders", "output", "scene"});
     const auto shaders = root.Find("shaders");
     const auto output = root.Find("output");
-    if (!shaders || !output)
-        root.Fail("a graph needs \"shaders\" and the name of the \"output\"");
+    if (!shaders)
+        root.Fail("there is no \"shaders\"; a graph needs its \"shaders\" and the name of the \"output\"");
+    if (!output)
+        root.Fail("there is no \"output\"; a graph needs the name of the shader that is shown");
 
     ShaderNames names;
     for (const auto& [name, node] : shaders->Members())
@@ -204,6 +206,8 @@ GraphDocument GraphDocument::Make(const Json& json, const std::filesystem::path&
     document.fShaders = Reordered(read, sorter.Order());
     if (const auto scene = root.Find("scene")) {
         document.fScene = ReadScene(*scene, names, folder, files);
+        for (const std::string& shared : FindSharedNames(*document.fScene))
+            document.fDoubts.push_back(Printable(shared));
         AddStandInLights(LightNames(document.fShaders), *document.fScene);
     }
     for (DocumentShader& shader : document.fShaders)

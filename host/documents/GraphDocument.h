@@ -47,7 +47,7 @@ std::string TitleOf(const DocumentShader& shader, const void* record);
 /// Values may change over frames: see `Keys`.
 class GraphDocument {
 public:
-    /// Reads a file of at most 64 MiB, at the frame 1. Throws `GraphError`, which names it.
+    /// Reads a file as `ReadGraphFile` does, at the frame 1. Throws `GraphError`, which names it.
     static GraphDocument Read(const std::filesystem::path& file);
     /// Reads a text, at the frame 1. Throws `GraphError`.
     /// @param folder  where relative file names start
@@ -62,7 +62,8 @@ public:
     const DocumentShader& Output() const { return fShaders[fOutputIndex]; }
     uint32_t OutputKinds() const { return static_cast<uint32_t>(Output().fTable->fOutputKinds); }
     const std::optional<SceneDescription>& Scene() const { return fScene; }
-    /// What is taken as it is and may yet be a slip (see `FindDoubts`): a place and what is expected there, each.
+    /// What is taken as it is and may yet be a slip: a place and what is expected there (see `FindDoubts`), or what a
+    /// name finds that several elements have.
     const std::vector<std::string>& Doubts() const { return fDoubts; }
 
 private:

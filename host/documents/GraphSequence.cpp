@@ -11,6 +11,11 @@ namespace {
 
 constexpr size_t kMostBytes = 64 << 20; // of a file
 
+bool IsStdin(const std::filesystem::path& file) { return file == "-"; }
+
+/// What texts call a file.
+std::string NameOf(const std::filesystem::path& file) { return IsStdin(file) ? "stdin" : file.string(); }
+
 /// All of a file, or of a pipe that ends.
 std::string TextOf(const std::filesystem::path& file)
 {
@@ -51,8 +56,8 @@ template <class Make> auto Named(const std::string& name, const Make& make)
 
 Json ReadGraphFile(const std::filesystem::path& file)
 {
-    const std::string text = TextOf(file);
-    return Named(file.string(), [&text] { return ParseJson(text); });
+    const std::string text = TextOf(IsStdin(file) ? "/dev/stdin" : file);
+    return Named(NameOf(file), [&text] { return ParseJson(text); });
 }
 
 GraphSequence::GraphSequence(Json document, std::string name, std::filesystem::path folder)
@@ -61,7 +66,7 @@ GraphSequence::GraphSequence(Json document, std::string name, std::filesystem::p
 { }
 
 GraphSequence::GraphSequence(Json document, const std::filesystem::path& file)
-    : GraphSequence(std::move(document), file.string(), std::filesystem::absolute(file).parent_path())
+    : GraphSequence(std::move(document), NameOf(file), std::filesystem::absolute(file).parent_path())
 { }
 
 GraphDocument GraphSequence::At(double frame)

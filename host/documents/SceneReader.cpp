@@ -5,6 +5,7 @@
 #include "host/scene/Placement.h"
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 #include <unordered_map>
 
 namespace fernwick {
@@ -169,6 +170,14 @@ CameraDescription ReadCamera(const JsonNode& node)
     return camera;
 }
 
+void CollectNames(const std::vector<ElementDescription>& elements, std::vector<std::string>& names)
+{
+    for (const ElementDescription& element : elements) {
+        names.push_back(element.fName);
+        CollectNames(element.fChildren, names);
+    }
+}
+
 /// Reads scenes, with what they refer to at hand.
 class Reader {
 public:
@@ -275,7 +284,10 @@ private:
             if (node.Find("rotation"))
                 target->Fail("an element has either a \"rotation\" or a \"lookAt\"");
             const TVector3 position = element.fPlace.fTranslation;
-            element.fPlace = FacingTo(target->Vector3() - position);
+            const TVector3 direction = target->Vector3() - position;
+            if (direction == TVector3())
+                target->Fail("it is where the element lies, and no direction; move it or the \"position\"");
+            element.fPlace = FacingTo(direction);
             element.fPlace.fTranslation = position;
         }
         if (const auto hotPoint = node.Find("hotPoint"))
@@ -369,14 +381,6 @@ private:
         node.Fail(fmt::format("there is no element \"{}\"{}", name, NearestHint(name, names)));
     }
 
-    static void CollectNames(const std::vector<ElementDescription>& elements, std::vector<std::string>& names)
-    {
-        for (const ElementDescription& element : elements) {
-            names.push_back(element.fName);
-            CollectNames(element.fChildren, names);
-        }
-    }
-
     static std::string ReadCameraName(const JsonNode& node, const SceneDescription& scene)
     {
         std::vector<std::string> names{scene.fShaded.fName};
@@ -394,6 +398,25 @@ SceneDescription ReadScene(
     const JsonNode& node, const ShaderNames& names, const std::filesystem::path& folder, DocumentFiles& files)
 {
     return Reader(names, folder, files).Read(node);
+}
+
+std::vector<std::string> FindSharedNames(const SceneDescription& scene)
+{
+    constexpr size_t kMost = 8;
+    std::vector<std::string> names = {"Scene"}; // in tree order
+    CollectNames(scene.fElements, names);
+    names.push_back(scene.fShaded.fName);
+    std::map<std::string_view, size_t> counts;
+    std::vector<std::string> shared;
+    for (const std::string& name : names)
+        if (!name.empty() && ++counts[name] == 2 && shared.size() < kMost)
+            shared.push_back(name);
+    std::vector<std::string> texts;
+    for (const std::string& name : shared)
+        texts.push_back(
+            fmt::format("scene: {} elements are named \"{}\"{}; what looks for the name finds the first",
+                counts[name], name, name == names.front() ? ", as the root is" : ""));
+    return texts;
 }
 
 } // namespace fernwick

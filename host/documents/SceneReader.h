@@ -35,4 +35,8 @@ namespace fernwick {
 SceneDescription ReadScene(const JsonNode& node, const ShaderNames& names,
     const std::filesystem::path& folder, DocumentFiles& files);
 
+/// Names that several elements of a scene have, among them the root "Scene" and the shaded object, each with what
+/// finds which; of very many the first. Shaders and `camera` look for elements by name.
+std::vector<std::string> FindSharedNames(const SceneDescription& scene);
+
 } // namespace fernwick

@@ -103,7 +103,8 @@ TEST_F(GraphTest, WrongDocumentsAreRefusedWithThePlace)
         const char* error;
     } rows[] = {
         {"[]", "expected an object, got an empty array"},
-        {"{}", "a graph needs \"shaders\" and the name of the \"output\""},
+        {"{}", "there is no \"shaders\"; a graph needs its \"shaders\" and the name of the \"output\""},
+        {R"({"shaders": {}})", "there is no \"output\"; a graph needs the name of the shader that is shown"},
         {R"({"shader": {}, "output": "key"})", "shader: there is no such key; did you mean \"shaders\"?"},
         {R"({"shaders": [], "output": "key"})", "shaders: expected an object, got an empty array"},
         {R"({"shaders": {"": {"class": "Key"}}, "output": ""})", "shaders: a shader needs a name"},
@@ -119,6 +120,9 @@ TEST_F(GraphTest, WrongDocumentsAreRefusedWithThePlace)
             "key.fSubshader: Key has no such field; did you mean \"fSubShader\"?"},
         {key(R"("class": "Key", "fMode": true)"),
             "key.fMode: expected one of \"KEYM\" (Mask), \"KEYA\" (Cut-out), got true"},
+        {key(R"("class": "Key", "fMode": "mask")"),
+            "key.fMode: expected one of \"KEYM\" (Mask), \"KEYA\" (Cut-out), got \"mask\"; did you mean "
+            "\"Mask\"?"},
         {key(R"("class": "Key", "fSubShader": "key")"),
             "key: the shaders are plugged in a circle: key -> key"},
         {WithShaders(R"("key": {"class": "Key", "fSubShader": "a"}, "a": {"class": "Key", "fSubShader": "b"},
@@ -250,6 +254,19 @@ TEST_F(GraphTest, DoubtsAndErrorsNameThePlaceInPlainCharacters)
             "in its own way"));
     EXPECT_THAT(ErrorOf(WithShaders(R"("key": {"class": "Key", "\u001b]0;x\u0007": 1})")),
         testing::StartsWith("key.\\u001b]0;x\\u0007: Key has no such field"));
+}
+
+TEST_F(GraphTest, NamesThatSeveralElementsHaveAreDoubtful)
+{
+    const auto doubts = [](const std::string& scene) {
+        return Parse(WithShaders(R"("key": {"class": "Key"})", ", \"scene\": " + scene)).Doubts();
+    };
+    EXPECT_THAT(doubts(R"({"elements": [{"name": "Lamp", "children": [{"name": "Lamp"}, {"name": "Eye"}]},
+                    {"name": "Scene"}, {"name": "Lamp"}], "shaded": {"name": "Eye"}})"),
+        testing::ElementsAre("scene: 3 elements are named \"Lamp\"; what looks for the name finds the first",
+            "scene: 2 elements are named \"Scene\", as the root is; what looks for the name finds the first",
+            "scene: 2 elements are named \"Eye\"; what looks for the name finds the first"));
+    EXPECT_THAT(doubts(R"({"elements": [{"name": "Lamp"}, {"name": "lamp"}]})"), testing::IsEmpty());
 }
 
 TEST_F(GraphTest, FilesAreFoundFromTheDocumentsFolder)
@@ -384,7 +401,7 @@ TEST_F(GraphTest, WrongScenesAreRefusedWithThePlace)
         {R"({"elements": [{}]})", "scene.elements[0]: an element needs a \"name\""},
         {R"({"elements": [{"name": ""}]})", "scene.elements[0].name: expected a name, got \"\""},
         {R"({"elements": [{"name": "a", "position": [1, 2]}]})",
-            "scene.elements[0].position: expected three numbers, got an array of 2"},
+            "scene.elements[0].position: expected three numbers, got [1,2]"},
         {R"({"elements": [{"name": "a", "hotpoint": [1, 2, 3]}]})",
             "scene.elements[0].hotpoint: there is no such key; did you mean \"hotPoint\"?"},
         {R"({"elements": [{"name": "Lamp"}], "camera": "Lamb"})",
