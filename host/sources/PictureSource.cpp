@@ -1,6 +1,7 @@
 #include "host/sources/PictureSource.h"
 #include "host/files/PictureAttributes.h"
 #include "host/files/RegularFile.h"
+#include "host/sources/PngChunks.h"
 #include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int kLongestSide = 65536;                      // pixels
 constexpr OIIO::imagesize_t kMostPixels = 16384 * 16384; // 4 GB of colours
+constexpr const char* kLimitAttribute = "limits:imagesize_MB";
 
 /// The decoders that bear damaged files. Those of IFF, RLA and Softimage crash or hang, and others aren't for pictures.
 constexpr const char* kFormats[] = {"openexr", "tiff", "jpeg", "png", "gif", "bmp", "hdr", "webp", "pnm",
@@ -43,6 +45,15 @@ void RequireSensible(const OIIO::ImageSpec& layout, const std::filesystem::path&
         throw Unreadable(file, "");
 }
 
+/// Throws, with the size, when what a decoder tells is that the picture would take more memory than there is for it.
+void RequireMemory(const OIIO::ImageSpec& layout, std::string_view reason, const std::filesystem::path& file)
+{
+    if (reason.find(kLimitAttribute) != std::string_view::npos)
+        throw Unreadable(file,
+            fmt::format("it is said to have {} x {} pixels of {} channels, which take more than 4 GB",
+                layout.width, layout.height, layout.nchannels));
+}
+
 /// The decoder of a file by the end of its name, or else the one that takes it for its own; null for none.
 std::unique_ptr<OIIO::ImageInput> CreateDecoder(const std::filesystem::path& file)
 {
@@ -65,7 +76,7 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::
 {
     // Some decoders take the memory for a whole picture while they open it.
     constexpr int kMostMegabytes = static_cast<int>(kMostPixels * sizeof(TMCColorRGBA) >> 20);
-    [[maybe_unused]] static const bool isLimited = OIIO::attribute("limits:imagesize_MB", kMostMegabytes);
+    [[maybe_unused]] static const bool isLimited = OIIO::attribute(kLimitAttribute, kMostMegabytes);
     if (file.empty())
         throw SourceError("file: expected the name of a picture file, got none");
     if (const std::string reason = WhyNoFile(file); !reason.empty())
@@ -75,8 +86,14 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::
     auto input = CreateDecoder(file);
     if (!input)
         throw Unreadable(file, "it is of no format that is known");
-    if (!input->open(file.string(), layout, wishes))
-        throw Unreadable(file, input->geterror());
+    if (input->format_name() == std::string_view("png"))
+        if (const std::string reason = WhyNoPng(file); !reason.empty())
+            throw Unreadable(file, reason);
+    if (!input->open(file.string(), layout, wishes)) {
+        const std::string reason = input->geterror();
+        RequireMemory(input->spec(), reason, file);
+        throw Unreadable(file, reason);
+    }
     RequireSensible(layout, file);
     return input;
 }

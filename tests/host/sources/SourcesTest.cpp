@@ -204,9 +204,20 @@ TEST_F(SourcesTest, ADecoderIsntTrusted)
         EXPECT_THAT(errorOf(name), testing::HasSubstr(name + " can't be read: ")) << format;
     }
 
+    testing::internal::CaptureStderr();
+    std::string bytes = FileOf("png", {0.3f, 0.5f, 0.7f});
+    const PictureFile shortened("fernwick_cut.png", bytes.substr(0, bytes.size() - 1));
+    EXPECT_THAT(errorOf("fernwick_cut.png"), testing::EndsWith("it is cut off"));
+    bytes[bytes.find("IHDR") + 7] ^= 1; // of the width
+    const PictureFile damaged("fernwick_damaged.png", bytes);
+    EXPECT_THAT(errorOf("fernwick_damaged.png"), testing::EndsWith("it is damaged"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "a decoder prints of its own";
+
     using namespace std::string_literals;
     const PictureFile huge("fernwick_huge.png",
-        "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\xea\x60\0\0\xea\x60\x08\x06\0\0\0\x80\xd2\x75\x42\0\0\0\0IDAT\x35\xaf\x06\x1e"s);
+        "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\xea\x60\0\0\xea\x60\x08\x06\0\0\0\x80\xd2\x75\x42\0\0\0\0IDAT\x35"
+        "\xaf\x06\x1e"
+        "\0\0\0\0IEND\xae\x42\x60\x82"s);
     EXPECT_THAT(errorOf("fernwick_huge.png"),
         testing::HasSubstr("it is said to have 60000 x 60000 pixels; the most are 16384 x 16384"));
 }
