@@ -90,7 +90,7 @@ void Chart::Heading(double left, double top, const std::string& text)
     cairo_set_font_size(fCanvas->fContext, kTextSize);
 }
 
-void Chart::Frame(const ChartFrame& frame, const std::string& title)
+void Chart::Frame(const ChartFrame& frame, const std::string& title, const std::string& details)
 {
     const ChartArea& area = frame.fArea;
     UseInk(kGrid, 1);
@@ -104,7 +104,8 @@ void Chart::Frame(const ChartFrame& frame, const std::string& title)
     });
     AxisBelow(area, frame.fAcross);
     AxisBeside(area, frame.fUp);
-    Text(area.fLeft, area.fTop - kTitleGap, Anchor::kLeft, title);
+    Text(area.fLeft, area.fTop - kTitleGap - kTextSize - 4, Anchor::kLeft, title);
+    Text(area.fLeft, area.fTop - kTitleGap, Anchor::kLeft, details);
 }
 
 void Chart::Curve(const ChartFrame& frame, const ChartPen& pen, std::span<const ChartPoint> points)

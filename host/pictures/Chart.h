@@ -57,8 +57,8 @@ public:
 
     void Heading(double left, double top, const std::string& text);
 
-    /// The ticks, numbers and titles of both axes, a grid, and a title above.
-    void Frame(const ChartFrame& frame, const std::string& title);
+    /// The ticks, numbers and titles of both axes, a grid, and above a title with a line of details below it.
+    void Frame(const ChartFrame& frame, const std::string& title, const std::string& details);
     /// A line through `points`, cut off at the edges of the frame's area.
     void Curve(const ChartFrame& frame, const ChartPen& pen, std::span<const ChartPoint> points);
     /// A short line of a pen with what it stands for.

@@ -64,10 +64,25 @@ constexpr ChartPen kPenS = {{0, 0.45f, 0.70f}};
 constexpr ChartPen kPenP = {{0.84f, 0.37f, 0}, true};
 constexpr ChartPen kPenEven = {{0.2f, 0.2f, 0.2f}};
 
-std::string MediumText(int row)
+/// A preset by what its numbers are like; the table has no names.
+struct NamedPreset {
+    int fRow; ///< of kOpticalPresets
+    const char* fName;
+};
+
+constexpr NamedPreset kPlottedPresets[] = {
+    {2, "crown glass"},
+    {3, "diamond"},
+    {19, "dark stone"},
+    {11, "dull metal"},
+    {9, "aluminium"},
+    {12, "magnetic iron"},
+};
+
+std::string NumbersText(int row)
 {
     const OpticalMedium& medium = kOpticalPresets[row];
-    std::string text = fmt::format("Row {}: n = {:.4g}", row, medium.fIndexRe);
+    std::string text = fmt::format("n = {:.4g}", medium.fIndexRe);
     if (medium.fIndexIm > 0.001f)
         text += fmt::format(" + {:.4g} i", medium.fIndexIm);
     if (medium.fPermeability > 2)
@@ -85,17 +100,17 @@ void DrawCurve(Chart& chart, const ChartFrame& frame, const ChartPen& pen, const
 
 Picture DrawReflectance(const Library& library)
 {
-    constexpr int kRows[] = {2, 3, 19, 11, 9, 12};
-    Chart chart(1010, 665);
+    Chart chart(1010, 699);
     chart.Heading(24, 14, "Reflectance of six presets against vacuum, at 589.3 nm");
     chart.Legend(24, 44, kPenS, "s-polarised");
     chart.Legend(174, 44, kPenP, "p-polarised");
     chart.Legend(324, 44, kPenEven, "half of each, the default");
     for (int i = 0; i < 6; ++i) {
-        const ChartFrame frame = {{72 + i % 3 * 326.0, 104 + i / 3 * 285.0, 250, 210},
+        const auto& [row, name] = kPlottedPresets[i];
+        const ChartFrame frame = {{72 + i % 3 * 326.0, 121 + i / 3 * 302.0, 250, 210},
             {"Angle from the normal (degrees)", 0, 90, 15}, {"Reflectance (%)", 0, 100, 20}};
-        chart.Frame(frame, MediumText(kRows[i]));
-        const ReflectanceCurves curves = MeasureReflectance(library, kRows[i]);
+        chart.Frame(frame, fmt::format("Row {}, like {}", row, name), NumbersText(row));
+        const ReflectanceCurves curves = MeasureReflectance(library, row);
         DrawCurve(chart, frame, kPenS, curves.fS);
         DrawCurve(chart, frame, kPenP, curves.fP);
         DrawCurve(chart, frame, kPenEven, curves.fEven);
