@@ -4,12 +4,12 @@
 #include "host/shading/Graph.h"
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
-#include "tools/FieldLines.h"
+#include "tools/FieldTable.h"
 #include "tools/Kinds.h"
 #include "tools/LibraryOption.h"
 #include "tools/Names.h"
 #include "tools/ReportSummary.h"
-#include <algorithm>
+#include "tools/Wrap.h"
 #include <fmt/core.h>
 
 namespace {
@@ -78,45 +78,6 @@ Description Describe(const DescribeOptions& options)
     return description;
 }
 
-/// The columns of the table of fields, as wide as their longest entry, but for defaults that are very long.
-struct Widths {
-    size_t name = 5;
-    size_t type = 4;
-    size_t standard = 7;
-    size_t unit = 4;
-
-    void Hold(const FieldLine& line)
-    {
-        constexpr size_t kLongestDefault = 24;
-        name = std::max(name, line.name.size());
-        type = std::max(type, fernwick::TypeText(line.type).size());
-        if (line.standard.size() <= kLongestDefault)
-            standard = std::max(standard, line.standard.size());
-        unit = std::max(unit, line.unit.size());
-    }
-    std::string Line(std::string_view nameText, std::string_view typeText, std::string_view standardText,
-        std::string_view unitText, std::string_view help) const
-    {
-        return fmt::format("{:<{}}  {:<{}}  {:<{}}  {:<{}}  {}\n", nameText, name, typeText, type,
-            standardText, standard, unitText, unit, help);
-    }
-};
-
-void PrintFields(const std::vector<FieldLine>& lines)
-{
-    Widths widths;
-    for (const FieldLine& line : lines)
-        widths.Hold(line);
-    fmt::print("\n{}", widths.Line("FIELD", "TYPE", "DEFAULT", "UNIT", "WHAT IT DOES"));
-    for (const FieldLine& line : lines) {
-        fmt::print("{}",
-            widths.Line(line.name, fernwick::TypeText(line.type), line.standard.empty() ? "-" : line.standard,
-                line.unit, line.help));
-        for (const std::string& choice : line.choices)
-            fmt::print("{}", widths.Line("", "", "", "", "  " + choice));
-    }
-}
-
 void PrintText(const Description& description)
 {
     const fernwick::ParameterTable& table = description.table;
@@ -133,7 +94,7 @@ void PrintText(const Description& description)
             fmt::print("Needs       {}\n", Joined(*description.needs));
         fmt::print("Record      {} bytes\n", table.fRecordSize);
     }
-    PrintFields(description.lines);
+    fmt::print("\n{}", FieldTable(description.lines, TerminalWidth()));
 }
 
 /// A text in the notation of documents as a value; null where it is none, such as a slot's.
@@ -205,7 +166,8 @@ void AddDescribeCommand(CLI::App& app)
     AddLibraryOption(command, options->library);
     command.footer(
         "Defaults are read from an object that the library has just made. An array is one line; a\n"
-        "document, or --set of `fernwick shade`, takes it whole or by element, such as fRange[3].\n\n"
+        "document, or --set of `fernwick shade`, takes it whole or by element, such as fRange[3]. Lines are\n"
+        "as long as those of the terminal, or 80 columns.\n\n"
         "Example:\n  fernwick describe Key");
     command.callback([options] {
         const Description description = Describe(*options);

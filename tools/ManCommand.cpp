@@ -1,5 +1,6 @@
 #include "tools/Commands.h"
 #include "tools/HelpTree.h"
+#include "tools/Wrap.h"
 #include <cctype>
 #include <cstdlib>
 #include <fmt/chrono.h>
@@ -34,15 +35,9 @@ std::string Filled(const std::string& text)
 {
     constexpr size_t kLongestLine = 70; // escapes come on top
     std::string lines;
-    size_t start = 0;
-    while (text.size() - start > kLongestLine) {
-        const size_t blank = text.rfind(' ', start + kLongestLine);
-        if (blank == std::string::npos || blank <= start)
-            break;
-        lines += Line(text.substr(start, blank - start));
-        start = blank + 1;
-    }
-    return lines + Line(text.substr(start));
+    for (const std::string& line : Wrapped(text, kLongestLine))
+        lines += Line(line);
+    return lines;
 }
 
 /// One line of a footer: how deep it stands, an entry of a list before a gap, and the text.
