@@ -2,6 +2,7 @@
 #include "host/documents/HexColor.h"
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
+#include "tools/Tell.h"
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
@@ -115,6 +116,12 @@ Json SourceOf(const std::string& text, const char* option, const std::string& sh
             source["encoding"] = *label;
     source[argument->field] = ValueOf(kind->fTable, {argument->field, value}, shader);
     return source;
+}
+
+void Repetitions::Add(const char* option, const std::string& field)
+{
+    if (++fCounts[field] == 2)
+        Tell(fmt::format("{}: {} is given more than once; the last one counts", option, field));
 }
 
 size_t CountSlots(const fernwick::ParameterTable& table, const std::string& name)

@@ -1,6 +1,8 @@
 #pragma once
 #include "host/json/JsonNode.h"
 #include "host/parameters/ParameterTable.h"
+#include <map>
+#include <string>
 
 // What `--set FIELD=VALUE` and `--plug FIELD=SOURCE` mean. All of it throws `UsageError`.
 
@@ -25,6 +27,16 @@ fernwick::Json SourceOf(const std::string& text, const char* option, const std::
 
 /// Puts a member behind all others: of settings of the same field, the later one counts.
 void Put(fernwick::Json& object, const std::string& key, fernwick::Json value);
+
+/// Tells of fields that are given more than once, of each one time.
+class Repetitions {
+public:
+    /// @param field  with the name of its shader before it
+    void Add(const char* option, const std::string& field);
+
+private:
+    std::map<std::string, int> fCounts; // by field
+};
 
 /// How many slots an array of this name has; 0 when there is none.
 size_t CountSlots(const fernwick::ParameterTable& table, const std::string& name);

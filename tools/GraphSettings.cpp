@@ -4,10 +4,8 @@
 #include "host/json/Nearest.h"
 #include "tools/FieldSettings.h"
 #include "tools/Names.h"
-#include "tools/Tell.h"
 #include <filesystem>
 #include <fmt/format.h>
-#include <set>
 
 namespace {
 
@@ -51,7 +49,7 @@ public:
         if (table == nullptr)
             return;
         RequireOption(*table, target.field, true, target.shader);
-        TellTwice("--plug", target);
+        fRepetitions.Add("--plug", target.Name());
         Json plugged = value;
         if (!value.empty() && !fShaders.contains(value)) {
             plugged = NewName(target.Name());
@@ -72,7 +70,7 @@ public:
         if (table == nullptr)
             return;
         RequireOption(*table, target.field, false, target.shader);
-        TellTwice("--set", target);
+        fRepetitions.Add("--set", target.Name());
         Json given = ValueOf(*table, {target.field, value}, "--set " + target.shader);
         if (const fernwick::Field* const field = table->Find(target.field);
             field != nullptr && field->fType == fernwick::FieldType::kFile)
@@ -83,7 +81,7 @@ public:
 private:
     Json& fShaders;
     std::string fOutput;
-    std::set<std::string> fGiven; // names of fields
+    Repetitions fRepetitions;
 
     Target FindTarget(const std::string& address, const char* option) const
     {
@@ -113,12 +111,6 @@ private:
         while (fShaders.contains(name))
             name += '+';
         return name;
-    }
-
-    void TellTwice(const char* option, const Target& target)
-    {
-        if (!fGiven.insert(target.Name()).second)
-            Tell(fmt::format("{} {} is given twice; the later one counts", option, target.Name()));
     }
 
     /// Stores what the field can take, and throws for what it can't.

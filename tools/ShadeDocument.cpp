@@ -80,11 +80,13 @@ Json SceneOf(const std::string& shape, bool isLit)
 
 void ReadSets(const ShadeSettings& settings, const fernwick::ParameterTable& table, Json& shader)
 {
+    Repetitions repetitions;
     for (const std::string& text : settings.sets) {
         const Assignment set = Split(text, "--set", "fCount=8");
         if (set.field == "class" || set.field == "source")
             throw UsageError(fmt::format("{}.{}: {} has no such field", table.fName, set.field, table.fName));
         RequireOption(table, set.field, false, table.fName);
+        repetitions.Add("--set", table.fName + '.' + set.field);
         Put(shader, set.field, ValueOf(table, set, table.fName));
     }
 }
@@ -93,9 +95,11 @@ void ReadSets(const ShadeSettings& settings, const fernwick::ParameterTable& tab
 void ReadPlugs(
     const ShadeSettings& settings, const fernwick::ParameterTable& table, Json& shader, Json& shaders)
 {
+    Repetitions repetitions;
     for (const std::string& text : settings.plugs) {
         const Assignment plug = Split(text, "--plug", "fSubShader=checker");
         RequireOption(table, plug.field, true, table.fName);
+        repetitions.Add("--plug", table.fName + '.' + plug.field);
         const std::string plugged = settings.name + '.' + plug.field;
         shaders[plugged] = SourceOf(plug.value, "--plug", plugged);
         const size_t count = CountSlots(table, plug.field);

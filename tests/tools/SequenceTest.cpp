@@ -147,7 +147,7 @@ TEST_F(SequenceTest, SetAndPlugReachEveryShaderOfTheGraph)
         EXPECT_THAT(answer.error, HasSubstr(text));
     }
     EXPECT_EQ(Run("bake deep/mix.json -o b.png --size 1x1 --set odd.color=#fff --set odd.color=#000").error,
-        "fernwick: --set odd.color is given twice; the later one counts\n");
+        "fernwick: --set: odd.color is given more than once; the last one counts\n");
     EXPECT_THAT(Run("bake deep/mix.json -o b.png --size 1x1 --plug fSubShader=").error,
         HasSubstr("nothing is plugged into mix.fSubShader"));
 }
