@@ -1,5 +1,6 @@
 #include "tools/BakeOptions.h"
 #include "host/pictures/PictureWriter.h"
+#include "tools/Checks.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/PictureDoubts.h"
@@ -99,7 +100,7 @@ CLI::Option& AddBakeOptions(CLI::App& command, BakeOptions& options)
         ->type_name("CHANNEL")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->check(CLI::IsMember(ChannelNames()).description(""))
+        ->check(OneOf(ChannelNames()))
         ->default_str("color");
     command.add_flag("--lit", options.isLit, "Short for --output lit");
     command.add_flag("--directx", options.isDirectX, "Green of a normal map points down (DirectX), not up");
@@ -110,7 +111,7 @@ CLI::Option& AddBakeOptions(CLI::App& command, BakeOptions& options)
     command
         .add_option("--samples", options.samples, "Samples a pixel, for smooth edges; one is at the centre")
         ->type_name("N")
-        ->check(CLI::Range(1, kMostSamples).description(""))
+        ->check(WholeNumber(1, kMostSamples))
         ->capture_default_str();
     return picture;
 }

@@ -1,3 +1,4 @@
+#include "tools/Checks.h"
 #include "tools/Commands.h"
 #include "tools/Completion.h"
 #include <fmt/core.h>
@@ -10,7 +11,7 @@ void AddCompletionCommand(CLI::App& app)
     command.add_option("shell", *shell, "bash or zsh")
         ->required()
         ->type_name("SHELL")
-        ->check(CLI::IsMember({"bash", "zsh"}).description(""));
+        ->check(OneOf({"bash", "zsh"}));
     command.footer(
         "`source <(fernwick completion bash)` is for the shell at hand alone; zsh takes the same.\n\n"
         "Examples:\n"

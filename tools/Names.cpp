@@ -15,8 +15,8 @@ const fernwick::ParameterTable& RequireTable(const std::string& name)
 {
     const fernwick::ParameterTable* const table = FindTable(name);
     if (table == nullptr)
-        throw UsageError(fmt::format("there is no class or source \"{}\"{}; `fernwick list` names them", name,
-            fernwick::NearestHint(name, ClassAndSourceNames())));
+        throw UsageError(fmt::format("there is no class or source \"{}\"{}\n  `fernwick list` names them",
+            name, fernwick::NearestHint(name, ClassAndSourceNames())));
     return *table;
 }
 

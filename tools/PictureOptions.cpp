@@ -1,5 +1,6 @@
 #include "tools/PictureOptions.h"
 #include "host/shading/SurfaceLayers.h"
+#include "tools/Checks.h"
 #include "tools/Interrupt.h"
 #include <algorithm>
 #include <charconv>
@@ -131,7 +132,7 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
             "(half) "
             "or 32 of an .exr or .tx (else 32), 32 for floats in a .tif")
         ->type_name("N")
-        ->check(CLI::IsMember({8, 16, 32}).description(""));
+        ->check(OneOf({"8", "16", "32"}));
     command.add_flag("--straight", options.layout.straight,
         "Leaves the colours of floats as they are, not multiplied by the alpha");
     command.add_flag("--tiled", options.layout.tiled, "Lays an .exr or .tif out in tiles of 64 pixels");
@@ -140,9 +141,7 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
             fmt::format("How an .exr or .tx is compressed: {} (else zip); a .tif by zip or none",
                 fmt::join(fernwick::Compressions(), ", ")))
         ->type_name("NAME")
-        ->check(CLI::IsMember(
-            std::vector<std::string>(fernwick::Compressions().begin(), fernwick::Compressions().end()))
-                    .description(""));
+        ->check(OneOf({fernwick::Compressions().begin(), fernwick::Compressions().end()}));
     command.add_option("--size", options.size, "Width and height in pixels")
         ->type_name("WxH")
         ->check(CheckSize)
@@ -157,7 +156,7 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options)
     command
         .add_option("--threads", options.threads, "Threads to shade with; the picture doesn't depend on it")
         ->type_name("N")
-        ->check(CLI::Range(1, kMostThreads).description(""));
+        ->check(WholeNumber(1, kMostThreads));
     return picture;
 }
 
@@ -169,7 +168,7 @@ void AddLayersOption(CLI::App& command, PictureOptions& options)
         ->type_name("NAMES")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->check(CLI::IsMember(LayerNames()).description(""))
+        ->check(OneOf(LayerNames()))
         ->default_str("none");
 }
 

@@ -1,5 +1,6 @@
 #include "host/library/Library.h"
 #include "host/shading/Plots.h"
+#include "tools/Checks.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
@@ -42,7 +43,7 @@ void AddPlotCommand(CLI::App& app)
     command.add_option("plot", options->plot, "What is drawn, see below")
         ->required()
         ->type_name("PLOT")
-        ->check(CLI::IsMember(names).description(""));
+        ->check(OneOf(names));
     AddPictureOption(command, options->picture);
     AddLibraryOption(command, options->library);
     command.footer(footer + "\nExample:\n  fernwick plot reflectance -o reflectance.png");

@@ -1,5 +1,6 @@
 #include "host/library/Library.h"
 #include "host/pictures/Strip.h"
+#include "tools/Checks.h"
 #include "tools/Commands.h"
 #include "tools/GraphOptions.h"
 #include "tools/LibraryOption.h"
@@ -121,7 +122,7 @@ void AddRenderCommand(CLI::App& app)
         ->type_name("NAME");
     command.add_option("--samples", options->samples, "Samples a pixel")
         ->type_name("N")
-        ->check(CLI::Range(1, kMostSamples).description(""))
+        ->check(WholeNumber(1, kMostSamples))
         ->capture_default_str();
     AddLibraryOption(command, options->library);
     command.footer(std::string(kIntroduction) + kFramesHelp + kExamples);

@@ -1,4 +1,5 @@
 #include "tools/BakeOptions.h"
+#include "tools/Checks.h"
 #include "tools/Commands.h"
 #include "tools/GroundDocument.h"
 #include "tools/Interrupt.h"

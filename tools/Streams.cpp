@@ -3,8 +3,13 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <iostream>
 #include <unistd.h>
+
+namespace {
+
+int gStdoutFailure = 0; // as errno has it
+
+} // namespace
 
 void OpenMissingStreams()
 {
@@ -16,13 +21,22 @@ void OpenMissingStreams()
 
 void PrintOnStderr(const std::string& text) noexcept { std::fputs(text.c_str(), stderr); }
 
+void PrintOnStdout(const std::string& text) noexcept
+{
+    errno = 0;
+    if (std::fputs(text.c_str(), stdout) == EOF)
+        NoteStdoutFailure(errno);
+}
+
+void NoteStdoutFailure(int reason) noexcept { gStdoutFailure = reason; }
+
 bool FinishStreams()
 {
     errno = 0;
-    std::cout.flush();
-    const bool isWhole = std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout;
+    const bool isWhole = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    const int reason = gStdoutFailure != 0 ? gStdoutFailure : errno;
     if (!isWhole)
         PrintOnStderr("fernwick: stdout can't be written"
-            + (errno != 0 ? std::string(": ") + std::strerror(errno) : std::string()) + '\n');
+            + (reason != 0 ? std::string(": ") + std::strerror(reason) : std::string()) + '\n');
     return std::fflush(stderr) == 0 && std::ferror(stderr) == 0 && isWhole;
 }

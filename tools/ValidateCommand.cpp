@@ -1,4 +1,5 @@
 #include "host/validation/Validation.h"
+#include "tools/Checks.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
@@ -168,13 +169,13 @@ void AddValidateCommand(CLI::App& app)
         ->capture_default_str();
     command.add_option("--records", options->records, "Random records a class")
         ->type_name("N")
-        ->check(CLI::Range(1, 1'000'000'000).description(""))
+        ->check(WholeNumber(1, 1'000'000'000))
         ->capture_default_str();
     command
         .add_option(
             "--time-limit", options->timeLimit, "Processor time of one check on one class, in seconds")
         ->type_name("S")
-        ->check(CLI::Range(0.1, 86400.0).description(""))
+        ->check(AnyNumber(0.1, 86400))
         ->capture_default_str();
     command.footer(kFooter);
     command.callback([options] { RunValidate(*options); });

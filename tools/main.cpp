@@ -1,10 +1,10 @@
-#include "host/json/Nearest.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
+#include "tools/ParseFailure.h"
 #include "tools/Streams.h"
 #include "tools/Tell.h"
 #include <cstdio>
-#include <fmt/core.h>
+#include <system_error>
 
 namespace {
 
@@ -13,16 +13,8 @@ void TellFailure(const std::exception& error)
 {
     if (std::ferror(stdout) == 0)
         Tell(error.what());
-}
-
-/// Tells of a first word that is no command, with the likest one.
-void TellUnknownCommand(const CLI::App& app, const std::string& word)
-{
-    std::vector<std::string> names;
-    for (const CLI::App* const command : app.get_subcommands({}))
-        names.push_back(command->get_name());
-    Tell(fmt::format("there is no command \"{}\"{}\n  `fernwick --help` names them", word,
-        fernwick::NearestHint(word, names)));
+    else if (const auto* const failure = dynamic_cast<const std::system_error*>(&error))
+        NoteStdoutFailure(failure->code().value());
 }
 
 /// @return what is answered to the shell
@@ -48,15 +40,8 @@ int Run(int argc, char** argv)
     AddManCommand(app);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ExtrasError& error) {
-        if (const auto words = app.remaining();
-            app.get_subcommands().empty() && !words.empty() && !words.front().starts_with('-'))
-            TellUnknownCommand(app, words.front());
-        else
-            app.exit(error);
-        return kBadUsage;
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kSucceeded : kBadUsage;
+        return AnswerParseError(app, error);
     } catch (const UsageError& error) {
         TellFailure(error);
         return kBadUsage;

@@ -24,7 +24,17 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
         {"bake '" + fKey + "' -o key.png --size 0x8", "\"0x8\" is no size"},
         {"bake '" + fKey + "' -o key.png --size 8x8x8", "\"8x8x8\" is no size"},
         {"bake '" + fKey + "' -o key.png --size 16x16385", "each side 1 to 16384"},
-        {"bake '" + fKey + "' -o key.png --output smell", "smell"},
+        {"bake '" + fKey + "' -o key.png --output normals",
+            ", lit, got \"normals\"; did you mean \"normal\"?"},
+        {"bake '" + fKey + "' --pictur key.png",
+            "there is no option \"--pictur\"; did you mean \"--picture\"?"},
+        {"bake '" + fKey + "' -o key.png --sise=8x8",
+            "there is no option \"--sise\"; did you mean \"--size\"?\n  `fernwick bake --help` tells more\n"},
+        {"bake '" + fKey + "' other.json -o key.png", "\"other.json\" is one argument too many"},
+        {"bake '" + fKey + "' -o", "--picture: 1 required FILE missing"},
+        {"--versio",
+            "there is no option \"--versio\"; did you mean \"--version\"?\n  `fernwick --help` tells more\n"},
+        {"\"$(printf 'gr\\377w\\033')\"", "there is no command \"gr\\xffw\\u001b\""},
         {"bake '" + fKey + "' -o key.png --output alpha --over checker", "\"alpha\""},
         {"bake '" + fKey + "' -o key.png --output normal --lit", "--lit"},
         {"bake '" + fKey + "' -o key.png --directx", "--output normal"},
@@ -32,8 +42,11 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
         {"bake '" + fKey + "' -o - --outputs color,alpha", "put {output} into the name"},
         {"bake '" + fKey + "' -o {output}.png --outputs color,alpha,color", "\"color\" is asked for twice"},
         {"bake '" + fKey + "' -o key.png --samples 0", "--samples"},
-        {"bake '" + fKey + "' -o key.png --threads 0", "--threads"},
-        {"plot rainbow -o plot.png", "rainbow"},
+        {"bake '" + fKey + "' -o key.png --threads 0",
+            "--threads: expected an integer from 1 to 1024, got \"0\""},
+        {"bake '" + fKey + "' -o key.png --threads two",
+            "--threads: expected an integer from 1 to 1024, got \"two\""},
+        {"plot reflectence -o plot.png", "did you mean \"reflectance\"?"},
         {"plot wavelengths", "--picture is required"},
         {"plot wavelengths -o plot.svg", "plot.svg: a picture's name ends in .png or .exr"},
     };
@@ -41,6 +54,7 @@ TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
         const Answer answer = Run(arguments);
         EXPECT_EQ(answer.status, 2) << arguments;
         EXPECT_THAT(answer.error, HasSubstr(text));
+        EXPECT_TRUE(arguments.empty() || answer.error.starts_with("fernwick: ")) << arguments;
         EXPECT_EQ(answer.out, "") << arguments;
     }
     EXPECT_THAT(FilesIn(fFolder), testing::IsEmpty());
@@ -56,8 +70,8 @@ TEST_F(CommandTest, ListsAndDescribes)
     EXPECT_EQ(key.status, 0);
     EXPECT_THAT(key.out,
         AllOf(HasSubstr(keyID), HasSubstr("56 bytes"), HasSubstr("Outputs     color\n"),
-            testing::ContainsRegex("fRedRange .*\\[-1, 1\\] +% +"), HasSubstr("\"KEYM\"")));
-    EXPECT_THAT(Run("describe checker").out, testing::ContainsRegex("countU .* 8 "));
+            testing::ContainsRegex("\nfRedRange .*\\[-1, 1\\] +%\n    Red range: "), HasSubstr("\"KEYM\"")));
+    EXPECT_THAT(Run("describe checker").out, testing::ContainsRegex("\ncountU .* 8\n"));
 }
 
 TEST_F(CommandTest, TheLibraryIsTheNamedOneElseTheEnvironmentsElseOneNearby)
@@ -126,6 +140,21 @@ TEST_F(CommandTest, BakesSeveralOutputsAsOneByOne)
         }
     }
     EXPECT_EQ(FilesIn(fFolder / "maps").size(), 6);
+}
+
+TEST_F(CommandTest, AGraphMayComeFromStdinWithFilesFromTheCurrentFolder)
+{
+    EXPECT_EQ(Run("shade checker --size 8x8 -o photo.png").status, 0);
+    Store(fFolder / "graph.json",
+        R"({"shaders": {"a": {"source": "picture", "file": "photo.png"}}, "output": "a"})");
+    EXPECT_EQ(Run("bake graph.json --size 8x8 -o file.png").status, 0);
+    EXPECT_EQ(Run("bake - --size 8x8 -o stdin.png <graph.json").status, 0);
+    EXPECT_EQ(Run("bake - --size 8x8 -o pipe.png", "cat graph.json |").status, 0);
+    EXPECT_EQ(FileText(fFolder / "stdin.png"), FileText(fFolder / "file.png"));
+    EXPECT_EQ(FileText(fFolder / "pipe.png"), FileText(fFolder / "file.png"));
+    EXPECT_EQ(Run("bake - -o old.png </dev/null").error, "fernwick: stdin: not JSON: it is empty\n");
+    EXPECT_EQ(
+        Run("bake photo.png -o old.png").error, "fernwick: photo.png: not JSON: it is a picture (PNG)\n");
 }
 
 TEST_F(CommandTest, BakesABumpAsANormalMapOrLit)
@@ -236,12 +265,15 @@ TEST_F(CommandTest, AFullDiskOrAnUnwritablePlaceLeavesTheOldFileAndIsToldBeforeT
 
 TEST_F(CommandTest, StreamsMayBeClosedOrFullOrTakeThePicture)
 {
-    for (const std::string arguments : {"list", "describe Key", "--help", "schema", "completion bash", "man",
-             "shade Spoke --print 0.5,0.5", "shade Spoke --size 8x8 -o -"})
+    for (const std::string arguments :
+        {"list", "list --json", "describe Key", "--help", "--version", "schema", "completion bash", "man",
+            "shade Spoke --print 0.5,0.5", "shade Spoke --size 8x8 -o -"})
         for (const std::string where : {" >&-", " >/dev/full"}) {
             const Answer answer = Run(arguments + where);
             EXPECT_EQ(answer.status, 1) << arguments << where;
-            EXPECT_THAT(answer.error, testing::MatchesRegex("fernwick: stdout:? can't be written.*\n"));
+            EXPECT_THAT(answer.error,
+                testing::MatchesRegex("fernwick: stdout:? can't be written: (Bad file descriptor|"
+                                      "No space left on device)\n"));
         }
     for (const std::string where : {"2>&-", "2>/dev/full"}) {
         const auto statusOf = [&](const std::string& arguments) {
