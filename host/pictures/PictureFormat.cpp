@@ -79,7 +79,8 @@ void RequireFit(const std::filesystem::path& path, const PictureLayout& layout)
     if (layout.bits != 0 && !IsIn(choices.bits, layout.bits))
         fail(fmt::format("has {} bits a channel, not {}", fmt::join(choices.bits, " or "), layout.bits));
     if (layout.straight && !HoldsFloats(path, layout))
-        fail("of integers has a straight alpha anyway");
+        fail(format == PictureFormat::kTIFF ? "has a straight alpha anyway, unless it has 32 bits"
+                                            : "has a straight alpha anyway");
     if (layout.tiled && !choices.mayBeTiled)
         fail("has no tiles");
     const auto compressions = Compressions().first(choices.compressions);
