@@ -24,7 +24,7 @@ std::string CheckFrames(const std::string& text)
 
 void AddGraphOptions(CLI::App& command, GraphOptions& options)
 {
-    command.add_option("graph", options.graph, "The graph of shaders, a JSON file")
+    command.add_option("graph", options.graph, "The graph of shaders, a JSON file; - is stdin")
         ->required()
         ->type_name("FILE");
     AddGraphSettings(command, options.settings);

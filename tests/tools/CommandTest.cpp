@@ -1,4 +1,5 @@
 #include "tests/support/CommandTest.h"
+#include <sstream>
 
 namespace {
 
@@ -77,6 +78,12 @@ TEST_F(CommandTest, ListsAndDescribes)
         AllOf(HasSubstr(keyID), HasSubstr("56 bytes"), HasSubstr("Outputs     color\n"),
             testing::ContainsRegex("\nfRedRange .*\\[-1, 1\\] +%\n    Red range: "), HasSubstr("\"KEYM\"")));
     EXPECT_THAT(Run("describe checker").out, testing::ContainsRegex("\ncountU .* 8\n"));
+    const std::string weave = Run("describe Weave").out;
+    EXPECT_THAT(weave,
+        HasSubstr("\n      [[false, true, false, true, false],\n       [true, false, true, false, true],\n"));
+    std::istringstream lines(weave.substr(weave.find("FIELD")));
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_TRUE(line.size() <= 80 && !line.ends_with(' ')) << line;
 }
 
 TEST_F(CommandTest, TheLibraryIsTheNamedOneElseTheEnvironmentsElseOneNearby)
