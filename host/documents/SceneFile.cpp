@@ -250,22 +250,36 @@ private:
         }
     }
 
+    /// Those that all meshes have, up to the first that one lacks.
+    static unsigned CountUVSets(const std::vector<const aiMesh*>& meshes)
+    {
+        const auto haveAll = [&meshes](unsigned set) {
+            return std::all_of(meshes.begin(), meshes.end(),
+                [set](const aiMesh* mesh) { return mesh->HasTextureCoords(set); });
+        };
+        unsigned count = 0;
+        while (count < AI_MAX_NUMBER_OF_TEXTURECOORDS && haveAll(count))
+            ++count;
+        return count;
+    }
+
     /// @param uvSets  gets how many all of the meshes have
     std::shared_ptr<const Geometry> ReadShape(
         const aiNode& node, const std::vector<const aiMesh*>& meshes, const Split& split, size_t& uvSets)
     {
-        const bool hasUVs = std::all_of(
-            meshes.begin(), meshes.end(), [](const aiMesh* mesh) { return mesh->HasTextureCoords(0); });
+        uvSets = CountUVSets(meshes);
+        std::vector<TVector2> uvs(uvSets); // of a vertex
         aiMatrix3x3 forNormals(split.rest);
         forNormals.Inverse().Transpose();
-        SoundMesh all(hasUVs);
+        SoundMesh all(uvSets);
         size_t first = 0; // vertex of the mesh among all
         for (const aiMesh* const mesh : meshes) {
             for (unsigned j = 0; j < mesh->mNumVertices; ++j) {
                 TVector3 normal = VectorOf(forNormals * mesh->mNormals[j]);
                 Normalize(normal);
-                const aiVector3D uv = hasUVs ? mesh->mTextureCoords[0][j] : aiVector3D();
-                all.AddVertex(VectorOf(split.rest * mesh->mVertices[j]), normal, {uv.x, uv.y});
+                for (unsigned set = 0; set < uvSets; ++set)
+                    uvs[set] = {mesh->mTextureCoords[set][j].x, mesh->mTextureCoords[set][j].y};
+                all.AddVertex(VectorOf(split.rest * mesh->mVertices[j]), normal, uvs);
             }
             for (unsigned j = 0; j < mesh->mNumFaces; ++j)
                 AddTriangle(mesh->mFaces[j], first, mesh->mNumVertices, all);
@@ -275,8 +289,7 @@ private:
             fDamaged.push_back({node.mName.C_Str(), std::move(damages)});
         if (all.IsEmpty())
             return nullptr;
-        uvSets = hasUVs ? 1 : 0;
-        if (!hasUVs)
+        if (uvSets == 0)
             fWithoutUVs.emplace_back(node.mName.C_Str());
         return MakeMesh(all.Take());
     }

@@ -38,7 +38,7 @@ void AddMesh(const ElementDescription& element, ElementSummary& summary)
     summary.fTriangles = mesh->fTriangles.size();
     summary.fVertices = mesh->fPoints.size();
     for (size_t set = 0; set < element.fUVSets; ++set)
-        summary.fUVSets.push_back(RangeOf(mesh->fUVs));
+        summary.fUVSets.push_back(RangeOf(mesh->UVSet(set)));
 }
 
 /// Adds elements and what is below them, with the live ones in the same order.

@@ -20,7 +20,7 @@ template <class Vector> bool IsWithin(const Vector& vector, uint32_t size, float
 
 } // namespace
 
-void SoundMesh::AddVertex(const TVector3& point, const TVector3& normal, const TVector2& uv)
+void SoundMesh::AddVertex(const TVector3& point, const TVector3& normal, std::span<const TVector2> uvs)
 {
     constexpr float kGreatest = std::numeric_limits<float>::max();
     if (!IsWithin(point, 3, kFarthest)) {
@@ -32,10 +32,13 @@ void SoundMesh::AddVertex(const TVector3& point, const TVector3& normal, const T
     fMesh.fPoints.push_back(point);
     const bool isNormalSound = IsWithin(normal, 3, kGreatest);
     fMesh.fNormals.push_back(isNormalSound ? normal : TVector3());
-    const bool isUVSound = !fHasUVs || IsWithin(uv, 2, kGreatest);
-    if (fHasUVs)
-        fMesh.fUVs.push_back(isUVSound ? uv : TVector2(0, 0));
-    if (!isNormalSound || !isUVSound)
+    bool areUVsSound = true;
+    for (size_t set = 0; set < uvs.size(); ++set) {
+        const bool isSound = IsWithin(uvs[set], 2, kGreatest);
+        (set == 0 ? fMesh.fUVs : fMesh.fFurtherUVs[set - 1]).push_back(isSound ? uvs[set] : TVector2(0, 0));
+        areUVsSound = areUVsSound && isSound;
+    }
+    if (!isNormalSound || !areUVsSound)
         ++fMendedVertices;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 #include "host/geometry/Mesh.h"
+#include <span>
 #include <string>
 
 namespace fernwick {
@@ -12,11 +13,11 @@ namespace fernwick {
 /// triangle stands in, and so does a coordinate of UV that isn't. Triangles without an area are kept.
 class SoundMesh {
 public:
-    /// @param hasUVs  whether vertices bring UVs
-    explicit SoundMesh(bool hasUVs) : fHasUVs(hasUVs) { }
+    /// @param uvSets  how many UVs each vertex brings
+    explicit SoundMesh(size_t uvSets) { fMesh.fFurtherUVs.resize(uvSets > 0 ? uvSets - 1 : 0); }
 
-    /// @param uv  not looked at without UVs
-    void AddVertex(const TVector3& point, const TVector3& normal, const TVector2& uv);
+    /// @param uvs  one of each set
+    void AddVertex(const TVector3& point, const TVector3& normal, std::span<const TVector2> uvs);
     /// @param corners  by the number of vertices added before each
     void AddTriangle(const std::array<size_t, 3>& corners);
 
@@ -30,7 +31,6 @@ public:
 private:
     static constexpr unsigned kLeftOut = ~0u;
 
-    bool fHasUVs;
     MeshDescription fMesh;
     std::vector<unsigned> fPlaces; // by vertex added, among those of the mesh or kLeftOut
     size_t fTriangles = 0;         // added

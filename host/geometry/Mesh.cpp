@@ -28,6 +28,11 @@ TBBox3D BoundsOf(const std::vector<TVector3>& points)
     return box;
 }
 
+TVector3 Edge(const MeshDescription& mesh, const std::array<unsigned, 3>& corners, size_t end)
+{
+    return mesh.fPoints[corners[end]] - mesh.fPoints[corners[0]];
+}
+
 class TriangleShape final : public Geometry {
 public:
     explicit TriangleShape(MeshDescription description)
@@ -62,7 +67,7 @@ public:
                 point.fUV[axis] += fMesh.fUVs[corners[i]][axis] * weights.values[i];
         }
         point.fNormal = NormalAt(corners, weights);
-        FindDerivatives(corners, point);
+        FindDerivatives(fMesh, fMesh.fUVs, corners, point);
         return point;
     }
 
@@ -113,11 +118,6 @@ private:
         }
     }
 
-    TVector3 Edge(const std::array<unsigned, 3>& corners, size_t end) const
-    {
-        return fMesh.fPoints[corners[end]] - fMesh.fPoints[corners[0]];
-    }
-
     TVector3 NormalAt(const std::array<unsigned, 3>& corners, const Weights& weights) const
     {
         TVector3 normal;
@@ -125,31 +125,9 @@ private:
             for (size_t i = 0; i < 3; ++i)
                 normal += Scaled(fMesh.fNormals[corners[i]], weights.values[i]);
         if (Length(normal) == 0)
-            normal = Cross(Edge(corners, 1), Edge(corners, 2));
+            normal = Cross(Edge(fMesh, corners, 1), Edge(fMesh, corners, 2));
         Normalize(normal);
         return normal;
-    }
-
-    void FindDerivatives(const std::array<unsigned, 3>& corners, SurfacePoint& point) const
-    {
-        const TVector3 first = Edge(corners, 1);
-        const TVector3 second = Edge(corners, 2);
-        float u[2];
-        float v[2];
-        for (size_t i = 0; i < 2; ++i) {
-            u[i] = fMesh.fUVs[corners[i + 1]][0] - fMesh.fUVs[corners[0]][0];
-            v[i] = fMesh.fUVs[corners[i + 1]][1] - fMesh.fUVs[corners[0]][1];
-        }
-        const float area = u[0] * v[1] - u[1] * v[0];
-        point.fDerivU = Scaled(Scaled(first, v[1]) - Scaled(second, v[0]), 1 / area);
-        point.fDerivV = Scaled(Scaled(second, u[0]) - Scaled(first, u[1]), 1 / area);
-        const double across = Length(Cross(point.fDerivU, point.fDerivV));
-        if (across > 0 && std::isfinite(across))
-            return;
-        point.fDerivU = first;
-        Normalize(point.fDerivU);
-        point.fDerivV = Cross(point.fNormal, point.fDerivU);
-        Normalize(point.fDerivV);
     }
 
     /// The cells whose centres lie in the triangle of the UV plane, its edges included.
@@ -189,6 +167,29 @@ private:
 };
 
 } // namespace
+
+void FindDerivatives(const MeshDescription& mesh, const std::vector<TVector2>& uvs,
+    const std::array<unsigned, 3>& corners, SurfacePoint& point)
+{
+    const TVector3 first = Edge(mesh, corners, 1);
+    const TVector3 second = Edge(mesh, corners, 2);
+    float u[2];
+    float v[2];
+    for (size_t i = 0; i < 2; ++i) {
+        u[i] = uvs[corners[i + 1]][0] - uvs[corners[0]][0];
+        v[i] = uvs[corners[i + 1]][1] - uvs[corners[0]][1];
+    }
+    const float area = u[0] * v[1] - u[1] * v[0];
+    point.fDerivU = Scaled(Scaled(first, v[1]) - Scaled(second, v[0]), 1 / area);
+    point.fDerivV = Scaled(Scaled(second, u[0]) - Scaled(first, u[1]), 1 / area);
+    const double across = Length(Cross(point.fDerivU, point.fDerivV));
+    if (across > 0 && std::isfinite(across))
+        return;
+    point.fDerivU = first;
+    Normalize(point.fDerivU);
+    point.fDerivV = Cross(point.fNormal, point.fDerivU);
+    Normalize(point.fDerivV);
+}
 
 std::shared_ptr<const Geometry> MakeMesh(MeshDescription description)
 {

@@ -1,4 +1,5 @@
 #include "host/documents/SceneFile.h"
+#include "host/geometry/Mesh.h"
 #include "host/scene/Placement.h"
 #include "tests/support/BakeText.h"
 #include <fstream>
@@ -168,6 +169,25 @@ TEST_F(SceneFileTest, ScaledAndMirroredMeshesKeepTheirOuterSide)
         EXPECT_NEAR(hit->fDistance, 1, 1e-5);
         EXPECT_LT(Length(Turned(sail.Transform(), shape.PointAt(*hit).fNormal) - TVector3(0, 0, 1)), 1e-5);
     }
+}
+
+TEST_F(SceneFileTest, AllSetsOfUVAreRead)
+{
+    const SceneFile file = ReadSceneFile(Store("sets.gltf", R"({"asset": {"version": "2.0"}, "scene": 0,
+        "scenes": [{"nodes": [0]}], "nodes": [{"name": "Sail", "mesh": 0}],
+        "meshes": [{"primitives": [{"attributes": {"POSITION": 0, "TEXCOORD_0": 1, "TEXCOORD_1": 2}}]}],
+        "accessors": [{"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3",
+                       "min": [0, 0, 0], "max": [1, 1, 0]},
+                      {"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC2"},
+                      {"bufferView": 0, "byteOffset": 12, "componentType": 5126, "count": 3, "type": "VEC2"}],
+        "bufferViews": [{"buffer": 0, "byteLength": 36}],
+        "buffers": [{"byteLength": 36, "uri": "data:application/octet-stream;base64,AAAAAAAAAAAAAAAAAACAPwAAAAAAAAAAAAAAAAAAgD8AAAAA"}]})"));
+    const MeshDescription& mesh = *file.fElements[0].fGeometry->Mesh();
+    ASSERT_EQ(mesh.UVSetCount(), 2u);
+    EXPECT_EQ(mesh.UVSet(0)[1][0], 0);
+    EXPECT_EQ(mesh.UVSet(1)[0][0], 1);
+    EXPECT_EQ(mesh.UVSet(1)[1][0], 0);
+    EXPECT_EQ(mesh.UVSet(1)[1][1], 1); // the file's V runs down
 }
 
 TEST_F(SceneFileTest, FilesThatHoldNoSceneAreRefusedByName)
