@@ -1,0 +1,232 @@
+#include "host/documents/GltfFile.h"
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <fmt/format.h>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+namespace fernwick {
+
+namespace {
+
+using Json = nlohmann::json;
+
+static_assert(std::endian::native == std::endian::little); // as the file is
+
+// The format's numbers for what an accessor and a view hold.
+constexpr int kFloats = 5126;
+constexpr int kUnsignedInts = 5125;
+constexpr int kVertices = 34962;
+constexpr int kIndices = 34963;
+
+constexpr size_t kAlignment = 4;
+
+TVector3 Cross(const TVector3& left, const TVector3& right)
+{
+    return {left[1] * right[2] - left[2] * right[1], left[2] * right[0] - left[0] * right[2],
+        left[0] * right[1] - left[1] * right[0]};
+}
+
+/// Builds the file from its parts.
+class Writer {
+public:
+    void Add(const GltfMesh& mesh)
+    {
+        const MeshDescription& description = *mesh.fMesh.fMesh;
+        Json attributes = {{"POSITION", AddPoints(mesh)}};
+        if (!description.fNormals.empty())
+            attributes["NORMAL"] = AddNormals(description);
+        attributes["TEXCOORD_0"] = AddUVs(description.UVSet(mesh.fMesh.fSet));
+        fJson["nodes"].push_back(NodeOf(mesh, fJson["meshes"].size()));
+        fJson["scenes"][0]["nodes"].push_back(fJson["nodes"].size() - 1);
+        fJson["meshes"].push_back({{"name", mesh.fName},
+            {"primitives",
+                {{{"attributes", attributes}, {"indices", AddTriangles(description)}, {"material", 0}}}}});
+    }
+
+    void Add(const GltfMaps& maps)
+    {
+        Json surface = {{"metallicFactor", 0}};
+        Json material = {{"name", "Baked"}};
+        if (!maps.fColor.empty())
+            surface["baseColorTexture"]["index"] = AddPicture("color", maps.fColor);
+        if (!maps.fRoughness.empty())
+            surface["metallicRoughnessTexture"]["index"] = AddPicture("roughness", maps.fRoughness);
+        if (!maps.fNormal.empty())
+            material["normalTexture"]["index"] = AddPicture("normal", maps.fNormal);
+        if (!maps.fOcclusion.empty())
+            material["occlusionTexture"]["index"] = AddPicture("occlusion", maps.fOcclusion);
+        material["pbrMetallicRoughness"] = surface;
+        fJson["materials"].push_back(material);
+    }
+
+    std::string Bytes()
+    {
+        Pad(fBuffer, '\0');
+        fJson["buffers"] = {{{"byteLength", fBuffer.size()}}};
+        std::string text = fJson.dump(-1, ' ', false, Json::error_handler_t::replace);
+        Pad(text, ' ');
+        constexpr size_t kHeads = 12 + 8 + 8;
+        const size_t length = kHeads + text.size() + fBuffer.size();
+        if (length > std::numeric_limits<uint32_t>::max())
+            throw GltfError("a .glb file holds 4 GiB at most");
+        std::string file = "glTF";
+        file.reserve(length);
+        AppendNumber(file, 2);
+        AppendNumber(file, length);
+        AppendNumber(file, text.size());
+        file += "JSON" + text;
+        AppendNumber(file, fBuffer.size());
+        file.append("BIN\0", 4);
+        file += fBuffer;
+        return file;
+    }
+
+private:
+    Json fJson = {{"asset", {{"version", "2.0"}, {"generator", "fernwick"}}}, {"scene", 0},
+        {"scenes", {{{"nodes", Json::array()}}}}, {"nodes", Json::array()}, {"meshes", Json::array()}};
+    std::string fBuffer;
+
+    static void Pad(std::string& bytes, char with)
+    {
+        bytes.resize((bytes.size() + kAlignment - 1) / kAlignment * kAlignment, with);
+    }
+    static void AppendNumber(std::string& bytes, size_t number)
+    {
+        const auto narrow = static_cast<uint32_t>(number);
+        bytes.append(reinterpret_cast<const char*>(&narrow), sizeof narrow);
+    }
+
+    /// @param target  0 for none
+    size_t AddView(const void* bytes, size_t count, int target)
+    {
+        Pad(fBuffer, '\0');
+        Json view = {{"buffer", 0}, {"byteOffset", fBuffer.size()}, {"byteLength", count}};
+        if (target != 0)
+            view["target"] = target;
+        fBuffer.append(static_cast<const char*>(bytes), count);
+        fJson["bufferViews"].push_back(view);
+        return fJson["bufferViews"].size() - 1;
+    }
+
+    template <class Number>
+    size_t AddNumbers(
+        const std::vector<Number>& numbers, int type, const char* kind, size_t perEntry, int target)
+    {
+        const size_t view = AddView(numbers.data(), numbers.size() * sizeof(Number), target);
+        fJson["accessors"].push_back({{"bufferView", view}, {"componentType", type}, {"type", kind},
+            {"count", numbers.size() / perEntry}});
+        return fJson["accessors"].size() - 1;
+    }
+
+    size_t AddPoints(const GltfMesh& mesh)
+    {
+        std::vector<float> numbers;
+        constexpr float kInfinity = std::numeric_limits<float>::infinity();
+        std::vector<float> least(3, kInfinity);
+        std::vector<float> most(3, -kInfinity);
+        for (const TVector3& point : mesh.fMesh.fMesh->fPoints)
+            for (uint32_t axis = 0; axis < 3; ++axis) {
+                if (!std::isfinite(point[axis]))
+                    throw GltfError(fmt::format("\"{}\" has a point that is no number", mesh.fName));
+                numbers.push_back(point[axis]);
+                least[axis] = std::min(least[axis], point[axis]);
+                most[axis] = std::max(most[axis], point[axis]);
+            }
+        const size_t accessor = AddNumbers(numbers, kFloats, "VEC3", 3, kVertices);
+        fJson["accessors"][accessor]["min"] = least;
+        fJson["accessors"][accessor]["max"] = most;
+        return accessor;
+    }
+
+    size_t AddNormals(const MeshDescription& mesh)
+    {
+        std::vector<float> numbers;
+        for (TVector3 normal : mesh.fNormals) {
+            Normalize(normal);
+            const double length = Length(normal);
+            if (!(length > 0) || !std::isfinite(length))
+                normal = {0, 0, 1};
+            for (uint32_t axis = 0; axis < 3; ++axis)
+                numbers.push_back(normal[axis]);
+        }
+        return AddNumbers(numbers, kFloats, "VEC3", 3, kVertices);
+    }
+
+    size_t AddUVs(const std::vector<TVector2>& uvs)
+    {
+        std::vector<float> numbers;
+        for (const TVector2& uv : uvs) {
+            numbers.push_back(std::isfinite(uv[0]) ? uv[0] : 0);
+            numbers.push_back(std::isfinite(uv[1]) ? 1 - uv[1] : 0);
+        }
+        return AddNumbers(numbers, kFloats, "VEC2", 2, kVertices);
+    }
+
+    size_t AddTriangles(const MeshDescription& mesh)
+    {
+        std::vector<uint32_t> numbers;
+        for (std::array<unsigned, 3> corners : mesh.fTriangles) {
+            if (!IsCounterClockwise(mesh, corners))
+                std::swap(corners[1], corners[2]);
+            numbers.insert(numbers.end(), corners.begin(), corners.end());
+        }
+        return AddNumbers(numbers, kUnsignedInts, "SCALAR", 1, kIndices);
+    }
+
+    /// Seen from the side of the normals.
+    static bool IsCounterClockwise(const MeshDescription& mesh, const std::array<unsigned, 3>& corners)
+    {
+        if (mesh.fNormals.empty())
+            return true;
+        const TVector3& start = mesh.fPoints[corners[0]];
+        const TVector3 across = Cross(mesh.fPoints[corners[1]] - start, mesh.fPoints[corners[2]] - start);
+        double along = 0;
+        for (const unsigned corner : corners)
+            if (const double share = Dot(mesh.fNormals[corner], across); std::isfinite(share))
+                along += share;
+        return !(along < 0);
+    }
+
+    static Json NodeOf(const GltfMesh& mesh, size_t index)
+    {
+        Json node = {{"name", mesh.fName}, {"mesh", index}};
+        const TTransform3D& place = mesh.fPlace;
+        std::vector<float> columns;
+        for (int column = 0; column < 3; ++column) {
+            for (int row = 0; row < 3; ++row)
+                columns.push_back(place.fMatrix[row][column]);
+            columns.push_back(0);
+        }
+        for (uint32_t axis = 0; axis < 3; ++axis)
+            columns.push_back(place.fTranslation[axis]);
+        columns.push_back(1);
+        if (columns != std::vector<float>{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1})
+            node["matrix"] = columns;
+        return node;
+    }
+
+    /// @return the number of its texture
+    size_t AddPicture(const char* name, const std::string& bytes)
+    {
+        const size_t view = AddView(bytes.data(), bytes.size(), 0);
+        fJson["images"].push_back({{"name", name}, {"bufferView", view}, {"mimeType", "image/png"}});
+        fJson["textures"].push_back({{"source", fJson["images"].size() - 1}});
+        return fJson["textures"].size() - 1;
+    }
+};
+
+} // namespace
+
+std::string GltfFile(const std::vector<GltfMesh>& meshes, const GltfMaps& maps)
+{
+    Writer writer;
+    for (const GltfMesh& mesh : meshes)
+        writer.Add(mesh);
+    writer.Add(maps);
+    return writer.Bytes();
+}
+
+} // namespace fernwick
