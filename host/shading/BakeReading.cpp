@@ -1,7 +1,7 @@
 #include "host/shading/BakeReading.h"
 #include "host/geometry/TangentFrame.h"
 #include <algorithm>
-#include <cstring>
+#include <bit>
 #include <fmt/format.h>
 #include <optional>
 
@@ -75,26 +75,33 @@ constexpr TMCColorRGBA kNothing = {0, 0, 0, 0};
 TMCColorRGBA Opaque(const TMCColorRGB& color) { return {color.fRed, color.fGreen, color.fBlue, 1}; }
 TMCColorRGBA Grey(float number) { return {number, number, number, 1}; }
 
+/// Number by number, as they were stored: wider reads would wait for the stores of a sample that was just made.
+bool SameBits(const TVector3& left, const TVector3& right)
+{
+    const auto same
+        = [&](uint32_t i) { return std::bit_cast<uint32_t>(left[i]) == std::bit_cast<uint32_t>(right[i]); };
+    return same(0) && same(1) && same(2);
+}
+
 /// The frame of a normal map, kept for as long as samples have the same.
 class NormalFrame {
 public:
     const TangentFrame& At(const TVector3& normal, const TVector3& derivU, const TVector3& derivV)
     {
-        const Axes axes = {normal, derivU, derivV};
-        if (!fFrame || std::memcmp(&axes, &fAxes, sizeof axes) != 0) {
-            fAxes = axes;
+        if (!fFrame || !SameBits(normal, fNormal) || !SameBits(derivU, fDerivU)
+            || !SameBits(derivV, fDerivV)) {
+            fNormal = normal;
+            fDerivU = derivU;
+            fDerivV = derivV;
             fFrame.emplace(normal, derivU, derivV);
         }
         return *fFrame;
     }
 
 private:
-    struct Axes {
-        TVector3 normal;
-        TVector3 derivU;
-        TVector3 derivV;
-    };
-    Axes fAxes;
+    TVector3 fNormal;
+    TVector3 fDerivU;
+    TVector3 fDerivV;
     std::optional<TangentFrame> fFrame;
 };
 
