@@ -8,6 +8,17 @@ namespace fernwick {
 
 namespace {
 
+/// Whether this thread is in a finish of `RunInOrder`.
+thread_local bool gIsFinishing = false;
+
+class Finishing {
+public:
+    Finishing() { gIsFinishing = true; }
+    ~Finishing() { gIsFinishing = false; }
+    Finishing(const Finishing&) = delete;
+    Finishing& operator=(const Finishing&) = delete;
+};
+
 template <class Work> void RunInArena(int threads, const Work& work)
 {
     const int count = ThreadCount(threads);
@@ -19,7 +30,13 @@ template <class Work> void RunInArena(int threads, const Work& work)
 
 void RunParallel(int count, int threads, const std::function<void(int)>& run)
 {
-    RunInArena(threads, [&] { tbb::parallel_for(0, count, run, tbb::simple_partitioner()); });
+    const auto runAll = [&] { tbb::parallel_for(0, count, run, tbb::simple_partitioner()); };
+    // In an arena of its own a finish would wait for threads that wait for it in theirs. It takes no other work meanwhile,
+    // since all wait for it when they are as far ahead as they may be.
+    if (gIsFinishing)
+        tbb::this_task_arena::isolate(runAll);
+    else
+        RunInArena(threads, runAll);
 }
 
 void RunInOrder(int count, int threads, int most, const std::function<void(int)>& work,
@@ -36,7 +53,10 @@ void RunInOrder(int count, int threads, int most, const std::function<void(int)>
         work(number);
         return number;
     });
-    const auto end = tbb::make_filter<int, void>(tbb::filter_mode::serial_in_order, finish);
+    const auto end = tbb::make_filter<int, void>(tbb::filter_mode::serial_in_order, [&](int number) {
+        const Finishing guard;
+        finish(number);
+    });
     RunInArena(threads, [&] { tbb::parallel_pipeline(static_cast<size_t>(most), begin & middle & end); });
 }
 

@@ -4,7 +4,7 @@
 namespace fernwick {
 
 /// Calls `run` once with each number from 0 up to `count`, several at a time, and returns when all are done.
-/// @param threads  the most that work at a time; 0 for one a processor
+/// @param threads  the most that work at a time; 0 for one a processor; in a finish of `RunInOrder` those that it has
 void RunParallel(int count, int threads, const std::function<void(int)>& run);
 
 /// Calls `work` once with each number from 0 up to `count`, several at a time, and `finish` with each in order, one at
