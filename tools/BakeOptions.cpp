@@ -180,12 +180,12 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
     std::deque<BakedFile> files;
     for (const std::string& channel : ChannelsOf(options))
         files.emplace_back(options, job, channel);
-    PictureDoubts
-        doubts; // of all together, before anything lies under them: one of several may well be black
+    // Of all together, before anything lies under them: one of several may well be black.
+    PictureDoubts doubts;
     RunShown(job, reports, name, [&] {
         return Bake(library, document, job, [&](const fernwick::BakeBand& band) {
-            for (const auto& pixels : band.fPictures)
-                doubts.Add(pixels);
+            for (size_t i = 0; i < band.fPictures.size() && doubts.IsEmpty(); ++i)
+                doubts.Add(band.fPictures[i]);
             LayOverGrounds(band);
             for (size_t i = 0; i < files.size(); ++i)
                 files[i].Add(band.fPictures[i]);

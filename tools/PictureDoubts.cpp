@@ -1,7 +1,8 @@
 #include "tools/PictureDoubts.h"
 #include "tools/Tell.h"
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <bit>
 #include <fmt/format.h>
 
 namespace {
@@ -55,19 +56,20 @@ PictureDoubts::PictureDoubts(const fernwick::Picture& picture)
 
 void PictureDoubts::Add(std::span<const TMCColorRGBA> pixels)
 {
+    constexpr uint32_t kExponent = 0x7F800000; // whole in a NaN and in an infinity
     for (const TMCColorRGBA& color : pixels) {
-        fIsTransparent = fIsTransparent && color.fAlpha == 0;
-        fIsBlack = fIsBlack && color.fRed == 0 && color.fGreen == 0 && color.fBlue == 0;
-        if (!std::isfinite(color.fRed) || !std::isfinite(color.fGreen) || !std::isfinite(color.fBlue)
-            || !std::isfinite(color.fAlpha))
-            ++fOddPixels;
+        const auto bits = std::bit_cast<std::array<uint32_t, 4>>(color);
+        const auto isOdd = [](uint32_t number) { return (number & kExponent) == kExponent; };
+        fIsBlack &= ((bits[0] | bits[1] | bits[2]) << 1) == 0; // but for signs
+        fIsTransparent &= (bits[3] << 1) == 0;
+        fOddPixels += isOdd(bits[0]) | isOdd(bits[1]) | isOdd(bits[2]) | isOdd(bits[3]);
     }
     fPixels += static_cast<int64_t>(pixels.size());
 }
 
 void PictureDoubts::TellEmptySlots(const fernwick::GraphDocument& document) const
 {
-    if (!fIsBlack && !fIsTransparent)
+    if (!IsEmpty())
         return;
     std::vector<std::string> slots;
     for (size_t i = 0; i <= document.OutputIndex(); ++i)

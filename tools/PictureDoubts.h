@@ -12,6 +12,9 @@ public:
 
     void Add(std::span<const TMCColorRGBA> pixels);
 
+    /// Whether the pixels so far are all black or all transparent.
+    bool IsEmpty() const { return fIsBlack || fIsTransparent; }
+
     /// Tells of a picture that is black or transparent all over which slots of the shaders behind it are empty, if any
     /// are: what isn't plugged in is mostly why.
     void TellEmptySlots(const fernwick::GraphDocument& document) const;
