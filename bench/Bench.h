@@ -121,6 +121,7 @@ inline const std::string kDispatch = "dispatch";
 inline const std::string kProximity = "proximity";
 inline const std::string kChange = "change";
 inline const std::string kGamut = "gamut";
+inline const std::string kShare = "share"; ///< in real time, on one thread
 inline const std::string kThroughput = "throughput";
 inline const std::string kWork = "work"; ///< the processor time of `kThroughput`, written by the report
 } // namespace Section
@@ -187,6 +188,7 @@ template <class Work> void AddWork(const std::string& name, Work work, double co
 }
 
 void AddThroughput();
+void AddShare();
 void AddLayers();
 void AddMapping();
 void AddOptics();

@@ -32,6 +32,8 @@ const SectionText kSections[] = {
         "powers", Unit::kMicroseconds, Compared::kRatio, ""},
     {Section::kGamut, "Search of the gamut at a change of `Fresnel`, microseconds", "time", "",
         Unit::kMicroseconds, Compared::kRatio, "cells visited"},
+    {Section::kShare, "What the host adds to a bake, ns a pixel", "bake", "its samples", Unit::kNanoseconds,
+        Compared::kDifference, ""},
     {Section::kThroughput, "Throughput, million pixels a second", "two threads", "one thread",
         Unit::kMegapixels, Compared::kRatio, ""},
     {Section::kWork, "Processor time of both, ns a pixel", "two threads", "one thread", Unit::kNanoseconds,
@@ -94,7 +96,8 @@ void Report::ReportRuns(const std::vector<Run>& runs)
             column.fCounted = run.counters.at("counted").value;
         };
         const bool isThroughput = section == Section::kThroughput;
-        add(section, isThroughput ? run.real_accumulated_time : run.cpu_accumulated_time);
+        const bool isReal = isThroughput || section == Section::kShare;
+        add(section, isReal ? run.real_accumulated_time : run.cpu_accumulated_time);
         if (isThroughput)
             add(Section::kWork, run.cpu_accumulated_time);
     }

@@ -23,6 +23,7 @@ int main(int count, char** arguments)
         AddLayers();
         AddOptics();
         AddScene();
+        AddShare();
         AddThroughput();
         benchmark::RunSpecifiedBenchmarks(&report);
     } catch (const std::exception& error) {
