@@ -32,8 +32,7 @@ fernwick::BakeChannel ChannelOf(const std::string& name)
 PictureOptions PictureOf(const BakeOptions& options, const std::string& channel)
 {
     PictureOptions picture = options.picture;
-    for (size_t at = 0; (at = picture.file.find(kOutputMark, at)) != std::string::npos; at += channel.size())
-        picture.file.replace(at, kOutputMark.size(), channel);
+    picture.file = FileOfOutput(options, channel);
     return picture;
 }
 
@@ -158,6 +157,19 @@ void RequireSense(const BakeOptions& options)
                 channels.size(), kOutputMark, kOutputMark));
 }
 
+bool HasOutputMark(const BakeOptions& options)
+{
+    return options.picture.file.find(kOutputMark) != std::string::npos;
+}
+
+std::string FileOfOutput(const BakeOptions& options, const std::string& output)
+{
+    std::string file = options.picture.file;
+    for (size_t at = 0; (at = file.find(kOutputMark, at)) != std::string::npos; at += output.size())
+        file.replace(at, kOutputMark.size(), output);
+    return file;
+}
+
 void RequireTarget(const BakeOptions& options)
 {
     for (const std::string& channel : ChannelsOf(options))
@@ -165,7 +177,8 @@ void RequireTarget(const BakeOptions& options)
 }
 
 void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
-    const fernwick::GraphDocument* ground, const BakeOptions& options, const std::string& name, bool isFirst)
+    const fernwick::GraphDocument* ground, const BakeOptions& options, const std::string& name, bool isFirst,
+    const BakeRunner& run)
 {
     fernwick::BakeJob job = JobOf(options);
     WithName(name, [&] { RequireChannels(library, document, job.channels); });
@@ -183,13 +196,14 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
     // Of all together, before anything lies under them: one of several may well be black.
     PictureDoubts doubts;
     RunShown(job, reports, name, [&] {
-        return Bake(library, document, job, [&](const fernwick::BakeBand& band) {
+        const fernwick::BakeSink sink = [&](const fernwick::BakeBand& band) {
             for (size_t i = 0; i < band.fPictures.size() && doubts.IsEmpty(); ++i)
                 doubts.Add(band.fPictures[i]);
             LayOverGrounds(band);
             for (size_t i = 0; i < files.size(); ++i)
                 files[i].Add(band.fPictures[i]);
-        });
+        };
+        return run ? run(job, sink) : Bake(library, document, job, sink);
     });
     if (isFirst)
         doubts.TellEmptySlots(document);

@@ -32,12 +32,15 @@ TVector3 Cross(const TVector3& left, const TVector3& right)
 /// Builds the file from its parts.
 class Writer {
 public:
-    void Add(const GltfMesh& mesh)
+    /// @param hasNormalMap  tangents are wanted
+    void Add(const GltfMesh& mesh, bool hasNormalMap)
     {
         const MeshDescription& description = *mesh.fMesh.fMesh;
         Json attributes = {{"POSITION", AddPoints(mesh)}};
         if (!description.fNormals.empty())
             attributes["NORMAL"] = AddNormals(description);
+        if (!description.fNormals.empty() && hasNormalMap)
+            attributes["TANGENT"] = AddTangents(mesh.fMesh);
         attributes["TEXCOORD_0"] = AddUVs(description.UVSet(mesh.fMesh.fSet));
         fJson["nodes"].push_back(NodeOf(mesh, fJson["meshes"].size()));
         fJson["scenes"][0]["nodes"].push_back(fJson["nodes"].size() - 1);
@@ -141,18 +144,73 @@ private:
         return accessor;
     }
 
+    static TVector3 UnitNormal(TVector3 normal)
+    {
+        Normalize(normal);
+        const double length = Length(normal);
+        return length > 0 && std::isfinite(length) ? normal : TVector3(0, 0, 1);
+    }
+
     size_t AddNormals(const MeshDescription& mesh)
     {
         std::vector<float> numbers;
-        for (TVector3 normal : mesh.fNormals) {
-            Normalize(normal);
-            const double length = Length(normal);
-            if (!(length > 0) || !std::isfinite(length))
-                normal = {0, 0, 1};
+        for (const TVector3& given : mesh.fNormals) {
+            const TVector3 normal = UnitNormal(given);
             for (uint32_t axis = 0; axis < 3; ++axis)
                 numbers.push_back(normal[axis]);
         }
         return AddNumbers(numbers, kFloats, "VEC3", 3, kVertices);
+    }
+
+    /// What U and V have in common at a vertex, of all its triangles.
+    struct Axes {
+        TVector3 alongU;
+        TVector3 alongV;
+    };
+
+    /// Along U at right angles to the normal, and on which side of the two V runs.
+    size_t AddTangents(const UVMesh& mesh)
+    {
+        const MeshDescription& description = *mesh.fMesh;
+        std::vector<Axes> axes(description.fPoints.size());
+        for (const std::array<unsigned, 3>& corners : description.fTriangles) {
+            SurfacePoint point;
+            point.fNormal = UnitNormal(description.fNormals[corners[0]]);
+            FindDerivatives(description, description.UVSet(mesh.fSet), corners, point);
+            Normalize(point.fDerivU);
+            Normalize(point.fDerivV);
+            if (!std::isfinite(Length(point.fDerivU) + Length(point.fDerivV)))
+                continue;
+            for (const unsigned corner : corners) {
+                axes[corner].alongU += point.fDerivU;
+                axes[corner].alongV += point.fDerivV;
+            }
+        }
+        std::vector<float> numbers;
+        for (size_t i = 0; i < axes.size(); ++i) {
+            const TVector3 normal = UnitNormal(description.fNormals[i]);
+            const TVector3 tangent = Across(normal, axes[i].alongU);
+            for (uint32_t axis = 0; axis < 3; ++axis)
+                numbers.push_back(tangent[axis]);
+            numbers.push_back(Dot(Cross(normal, tangent), axes[i].alongV) < 0 ? -1.0f : 1.0f);
+        }
+        return AddNumbers(numbers, kFloats, "VEC4", 4, kVertices);
+    }
+
+    /// What of a vector is at right angles to a unit one, in unit length; where nothing is, any such vector.
+    static TVector3 Across(const TVector3& normal, const TVector3& vector)
+    {
+        for (const TVector3& candidate : {vector, TVector3(1, 0, 0), TVector3(0, 1, 0)}) {
+            TVector3 along = normal;
+            along *= static_cast<float>(Dot(normal, candidate));
+            TVector3 across = candidate - along;
+            constexpr double kShortest = 1e-3;
+            if (!(Length(across) > kShortest))
+                continue;
+            Normalize(across);
+            return across;
+        }
+        return {1, 0, 0};
     }
 
     size_t AddUVs(const std::vector<TVector2>& uvs)
@@ -224,7 +282,7 @@ std::string GltfFile(const std::vector<GltfMesh>& meshes, const GltfMaps& maps)
 {
     Writer writer;
     for (const GltfMesh& mesh : meshes)
-        writer.Add(mesh);
+        writer.Add(mesh, !maps.fNormal.empty());
     writer.Add(maps);
     return writer.Bytes();
 }

@@ -27,9 +27,9 @@ struct GltfMaps {
 };
 
 /// Makes the bytes of a glTF 2.0 file (.glb) of meshes that share one material, with the pictures in it. It is opaque
-/// and no metal. The file's V runs down. Triangles are counter-clockwise on the side of their normals. Normals that are
-/// zero or no numbers become (0, 0, 1), UV that are no numbers 0. Throws `GltfError` for points that are no numbers, and
-/// above 4 GiB.
+/// and no metal; with a normal map, vertices with normals have tangents along U. The file's V runs down. Triangles
+/// are counter-clockwise on the side of their normals. Normals that are zero or no numbers become (0, 0, 1), UV that
+/// are no numbers 0. Throws `GltfError` for points that are no numbers, and above 4 GiB.
 std::string GltfFile(const std::vector<GltfMesh>& meshes, const GltfMaps& maps);
 
 } // namespace fernwick

@@ -62,6 +62,21 @@ public:
     const DocumentShader& Output() const { return fShaders[fOutputIndex]; }
     uint32_t OutputKinds() const { return static_cast<uint32_t>(Output().fTable->fOutputKinds); }
     const std::optional<SceneDescription>& Scene() const { return fScene; }
+    /// The same shaders in another scene.
+    GraphDocument In(SceneDescription scene) const
+    {
+        GraphDocument document = *this;
+        document.fScene = std::move(scene);
+        return document;
+    }
+    /// The same document with another one of its shaders as the output.
+    /// @param output  its place among `Shaders`
+    GraphDocument WithOutput(size_t output) const
+    {
+        GraphDocument document = *this;
+        document.fOutputIndex = output;
+        return document;
+    }
     /// What is taken as it is and may yet be a slip: a place and what is expected there (see `FindDoubts`), or what a
     /// name finds that several elements have.
     const std::vector<std::string>& Doubts() const { return fDoubts; }

@@ -238,10 +238,12 @@ private:
             }
         const JsonNode path = node.IsObject() ? Required(node, "path") : node;
         try {
-            SceneFile file = fFiles.ReadScene(fFolder / std::filesystem::path(path.Name()), options);
+            scene.fFile = fFolder / std::filesystem::path(path.Name());
+            SceneFile file = fFiles.ReadScene(scene.fFile, options);
             if (materials)
                 RequireKnown(*materials, file.fMaterials);
             scene.fElements = std::move(file.fElements);
+            scene.fFileElements = scene.fElements.size();
             scene.fNotices = std::move(file.fNotices);
         } catch (const SceneFileError& error) {
             path.Fail(error.what());

@@ -28,8 +28,9 @@ struct MeshDescription {
 void FindDerivatives(const MeshDescription& mesh, const std::vector<TVector2>& uvs,
     const std::array<unsigned, 3>& corners, SurfacePoint& point);
 
-/// The UV and derivatives of a place are those of the first set, see `FindDerivatives`. The curvature comes from the fitted principal curvatures of the vertices, found with the first question for it; a vertex with too
-/// few neighbours on its side of the creases, that is where normals differ, counts as flat.
+/// The UV and derivatives of a place are those of the first set, see `FindDerivatives`. The curvature comes from the
+/// fitted principal curvatures of the vertices, found with the first question for it; a vertex with too few
+/// neighbours on its side of the creases, that is where normals differ, counts as flat.
 std::shared_ptr<const Geometry> MakeMesh(MeshDescription description);
 
 /// A box around its element's origin. Its UV layout has three faces in each of two rows: +X, +Y, +Z at the

@@ -29,10 +29,11 @@ struct Texel {
 /// Tells what triangles of meshes cover which texels of a picture.
 ///
 /// A place belongs to the triangle that it lies in, found without rounding; one on an edge to the triangle on one
-/// side of it, and on a corner to one of those around it, so that triangles that share edges leave no gap and don't overlap.
-/// Where they do overlap the first counts, in the order of the meshes and of their triangles.
+/// side of it, and on a corner to one of those around it, so that triangles that share edges leave no gap and don't
+/// overlap. Where they do overlap the first counts, in the order of the meshes and of their triangles.
 ///
-/// Takes memory for each triangle and for each square of 128 by 128 texels. Never changes; any number of threads may ask it.
+/// Takes memory for each triangle and for each square of 128 by 128 texels. Never changes; any number of threads may
+/// ask it.
 class MeshTexels {
 public:
     /// @param meshes         outlive it

@@ -55,8 +55,8 @@ struct UVTriangle {
 /// On the grid of `UVTriangle`.
 double OnUVGrid(double pixels);
 
-/// The exact sign of the turn from the edge towards a place, all on the grid: 1 where it lies to the left of the edge, -1 to the
-/// right, 0 on the line.
+/// The exact sign of the turn from the edge towards a place, all on the grid: 1 where it lies to the left of the
+/// edge, -1 to the right, 0 on the line.
 int SideOf(double fromX, double fromY, double toX, double toY, double x, double y);
 
 } // namespace fernwick

@@ -26,10 +26,12 @@ struct CoveredRows {
 
 constexpr int kWidestMargin = 128; ///< pixels
 
-/// Finds the pixels of some rows that aren't covered, and for each the nearest covered pixel, where one lies within `margin` pixels of it, from
-/// centre to centre. Of those at one distance the uppermost counts, and of these the left one. What comes out for a row depends
-/// only on rows up to `margin` above and below it, so that bands of a picture come out as the whole of it does.
-/// @param rows         the rows from `top` to `bottom`, and those beside them that the picture has, up to `margin` on either side
+/// Finds the pixels of some rows that aren't covered, and for each the nearest covered pixel, where one lies within
+/// `margin` pixels of it, from centre to centre. Of those at one distance the uppermost counts, and of these the left
+/// one. What comes out for a row depends only on rows up to `margin` above and below it, so that bands of a picture
+/// come out as the whole of it does.
+/// @param rows  the rows from `top` to `bottom`, and those beside them that the picture has, up to `margin` on
+///              either side
 /// @param top, bottom  rows of the picture; the last isn't among them
 /// @param margin       0 to `kWidestMargin`
 /// @return             row by row from the top, from left to right

@@ -4,6 +4,26 @@
 
 namespace fernwick {
 
+namespace {
+
+void AddCameraNames(const ElementDescription& element, std::vector<std::string>& names)
+{
+    if (element.fCamera)
+        names.push_back(element.fName);
+    for (const ElementDescription& child : element.fChildren)
+        AddCameraNames(child, names);
+}
+
+} // namespace
+
+std::vector<std::string> CameraNames(const SceneDescription& scene)
+{
+    std::vector<std::string> names;
+    for (const ElementDescription& element : scene.fElements)
+        AddCameraNames(element, names);
+    return names;
+}
+
 /// The root as the scene hands it out; queried for `ITreeElement` it gives the root element.
 class Scene::RootGroup final : public IGroup {
 public:

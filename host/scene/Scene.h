@@ -3,6 +3,7 @@
 #include "host/library/Component.h"
 #include "host/scene/Instance.h"
 #include "host/scene/Light.h"
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -40,11 +41,16 @@ struct ElementDescription {
 
 struct SceneDescription {
     std::vector<ElementDescription> fElements = {};
+    std::filesystem::path fFile = {}; ///< that the first elements are from; empty for none
+    size_t fFileElements = 0;         ///< how many these are, without what lies below them
     ElementDescription fShaded = {.fName = "Shaded object"}; ///< the instance that baked samples lie on
     std::string fCamera = {}; ///< the element that the rendering runs from; empty for no rendering module
     TMCColorRGBA fBackground = {0, 0, 0, 0}; ///< of rendered pictures
     std::vector<std::string> fNotices = {};  ///< what a file lacked and what was done about it
 };
+
+/// The elements with a camera, in tree order. Scenes are rendered from the first unless told otherwise.
+std::vector<std::string> CameraNames(const SceneDescription& scene);
 
 class Scene;
 

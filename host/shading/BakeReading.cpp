@@ -176,13 +176,15 @@ public:
             NormalFrame frame;
             ForTexels([&](ShadingIn& in, size_t i) {
                 const TVector3 normal = in.fNormalLocal;
+                const PictureAxes axes = fTexels.LocalAxes();
                 ShadingOut result;
                 if (shader.ShadeSurface(result, in) == 0)
                     result.Clear();
                 Put(i, [&](BakeChannel channel) {
-                    return channel == BakeChannel::kNormal ? NormalColor(
-                               frame.At(normal, {1, 0, 0}, {0, 1, 0}).UnitOf(result.fShadingNormal), green)
-                                                           : Pick(result, channel);
+                    return channel == BakeChannel::kNormal
+                        ? NormalColor(
+                            frame.At(normal, axes.fDerivU, axes.fDerivV).UnitOf(result.fShadingNormal), green)
+                        : Pick(result, channel);
                 });
             });
         });
@@ -228,7 +230,8 @@ private:
     /// coordinates.
     TVector3 BentNormal(NormalFrame& frame, ShadingIn& in) const
     {
-        const TangentFrame& axes = frame.At(in.fNormalGlobal, in.fDerivU, in.fDerivV);
+        const auto [derivU, derivV] = fTexels.WorldAxes(in);
+        const TangentFrame& axes = frame.At(in.fNormalGlobal, derivU, derivV);
         TVector3 vector = in.fNormalGlobal;
         fGraph.OutputExtension()->ShadeVector(vector, in);
         return axes.UnitOf(vector);

@@ -1,6 +1,8 @@
 #include "host/shading/NormalGrids.h"
 #include "frame/Query.h"
 #include "shaders/scene/INormalGrid.h"
+#include <string_view>
+#include <unordered_map>
 
 namespace fernwick {
 
@@ -16,6 +18,21 @@ MCCountedPtr<INormalGrid> GridOf(const Graph& graph, size_t shader)
 }
 
 } // namespace
+
+std::vector<size_t> ShadersOfShapes(const GraphDocument& document, const Scene& scene)
+{
+    std::unordered_map<std::string_view, size_t> byName;
+    for (const DocumentShader& shader : document.Shaders())
+        byName.emplace(shader.fName, byName.size());
+    std::vector<size_t> places;
+    for (const SceneElement* const element : scene.Shapes()) {
+        const LookDescription& look = element->Look();
+        const std::optional<std::string>& name = look.fOwnShader ? look.fOwnShader : look.fShader;
+        const auto found = name ? byName.find(*name) : byName.end();
+        places.push_back(found != byName.end() ? found->second : document.OutputIndex());
+    }
+    return places;
+}
 
 NormalGrids::NormalGrids(
     const GraphDocument& document, const Graph& graph, const Scene& scene, const std::vector<size_t>& shaders)

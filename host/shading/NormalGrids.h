@@ -4,6 +4,9 @@
 
 namespace fernwick {
 
+/// By shape of a scene, the place of the shader in the document that it is rendered with: its own, else the output.
+std::vector<size_t> ShadersOfShapes(const GraphDocument& document, const Scene& scene);
+
 /// The normals that the `Corners` shaders of a document look at: those of the elements that are shaded with them,
 /// directly or plugged in, laid out by UV in tree order, so that a later element covers an earlier one.
 class NormalGrids {

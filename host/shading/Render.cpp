@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <unordered_map>
 
 namespace fernwick {
 
@@ -148,7 +147,7 @@ public:
         : fLibrary(library), fDocument(document), fJob(job), fRegion(RegionOf(job)),
           fDescription(DescribeScene(document, job)), fScene(MakeScene()), fWorld(*fScene),
           fEye(FindCamera(*fScene, fScene->CameraName()), job), fPattern(job.samples),
-          fShaders(FindShaders()), fNeeded(NeededFor(document, fShaders)),
+          fShaders(ShadersOfShapes(document, *fScene)), fNeeded(NeededFor(document, fShaders)),
           fGrids(document, *MakeGraph(library, document, fScene, fNeeded), *fScene, fShaders)
     { }
 
@@ -179,15 +178,6 @@ private:
     std::vector<bool> fNeeded;    // by place in the document
     NormalGrids fGrids;
 
-    static std::vector<std::string> CameraNames(const Scene& scene)
-    {
-        std::vector<std::string> names;
-        for (const auto& element : scene.Elements())
-            if (element->Camera())
-                names.push_back(element->Name());
-        return names;
-    }
-
     MCCountedPtr<Scene> MakeScene() const { return MakeCounted<Scene>(fDescription, Scene::Shaded::kNone); }
 
     /// The scene of the document with the camera of the job.
@@ -199,7 +189,7 @@ private:
         if (!job.camera.empty())
             description.fCamera = job.camera;
         if (description.fCamera.empty()) {
-            const auto names = CameraNames(*MakeCounted<Scene>(description, Scene::Shaded::kNone));
+            const auto names = CameraNames(description);
             if (names.empty())
                 throw RenderError("the scene has no camera; give an element a \"camera\"");
             description.fCamera = names.front();
@@ -207,32 +197,14 @@ private:
         return description;
     }
 
-    static const SceneElement& FindCamera(const Scene& scene, const std::string& name)
+    const SceneElement& FindCamera(const Scene& scene, const std::string& name) const
     {
         for (const auto& element : scene.Elements())
             if (element->Name() == name && element->Camera())
                 return *element;
-        const auto names = CameraNames(scene);
+        const auto names = CameraNames(fDescription);
         throw RenderError(fmt::format("there is no camera \"{}\"; {}", name,
             names.empty() ? "the scene has none" : fmt::format("the scene has {}", fmt::join(names, ", "))));
-    }
-
-    std::vector<size_t> FindShaders() const
-    {
-        if (fScene->Shapes().empty())
-            throw RenderError("the scene has no shape to see; give an element a \"shape\", or the scene a "
-                              "\"file\" that holds some");
-        std::unordered_map<std::string_view, size_t> byName;
-        for (const DocumentShader& shader : fDocument.Shaders())
-            byName.emplace(shader.fName, byName.size());
-        std::vector<size_t> places;
-        for (const SceneElement* const element : fScene->Shapes()) {
-            const LookDescription& look = element->Look();
-            const std::optional<std::string>& name = look.fOwnShader ? look.fOwnShader : look.fShader;
-            const auto found = name ? byName.find(*name) : byName.end();
-            places.push_back(found != byName.end() ? found->second : fDocument.OutputIndex());
-        }
-        return places;
     }
 
     void ShadeTile(const Tile& tile, Picture& picture, std::vector<std::vector<float>>& layers) const

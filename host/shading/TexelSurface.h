@@ -6,6 +6,12 @@
 
 namespace fernwick {
 
+/// Which way U and V of a picture run along the surface: the derivatives of the position, of any length.
+struct PictureAxes {
+    TVector3 fDerivU;
+    TVector3 fDerivV;
+};
+
 /// The samples of one tile of a baked picture, for one thread.
 class TexelTile {
 public:
@@ -23,6 +29,13 @@ public:
     /// @param in    gets every field but the host's own spans, whatever a shader has left in it
     /// @return false where there is no surface: the texel stays transparent black, no shader is asked
     virtual bool SampleAt(int x, int y, ShadingIn& in) = 0;
+
+    /// The axes of normal maps at the sample that was given last, in the coordinates of its object.
+    virtual PictureAxes LocalAxes() const { return {{1, 0, 0}, {0, 1, 0}}; }
+
+    /// The same in world coordinates.
+    /// @param in  the sample, which no shader has changed
+    virtual PictureAxes WorldAxes(const ShadingIn& in) const { return {in.fDerivU, in.fDerivV}; }
 };
 
 /// What a bake shades, such as the UV square. Asked by several threads at a time.

@@ -20,7 +20,7 @@ MeshDescription Square()
     mesh.fPoints = {{0, 0, 0}, {2, 0, 0}, {2, 1, 0.1f}, {0, 1, 0}};
     mesh.fNormals = {{0, 0, 1}, {0, 0, 2}, {0, kNaN, 1}, {0, 0, 1}};
     mesh.fUVs = {{0, 0}, {0, 0}, {0, 0}, {0, 0}};
-    mesh.fFurtherUVs = {{{0, 0.25f}, {1, 0.25f}, {kNaN, 1}, {0, 1}}};
+    mesh.fFurtherUVs = {{{0, 0.25f}, {1, 0.25f}, {1, 1}, {0, 1}}};
     mesh.fTriangles = {{0, 1, 2}, {0, 3, 2}};
     return mesh;
 }
@@ -77,6 +77,18 @@ TEST_F(GltfFileTest, ItIsReadBackAsItWas)
         EXPECT_EQ(view["byteOffset"].get<size_t>() % 4, 0u);
         EXPECT_LE(view["byteOffset"].get<size_t>() + view["byteLength"].get<size_t>(), parts.buffer.size());
     }
+    const json& tangents
+        = parts.text["accessors"]
+                    [parts.text["meshes"][0]["primitives"][0]["attributes"]["TANGENT"].get<size_t>()];
+    EXPECT_EQ(tangents["type"], "VEC4");
+    const size_t first = parts.text["bufferViews"][tangents["bufferView"].get<size_t>()]["byteOffset"];
+    for (const size_t vertex : {0, 3}) { // of the triangles that have UV: along X, V to the left of it
+        float tangent[4];
+        std::memcpy(tangent, parts.buffer.data() + first + vertex * sizeof tangent, sizeof tangent);
+        EXPECT_NEAR(tangent[0], 1, 1e-6);
+        EXPECT_NEAR(tangent[1], 0, 1e-6);
+        EXPECT_EQ(tangent[3], 1);
+    }
     const json& points = parts.text["accessors"][0];
     EXPECT_EQ(points["min"], json({0, 0, 0}));
     EXPECT_EQ(points["max"].get<std::vector<float>>(), (std::vector<float>{2, 1, 0.1f}));
@@ -102,7 +114,7 @@ TEST_F(GltfFileTest, ItIsReadBackAsItWas)
     for (size_t i = 0; i < 4; ++i) {
         EXPECT_LT(Length(mesh.fPoints[i] - square.fPoints[i]), 1e-6);
         EXPECT_LT(Length(mesh.fNormals[i] - TVector3(0, 0, 1)), 1e-6);
-        EXPECT_NEAR(mesh.fUVs[i][1], i == 2 ? 1 : square.fFurtherUVs[0][i][1], 1e-7);
+        EXPECT_NEAR(mesh.fUVs[i][1], square.fFurtherUVs[0][i][1], 1e-7);
     }
     EXPECT_THAT(mesh.fTriangles, testing::ElementsAre(std::array{0u, 1u, 2u}, std::array{0u, 2u, 3u}));
 }
@@ -110,6 +122,8 @@ TEST_F(GltfFileTest, ItIsReadBackAsItWas)
 TEST_F(GltfFileTest, WhatTheFormatCantHoldIsRefused)
 {
     MeshDescription square = Square();
+    square.fUVs[1][0] = kNaN;
+    GltfFile({{"Sail", {}, {&square}}}, {}); // 0 stands in
     square.fPoints[1][2] = kNaN;
     try {
         GltfFile({{"Sail", {}, {&square}}}, {});
