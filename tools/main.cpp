@@ -4,6 +4,7 @@
 #include "tools/Streams.h"
 #include "tools/Tell.h"
 #include <cstdio>
+#include <fmt/format.h>
 #include <system_error>
 
 namespace {
