@@ -13,7 +13,7 @@ Picture Baked(const std::string& parameters, BakeChannel channel)
         + R"(}, "warp": {"source": "color", "color": [0.9, 0.5, 0.2]},
             "weft": {"source": "color", "color": [0.1, 0.4, 0.8]},
             "ramp": {"source": "ramp", "along": "v"}, "half": {"source": "color", "color": [0.5, 0.5, 0.5]})";
-    return BakeText(shaders, {.width = 2 * kTileSide, .height = 2 * kTileSide, .channel = channel});
+    return BakeText(shaders, {.width = 2 * kTileSide, .height = 2 * kTileSide, .channels = {channel}});
 }
 
 /// The pixel at (x, y), or at (y, x) when turned, of the picture repeated forever.
