@@ -141,6 +141,9 @@ public:
         if (!onto.gltf.empty() && fSurvey.fTiles.size() > 1)
             throw UsageError(fmt::format("--gltf: a material takes one tile, and \"{}\" lies on {}",
                 onto.onto, fSurvey.fTiles.size()));
+        for (const MaterialShader& row : kMaterialShaders)
+            if (const std::string& shader = onto.*row.shader; !shader.empty())
+                WithName(row.option, [&] { RequireValue(row, shader); });
     }
 
     void Run()
@@ -219,6 +222,14 @@ private:
         const std::string file = GltfFile(GltfMeshesOf(fModel, fSet), maps);
         fernwick::MakeFolderOf(fOnto.gltf);
         fernwick::WriteFile(fOnto.gltf, file);
+    }
+
+    /// Throws when there is no such shader, or it has no value.
+    void RequireValue(const MaterialShader& row, const std::string& shader) const
+    {
+        constexpr fernwick::BakeChannel kValue[] = {fernwick::BakeChannel::kValue};
+        const size_t output = FindShader(fModel.fDocument, row, shader);
+        RequireChannels(fLibrary, fModel.fDocument.WithOutput(output), kValue);
     }
 
     /// The value of one of the graph's shaders, beside the other maps.

@@ -147,7 +147,7 @@ public:
         : fLibrary(library), fDocument(document), fJob(job), fRegion(RegionOf(job)),
           fDescription(DescribeScene(document, job)), fScene(MakeScene()), fWorld(*fScene),
           fEye(FindCamera(*fScene, fScene->CameraName()), job), fPattern(job.samples),
-          fShaders(ShadersOfShapes(document, *fScene)), fNeeded(NeededFor(document, fShaders)),
+          fShaders(FindShaders()), fNeeded(NeededFor(document, fShaders)),
           fGrids(document, *MakeGraph(library, document, fScene, fNeeded), *fScene, fShaders)
     { }
 
@@ -205,6 +205,14 @@ private:
         const auto names = CameraNames(fDescription);
         throw RenderError(fmt::format("there is no camera \"{}\"; {}", name,
             names.empty() ? "the scene has none" : fmt::format("the scene has {}", fmt::join(names, ", "))));
+    }
+
+    std::vector<size_t> FindShaders() const
+    {
+        if (fScene->Shapes().empty())
+            throw RenderError("the scene has no shape to see; give an element a \"shape\", or the scene a "
+                              "\"file\" that holds some");
+        return ShadersOfShapes(fDocument, *fScene);
     }
 
     void ShadeTile(const Tile& tile, Picture& picture, std::vector<std::vector<float>>& layers) const

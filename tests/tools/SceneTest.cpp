@@ -150,8 +150,8 @@ TEST_F(SceneTest, AModelIsShadedInTheMiddleOfThePicture)
         "f 1/1 2/2 3/3 4/4\n");
     EXPECT_EQ(Run("shade " + white + "far.obj").error, "");
     const fernwick::Picture picture = ReadBack(fFolder / "a.png", 33, 33);
-    EXPECT_EQ(picture.At(16, 16).fRed, 1);
-    EXPECT_EQ(picture.At(16, 4).fRed, 1) << "as high as the picture, nearly";
+    EXPECT_FLOAT_EQ(picture.At(16, 16).fRed, 1);
+    EXPECT_FLOAT_EQ(picture.At(16, 4).fRed, 1) << "as high as the picture, nearly";
     EXPECT_LT(picture.At(16, 0).fRed, 0.5f);
     EXPECT_LT(picture.At(4, 16).fRed, 0.5f) << "half as wide as high";
     EXPECT_EQ(Run("shade Curvature --size 9x9 --on far.obj -o a.png").error, "") << "its surface is found";

@@ -70,7 +70,7 @@ TEST(KeysTest, WrongKeysAreRefusedWithTheirPlace)
         {R"("source": "value", "value": {"keys": {"1": 2}})",
             "a.value.keys: expected keys, each a frame and a value, got an object"},
         {R"("source": "value", "value": {"keys": [[1, 2, 3]]})",
-            "a.value.keys[0]: expected a frame and a value, such as [24, 0.5], got an array of 3"},
+            "a.value.keys[0]: expected a frame and a value, such as [24, 0.5], got [1,2,3]"},
         {R"("source": "value", "value": {"keys": [["1", 2]]})",
             "a.value.keys[0]: expected a frame and a value, such as [24, 0.5], got an array of 2"},
         {R"("source": "value", "value": {"keys": [[1, 2], [1, 3]]})",

@@ -293,7 +293,7 @@ TEST_F(RenderTest, WrongScenesAndCamerasAreRefusedWithThePlace)
             "scene.nodes.Ball: there is no shader \"outputs\"; did you mean \"output\"?"},
         {element(R"("shape": {"kind": "cube"})"), "",
             "scene.elements[0].shape.kind: there is no shape \"cube\", only sphere, torus, saddle, plane, "
-            "box"},
+            "box, model"},
         {element(R"("shape": {"kind": "torus", "radius": 1, "tube": 1})"), "",
             "scene.elements[0].shape: the radius of the ring must be larger than that of its tube"},
         {element(R"("shape": {"kind": "sphere", "radius": 0})"), "",
