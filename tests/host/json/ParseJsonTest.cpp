@@ -44,7 +44,8 @@ TEST(ParseJson, NamesThePlaceOfANumberThatNothingHolds)
     EXPECT_EQ(ErrorOf("1e400"), text + "1e400");
     EXPECT_EQ(ErrorOf(R"({"scene": {"a": 1, "elements": [{}, {"position": [0, -1e999, 0]}]}})"),
         "scene.elements[1].position[1]: " + text + "-1e999");
-    EXPECT_EQ(ErrorOf(R"({"a": {"b": 1)" + std::string(400, '0') + "}}"), "a.b: " + text + "a long number");
+    const std::string longNumber = std::string(R"({"a": {"b": 1)").append(400, '0').append("}}");
+    EXPECT_EQ(ErrorOf(longNumber), "a.b: " + text + "a long number");
     EXPECT_EQ(ParseJson("1e308").get<double>(), 1e308);
 }
 

@@ -259,27 +259,22 @@ TEST_F(PictureWriterTest, APipeGetsWhatAFileWouldHold)
 
 TEST_F(PictureWriterTest, LayoutsThatAFormatDoesNotHaveAreRefusedWithThoseItHas)
 {
-    const struct {
-        std::string name;
-        PictureLayout layout;
-        std::string reason;
-    } rows[] = {
-        {"a.png", {.bits = 32}, "a .png has 8 or 16 bits a channel, not 32"},
-        {"a.exr", {.bits = 8}, "an .exr has 16 or 32 bits a channel, not 8"},
-        {"a.png", {.straight = true}, "a .png has a straight alpha anyway"},
-        {"a.tif", {.straight = true}, "a .tif has a straight alpha anyway, unless it has 32 bits"},
-        {"a.png", {.tiled = true}, "a .png has no tiles"},
-        {"a.png", {.compression = "zip"}, "a .png has no choice of compressions"},
-        {"a.tif", {.compression = "piz"}, "a .tif is compressed by zip or none, not \"piz\""},
-    };
-    for (const auto& [name, layout, reason] : rows) {
-        try {
-            PictureWriter(fFolder / name, fWhole, layout);
-            ADD_FAILURE() << reason;
-        } catch (const PictureError& error) {
-            EXPECT_EQ(error.what(), (fFolder / name).string() + ": " + reason);
-        }
-    }
+    const auto expectRefused
+        = [this](const char* name, const PictureLayout& layout, const std::string& reason) {
+              try {
+                  PictureWriter(fFolder / name, fWhole, layout);
+                  ADD_FAILURE() << reason;
+              } catch (const PictureError& error) {
+                  EXPECT_EQ(error.what(), (fFolder / name).string() + ": " + reason);
+              }
+          };
+    expectRefused("a.png", {.bits = 32}, "a .png has 8 or 16 bits a channel, not 32");
+    expectRefused("a.exr", {.bits = 8}, "an .exr has 16 or 32 bits a channel, not 8");
+    expectRefused("a.png", {.straight = true}, "a .png has a straight alpha anyway");
+    expectRefused("a.tif", {.straight = true}, "a .tif has a straight alpha anyway, unless it has 32 bits");
+    expectRefused("a.png", {.tiled = true}, "a .png has no tiles");
+    expectRefused("a.png", {.compression = "zip"}, "a .png has no choice of compressions");
+    expectRefused("a.tif", {.compression = "piz"}, "a .tif is compressed by zip or none, not \"piz\"");
     EXPECT_THAT(FilesIn(fFolder.Path()), testing::IsEmpty());
 }
 
