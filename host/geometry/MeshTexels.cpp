@@ -105,7 +105,7 @@ struct MeshTexels::Rasterizer {
         }
         texel = start;
         const auto& [xs, ys] = triangle;
-        const auto areaFromFirst = [&xs, &ys](double fromX, double fromY, double toX, double toY) {
+        const auto areaFromFirst = [&xs = xs, &ys = ys](double fromX, double fromY, double toX, double toY) {
             return (fromX - xs[0]) * (toY - ys[0]) - (toX - xs[0]) * (fromY - ys[0]);
         };
         const double whole = areaFromFirst(xs[1], ys[1], xs[2], ys[2]);
