@@ -59,7 +59,7 @@ void PictureDoubts::Add(std::span<const TMCColorRGBA> pixels)
     constexpr uint32_t kExponent = 0x7F800000; // whole in a NaN and in an infinity
     for (const TMCColorRGBA& color : pixels) {
         const auto bits = std::bit_cast<std::array<uint32_t, 4>>(color);
-        const auto isOdd = [](uint32_t number) { return (number & kExponent) == kExponent; };
+        const auto isOdd = [](uint32_t number) -> int64_t { return (number & kExponent) == kExponent; };
         fIsBlack &= ((bits[0] | bits[1] | bits[2]) << 1) == 0; // but for signs
         fIsTransparent &= (bits[3] << 1) == 0;
         fOddPixels += isOdd(bits[0]) | isOdd(bits[1]) | isOdd(bits[2]) | isOdd(bits[3]);
