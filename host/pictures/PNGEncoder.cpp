@@ -11,7 +11,7 @@ namespace fernwick {
 
 namespace {
 
-// A PNG is written as the specification at w3.org/TR/png-3 has it. Its one zlib stream (RFC 1950) is put together from
+// A PNG is written as the standard at w3.org/TR/png-3 has it. Its one zlib stream (RFC 1950) is put together from
 // stretches of rows that are compressed side by side: each is a deflate stream (RFC 1951) that ends at a byte, knows
 // the bytes before it as its dictionary, and is as long as its place in the picture says, so that neither the threads
 // nor the bands show in the file.
