@@ -1,4 +1,5 @@
 #include "host/documents/GltfFile.h"
+#include "host/geometry/Cross.h"
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -22,12 +23,6 @@ constexpr int kVertices = 34962;
 constexpr int kIndices = 34963;
 
 constexpr size_t kAlignment = 4;
-
-TVector3 Cross(const TVector3& left, const TVector3& right)
-{
-    return {left[1] * right[2] - left[2] * right[1], left[2] * right[0] - left[0] * right[2],
-        left[0] * right[1] - left[1] * right[0]};
-}
 
 /// Builds the file from its parts.
 class Writer {

@@ -1,4 +1,5 @@
 #include "host/geometry/Mesh.h"
+#include "host/geometry/Cross.h"
 #include "host/geometry/EmbreeDevice.h"
 #include "host/geometry/MeshCurvature.h"
 #include <algorithm>
@@ -8,12 +9,6 @@
 namespace fernwick {
 
 namespace {
-
-TVector3 Cross(const TVector3& left, const TVector3& right)
-{
-    return {left[1] * right[2] - left[2] * right[1], left[2] * right[0] - left[0] * right[2],
-        left[0] * right[1] - left[1] * right[0]};
-}
 
 TVector3 Scaled(TVector3 vector, float factor) { return vector *= factor; }
 

@@ -1,4 +1,5 @@
 #include "host/geometry/TangentFrame.h"
+#include "host/geometry/Cross.h"
 #include <algorithm>
 
 namespace fernwick {
@@ -13,12 +14,6 @@ TVector3 UnitBeside(const TVector3& axis, TVector3 vector)
     vector -= along;
     Normalize(vector);
     return vector;
-}
-
-TVector3 Cross(const TVector3& left, const TVector3& right)
-{
-    return {left[1] * right[2] - left[2] * right[1], left[2] * right[0] - left[0] * right[2],
-        left[0] * right[1] - left[1] * right[0]};
 }
 
 } // namespace

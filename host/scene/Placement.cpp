@@ -1,5 +1,6 @@
 #include "host/scene/Placement.h"
 #include "frame/Numbers.h"
+#include "host/geometry/Cross.h"
 #include <cmath>
 
 namespace fernwick {
@@ -46,12 +47,6 @@ TVector3 Product(const TTransform3D& place, const TVector3& vector, const TVecto
         sum[i] = static_cast<float>(element);
     }
     return sum;
-}
-
-TVector3 Cross(const TVector3& left, const TVector3& right)
-{
-    return {left[1] * right[2] - left[2] * right[1], left[2] * right[0] - left[0] * right[2],
-        left[0] * right[1] - left[1] * right[0]};
 }
 
 } // namespace
