@@ -1,10 +1,10 @@
 #include "host/files/PictureAttributes.h"
 #include "host/pictures/OutputProxy.h"
 #include "host/pictures/PictureEncoder.h"
+#include "host/threads/Parallel.h"
 #include <OpenImageIO/imageio.h>
 #include <algorithm>
 #include <cstring>
-#include <thread>
 
 namespace fernwick {
 
@@ -29,46 +29,47 @@ OIIO::TypeDesc TypeOf(PictureNumbers numbers)
 }
 
 /// What the encoders of all formats need to know of the picture.
-OIIO::ImageSpec SpecOf(const PictureEncoding& encoding, OIIO::TypeDesc type)
+OIIO::ImageSpec HeaderOf(const PictureEncoding& encoding, OIIO::TypeDesc type)
 {
     const PictureShape& shape = encoding.shape;
-    OIIO::ImageSpec spec(shape.region.Width(), shape.region.Height(), 4, type);
-    spec.x = shape.region.left;
-    spec.y = shape.region.top;
-    spec.full_width = shape.width;
-    spec.full_height = shape.height;
+    OIIO::ImageSpec header(shape.region.Width(), shape.region.Height(), 4, type);
+    header.x = shape.region.left;
+    header.y = shape.region.top;
+    header.full_width = shape.width;
+    header.full_height = shape.height;
     if (encoding.layout.tiled)
-        spec.tile_width = spec.tile_height = kTileSide;
-    spec.attribute("DateTime", kNoTime);
-    spec.attribute("compression", encoding.layout.compression.empty() ? "zip" : encoding.layout.compression);
-    return spec;
+        header.tile_width = header.tile_height = kTileSide;
+    header.attribute("DateTime", kNoTime);
+    header.attribute(
+        "compression", encoding.layout.compression.empty() ? "zip" : encoding.layout.compression);
+    return header;
 }
 
-OIIO::ImageSpec EXRSpecOf(const PictureEncoding& encoding)
+OIIO::ImageSpec EXRHeaderOf(const PictureEncoding& encoding)
 {
-    OIIO::ImageSpec spec
-        = SpecOf(encoding, encoding.layout.bits == 16 ? OIIO::TypeDesc::HALF : OIIO::TypeDesc::FLOAT);
+    OIIO::ImageSpec header
+        = HeaderOf(encoding, encoding.layout.bits == 16 ? OIIO::TypeDesc::HALF : OIIO::TypeDesc::FLOAT);
     for (const std::string& name : encoding.shape.channels) {
-        ++spec.nchannels;
-        spec.channelnames.push_back(name);
+        ++header.nchannels;
+        header.channelnames.push_back(name);
     }
-    spec.attribute(kAlphaAttribute, encoding.layout.straight ? kStraightAlpha : kPremultipliedAlpha);
-    return spec;
+    header.attribute(kAlphaAttribute, encoding.layout.straight ? kStraightAlpha : kPremultipliedAlpha);
+    return header;
 }
 
-OIIO::ImageSpec TIFFSpecOf(const PictureEncoding& encoding)
+OIIO::ImageSpec TIFFHeaderOf(const PictureEncoding& encoding)
 {
     constexpr OIIO::imagesize_t kMostBytes = 4'000'000'000; // that surely fit behind offsets of 32 bits
-    OIIO::ImageSpec spec = SpecOf(encoding, TypeOf(encoding.numbers));
+    OIIO::ImageSpec header = HeaderOf(encoding, TypeOf(encoding.numbers));
     const bool isFloat = encoding.numbers == PictureNumbers::kFloat;
     if (!isFloat || encoding.layout.straight)
-        spec.attribute("oiio:UnassociatedAlpha", 1);
+        header.attribute("oiio:UnassociatedAlpha", 1);
     if (!isFloat && encoding.shape.content != PictureContent::kColor)
-        spec.attribute("ImageDescription", kLinearDescription);
-    if (spec.image_bytes() > kMostBytes)
-        spec.attribute("tiff:bigtiff", 1);
-    spec.attribute("tiff:RowsPerStrip", kRowsOfStrip);
-    return spec;
+        header.attribute("ImageDescription", kLinearDescription);
+    if (header.image_bytes() > kMostBytes)
+        header.attribute("tiff:bigtiff", 1);
+    header.attribute("tiff:RowsPerStrip", kRowsOfStrip);
+    return header;
 }
 
 /// Writes with an encoder of OpenImageIO. The rows are handed on in the heights that the file is made of, so that the
@@ -76,20 +77,19 @@ OIIO::ImageSpec TIFFSpecOf(const PictureEncoding& encoding)
 class ImageEncoder final : public PictureEncoder {
 public:
     /// @param rows  that the file is made of
-    ImageEncoder(const PictureEncoding& encoding, const char* format, const OIIO::ImageSpec& spec, int rows)
-        : fProxy(encoding.file), fSpec(spec), fType(TypeOf(encoding.numbers)),
+    ImageEncoder(const PictureEncoding& encoding, const char* format, const OIIO::ImageSpec& header, int rows)
+        : fProxy(encoding.file), fHeader(header), fType(TypeOf(encoding.numbers)),
           fOutput(OIIO::ImageOutput::create(format, &fProxy)),
-          fRows(spec.tile_height > 0 ? spec.tile_height : rows),
-          fPixelSize(static_cast<size_t>(spec.nchannels) * fType.size()),
-          fRowSize(static_cast<size_t>(spec.width) * fPixelSize),
-          fTilesArePadded(std::string_view(format) == "tiff"), fY(spec.y)
+          fRows(header.tile_height > 0 ? header.tile_height : rows),
+          fPixelSize(static_cast<size_t>(header.nchannels) * fType.size()),
+          fRowSize(static_cast<size_t>(header.width) * fPixelSize),
+          fTilesArePadded(std::string_view(format) == "tiff"), fY(header.y)
     {
         if (!fOutput)
             throw PictureError(OIIO::geterror());
         // Of the whole process, as the library has it.
-        OIIO::attribute("exr_threads",
-            encoding.threads > 0 ? encoding.threads : static_cast<int>(std::thread::hardware_concurrency()));
-        Require(fOutput->open(std::string(".") + format, fSpec));
+        OIIO::attribute("exr_threads", ThreadCount(encoding.threads));
+        Require(fOutput->open(std::string(".") + format, fHeader));
     }
 
     void Write(int rows, const void* numbers) override
@@ -123,7 +123,7 @@ public:
 
 private:
     OutputProxy fProxy;
-    OIIO::ImageSpec fSpec;
+    OIIO::ImageSpec fHeader;
     OIIO::TypeDesc fType;
     std::unique_ptr<OIIO::ImageOutput> fOutput;
     int fRows;
@@ -144,13 +144,14 @@ private:
     void WriteRows(int rows, const unsigned char* numbers)
     {
         const int end = fY + rows;
-        if (fSpec.tile_height == 0)
+        if (fHeader.tile_height == 0)
             Require(fOutput->write_scanlines(fY, end, 0, fType, numbers));
         else if (fTilesArePadded)
             for (int y = fY; y < end; y += kTileSide)
                 WriteTiles(std::min(kTileSide, end - y), y, numbers + static_cast<size_t>(y - fY) * fRowSize);
         else
-            Require(fOutput->write_tiles(fSpec.x, fSpec.x + fSpec.width, fY, end, 0, 1, fType, numbers));
+            Require(
+                fOutput->write_tiles(fHeader.x, fHeader.x + fHeader.width, fY, end, 0, 1, fType, numbers));
         fY = end;
     }
 
@@ -158,14 +159,14 @@ private:
     void WriteTiles(int rows, int y, const unsigned char* numbers)
     {
         const size_t rowOfTile = kTileSide * fPixelSize;
-        for (int left = 0; left < fSpec.width; left += kTileSide) {
+        for (int left = 0; left < fHeader.width; left += kTileSide) {
             fTile.assign(kTileSide * rowOfTile, 0);
-            const size_t size = static_cast<size_t>(std::min(kTileSide, fSpec.width - left)) * fPixelSize;
+            const size_t size = static_cast<size_t>(std::min(kTileSide, fHeader.width - left)) * fPixelSize;
             for (int row = 0; row < rows; ++row)
                 std::memcpy(&fTile[static_cast<size_t>(row) * rowOfTile],
                     numbers + static_cast<size_t>(row) * fRowSize + static_cast<size_t>(left) * fPixelSize,
                     size);
-            Require(fOutput->write_tile(fSpec.x + left, y, 0, fType, fTile.data()));
+            Require(fOutput->write_tile(fHeader.x + left, y, 0, fType, fTile.data()));
         }
     }
 };
@@ -174,12 +175,12 @@ private:
 
 std::unique_ptr<PictureEncoder> MakeEXREncoder(const PictureEncoding& encoding)
 {
-    return std::make_unique<ImageEncoder>(encoding, "openexr", EXRSpecOf(encoding), 1);
+    return std::make_unique<ImageEncoder>(encoding, "openexr", EXRHeaderOf(encoding), 1);
 }
 
 std::unique_ptr<PictureEncoder> MakeTIFFEncoder(const PictureEncoding& encoding)
 {
-    return std::make_unique<ImageEncoder>(encoding, "tiff", TIFFSpecOf(encoding), kRowsOfStrip);
+    return std::make_unique<ImageEncoder>(encoding, "tiff", TIFFHeaderOf(encoding), kRowsOfStrip);
 }
 
 } // namespace fernwick
