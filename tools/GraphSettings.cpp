@@ -3,14 +3,15 @@
 #include "host/json/FieldReader.h"
 #include "host/json/Nearest.h"
 #include "tools/FieldSettings.h"
-#include "tools/Names.h"
 #include <filesystem>
 #include <fmt/format.h>
+#include <optional>
 
 namespace {
 
 using fernwick::Json;
 using fernwick::ParameterTable;
+using fernwick::TableOf;
 
 /// A field that the command line gives, and whose it is.
 struct Target {
@@ -20,14 +21,12 @@ struct Target {
     std::string Name() const { return shader + '.' + field; }
 };
 
-/// The table of a shader as the document describes it; null when that isn't right.
-const ParameterTable* TableOf(const Json& shader)
-{
-    for (const char* const key : {"class", "source"})
-        if (shader.is_object() && shader.contains(key) && shader[key].is_string())
-            return FindTable(shader[key].get<std::string>());
-    return nullptr;
-}
+/// What one option gives.
+struct Given {
+    Target target;
+    const ParameterTable& table; ///< of the shader
+    std::string value;
+};
 
 /// A relative name of a file starts at the current folder, where the shell completes it.
 void MakeAbsolute(Json& file)
@@ -43,13 +42,10 @@ public:
 
     void Plug(const std::string& text)
     {
-        const auto [address, value] = Split(text, "--plug", "drop.fSubShader=checker");
-        const Target target = FindTarget(address, "--plug");
-        const ParameterTable* const table = TableOf(fShaders[target.shader]);
-        if (table == nullptr)
+        const auto given = Read(text, "--plug", "drop.fSubShader=checker", true);
+        if (!given)
             return;
-        RequireOption(*table, target.field, true, target.shader);
-        fRepetitions.Add("--plug", target.Name());
+        const auto& [target, table, value] = *given;
         Json plugged = value;
         if (!value.empty() && !fShaders.contains(value)) {
             plugged = NewName(target.Name());
@@ -58,30 +54,40 @@ public:
                 MakeAbsolute(source["file"]);
             fShaders[plugged.get<std::string>()] = std::move(source);
         }
-        const size_t count = CountSlots(*table, target.field);
-        Store("--plug", *table, target, count > 0 ? Json(std::vector(count, plugged)) : plugged);
+        const size_t count = CountSlots(table, target.field);
+        Store("--plug", table, target, count > 0 ? Json(std::vector(count, plugged)) : plugged);
     }
 
     void Set(const std::string& text)
     {
-        const auto [address, value] = Split(text, "--set", "drop.fCount=8");
-        const Target target = FindTarget(address, "--set");
-        const ParameterTable* const table = TableOf(fShaders[target.shader]);
-        if (table == nullptr)
+        const auto given = Read(text, "--set", "drop.fCount=8", false);
+        if (!given)
             return;
-        RequireOption(*table, target.field, false, target.shader);
-        fRepetitions.Add("--set", target.Name());
-        Json given = ValueOf(*table, {target.field, value}, "--set " + target.shader);
-        if (const fernwick::Field* const field = table->Find(target.field);
+        const auto& [target, table, written] = *given;
+        Json value = ValueOf(table, {target.field, written}, "--set " + target.shader);
+        if (const fernwick::Field* const field = table.Find(target.field);
             field != nullptr && field->fType == fernwick::FieldType::kFile)
-            MakeAbsolute(given);
-        Store("--set", *table, target, std::move(given));
+            MakeAbsolute(value);
+        Store("--set", table, target, std::move(value));
     }
 
 private:
     Json& fShaders;
     std::string fOutput;
     Repetitions fRepetitions;
+
+    /// @return nothing for a shader whose description isn't right, which whoever reads the document refuses
+    std::optional<Given> Read(const std::string& text, const char* option, const char* example, bool isPlug)
+    {
+        auto [address, value] = Split(text, option, example);
+        Target target = FindTarget(address, option);
+        const ParameterTable* const table = TableOf(fShaders[target.shader]);
+        if (table == nullptr)
+            return std::nullopt;
+        RequireOption(*table, target.field, isPlug, target.shader);
+        fRepetitions.Add(option, target.Name());
+        return Given{std::move(target), *table, std::move(value)};
+    }
 
     Target FindTarget(const std::string& address, const char* option) const
     {

@@ -42,17 +42,6 @@ Json Mixed(const Json& left, const Json& right, double share)
     return mixed;
 }
 
-/// The table of a shader as a document describes it; null when that isn't right.
-const ParameterTable* TableOf(const Json& shader)
-{
-    if (const auto name = shader.find("class"); name != shader.end() && name->is_string())
-        return FindClass(name->get_ref<const std::string&>());
-    if (const auto name = shader.find("source"); name != shader.end() && name->is_string())
-        if (const SourceKind* const kind = FindSource(name->get_ref<const std::string&>()))
-            return &kind->fTable;
-    return nullptr;
-}
-
 Between ReadBetween(const JsonNode& node)
 {
     const std::string name = node.Name();
@@ -165,6 +154,16 @@ private:
         return keys;
     }
 };
+
+const ParameterTable* TableOf(const Json& shader)
+{
+    if (const auto name = shader.find("class"); name != shader.end() && name->is_string())
+        return FindClass(name->get_ref<const std::string&>());
+    if (const auto name = shader.find("source"); name != shader.end() && name->is_string())
+        if (const SourceKind* const kind = FindSource(name->get_ref<const std::string&>()))
+            return &kind->fTable;
+    return nullptr;
+}
 
 const Field* FieldNear(const ParameterTable& table, const std::string& address)
 {

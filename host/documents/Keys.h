@@ -46,6 +46,9 @@ private:
     std::vector<Curve> fCurves;
 };
 
+/// The table of a shader as a document describes it; null when that isn't right.
+const ParameterTable* TableOf(const Json& shader);
+
 /// Whether fields of a type change by `Between::kStep` alone.
 bool ChangesInSteps(FieldType type);
 
