@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int kMostSamples = 4096;
 constexpr std::string_view kOutputMark = "{output}";
 
 /// The channels that are baked.

@@ -4,6 +4,8 @@
 #include "tools/Commands.h"
 #include <optional>
 
+constexpr int kMostSamples = 4096; // a pixel
+
 /// What the commands that make a picture share.
 struct PictureOptions {
     std::string file;
@@ -26,8 +28,8 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options);
 /// Adds `--layers`, for a command that renders.
 void AddLayersOption(CLI::App& command, PictureOptions& options);
 
-/// Throws, before the work, `UsageError` when the options don't fit the kind of file, and `FileError` when it couldn't be
-/// written. No file at all fits.
+/// Throws, before the work, `UsageError` when the options don't fit the kind of file, and `FileError` when it couldn't
+/// be written. No file at all fits.
 void RequireTarget(const PictureOptions& options);
 
 /// Reads a size such as "640x480"; false for anything else.

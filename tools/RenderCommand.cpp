@@ -8,12 +8,9 @@
 #include "tools/PictureOptions.h"
 #include "tools/ShownJob.h"
 #include "tools/Tell.h"
-
 #include <fmt/format.h>
 
 namespace {
-
-constexpr int kMostSamples = 4096;
 
 constexpr const char* kIntroduction =
     R"(The scene of the graph says what there is: a file, shapes, lights and cameras, and which element gets which
@@ -83,10 +80,11 @@ void RunRender(const RenderOptions& options)
     TellAlike(shots, graph->HasKeys());
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
-    const auto save = [&picture](const fernwick::Picture& made, const std::string& file) {
-        PictureDoubts(made).TellOddNumbers(file, picture.layout);
-        made.Save(file, picture.layout, picture.threads);
-    };
+    const auto save
+        = [&picture](const fernwick::Picture& made, const PictureDoubts& doubts, const std::string& file) {
+              doubts.TellOddNumbers(file, picture.layout);
+              made.Save(file, picture.layout, picture.threads);
+          };
     std::vector<fernwick::Picture> strip;
     ForEachShot(shots, [&](const Shot& shot) {
         const fernwick::GraphDocument document = graph->At(shot.frame);
@@ -94,15 +92,18 @@ void RunRender(const RenderOptions& options)
             TellBeforeWork(document);
         fernwick::Picture made
             = RunShown(job, reports, shot.label, [&] { return fernwick::Render(library, document, job); });
+        const PictureDoubts doubts(made);
         if (shot.isFirst)
-            PictureDoubts(made).TellEmptySlots(document);
+            doubts.TellEmptySlots(document);
         if (isStrip)
             strip.push_back(std::move(made));
         else
-            save(made, shot.file);
+            save(made, doubts, shot.file);
     });
-    if (isStrip)
-        save(fernwick::SideBySide(strip), picture.file);
+    if (isStrip) {
+        const fernwick::Picture whole = fernwick::SideBySide(strip);
+        save(whole, PictureDoubts(whole), picture.file);
+    }
 }
 
 } // namespace
