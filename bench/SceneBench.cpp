@@ -77,7 +77,8 @@ float PlainProximity(const ShadingIn& in)
     return ProximityOf(static_cast<float>(Length(GlobalPosition(*tree) - hotPoint)));
 }
 
-/// What group mode can't avoid: the shader's calls, in the order of a walk by hand that holds the current element alone.
+/// What group mode can't avoid: the shader's calls, in the order of a walk by hand that holds the current element
+/// alone.
 float PlainGroup(const ShadingIn& in)
 {
     const SamplePlace place(in);

@@ -8,8 +8,8 @@ namespace fernwick {
 /// The frame of a document that is asked for none.
 constexpr double kFirstFrame = 1;
 
-/// Parses the file of a document, of at most 64 MiB, or stdin under the name `-`, whose files are found from the current
-/// folder. What it describes isn't looked at. Throws `GraphError`, which names the file.
+/// Parses the file of a document, of at most 64 MiB, or stdin under the name `-`, whose files are found from the
+/// current folder. What it describes isn't looked at. Throws `GraphError`, which names the file.
 Json ReadGraphFile(const std::filesystem::path& file);
 
 /// A document over frames: its keyed values (see `Keys`) change from one to the next. The models and pictures that it

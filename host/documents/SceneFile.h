@@ -39,8 +39,8 @@ struct SceneFile {
 /// `GetTreeTransform` tells the scale. Hot points are at the origin. A mesh without UV gets its place in its
 /// bounding box along X and Y; one without normals gets smooth ones, with creases above 60 degrees. A light's
 /// brightness is its strongest channel; its range is taken where the file gives one (glTF), with the fading
-/// from the light on. Cones are taken as angles from the axis. Lines and points are left out, and so are vertices that no
-/// ray can meet, with a notice (see `SoundMesh`).
+/// from the light on. Cones are taken as angles from the axis. Lines and points are left out, and so are vertices that
+/// no ray can meet, with a notice (see `SoundMesh`).
 ///
 /// A file is checked before it is taken, and so is every regular file that it names; pipes and devices aren't read.
 /// Throws `SceneFileError`.

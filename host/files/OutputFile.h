@@ -75,7 +75,8 @@ void WriteFile(const std::filesystem::path& path, std::string_view bytes);
 /// Whether the name stands for no regular file but for stdout, a pipe or a device.
 bool IsStream(const std::filesystem::path& path);
 
-/// Removes the `.part` of every file that is being written, and the passing folders, for a process about to end. Safe in signal handlers.
+/// Removes the `.part` of every file that is being written, and the passing folders, for a process about to end. Safe
+/// in signal handlers.
 void RemoveUnfinishedFiles() noexcept;
 
 } // namespace fernwick

@@ -30,8 +30,8 @@ enum class PictureFormat {
 
 /// How a picture is put into a file. See `RequireFit`.
 struct PictureLayout {
-    /// Of a channel. Of floats 16 (half) or 32, of integers 8 or 16, and 32 of a TIFF are floats; 0 for the usual: 32 of
-    /// an EXR or a texture, 8 of colours and 16 of all else in a PNG or TIFF.
+    /// Of a channel. Of floats 16 (half) or 32, of integers 8 or 16, and 32 of a TIFF are floats; 0 for the usual: 32
+    /// of an EXR or a texture, 8 of colours and 16 of all else in a PNG or TIFF.
     int bits = 0;
     bool straight = false;        ///< leaves the colours of floats as they are, not multiplied by the alpha
     bool tiled = false;           ///< in tiles of 64 by 64 pixels, not in rows; textures are anyway

@@ -9,13 +9,13 @@ namespace fernwick {
 /// Writes a picture into a file from the top, band by band. Nothing of it is held in memory beyond a few rows, or a row
 /// of tiles, and the bytes of the file don't tell how it was cut into bands.
 ///
-/// An `.exr` gets the floats, unencoded, the colours multiplied by the alpha as is the custom of that format; its header
-/// tells which by the attribute `kAlphaAttribute`, and a region becomes its data window. `.png`, and a stream without an
-/// ending, gets integers, encoded by the content and clamped, with NaN as 0, and a straight alpha; what isn't a colour
-/// is marked as linear, and a region is a picture by itself that tells its place. `.tif` has either, a region as a
-/// picture by itself that tells its place. `.tx` is an EXR of tiles with smaller copies, of a region as if it were all;
-/// OpenImageIO makes it of an EXR that lies beside the file meanwhile, and takes memory for one and a half times the
-/// pixels as floats.
+/// An `.exr` gets the floats, unencoded, the colours multiplied by the alpha as is the custom of that format; its
+/// header tells which by the attribute `kAlphaAttribute`, and a region becomes its data window. `.png`, and a stream
+/// without an ending, gets integers, encoded by the content and clamped, with NaN as 0, and a straight alpha; what
+/// isn't a colour is marked as linear, and a region is a picture by itself that tells its place. `.tif` has either, a
+/// region as a picture by itself that tells its place. `.tx` is an EXR of tiles with smaller copies, of a region as if
+/// it were all; OpenImageIO makes it of an EXR that lies beside the file meanwhile, and takes memory for one and a half
+/// times the pixels as floats.
 ///
 /// The file appears whole or not at all, as `OutputFile` has it, in folders that are made. A stream that gets anything
 /// but a PNG waits for all of it, which is held in memory.

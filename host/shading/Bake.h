@@ -75,7 +75,8 @@ using BakeSink = std::function<void(const BakeBand&)>;
 ///
 /// A sample for which a surface shader produces nothing is transparent black with coverage 0.
 ///
-/// The pictures are never there as a whole: two or three bands at a time are, so that memory grows with the width alone.
+/// The pictures are never there as a whole: two or three bands at a time are, so that memory grows with the width
+/// alone.
 ///
 /// @return false when cancelled. Throws `BakeError`, the `GraphError` of a document that makes no graph, and what the
 /// sink throws.

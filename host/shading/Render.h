@@ -33,8 +33,8 @@ struct RenderJob {
 
 /// Renders the scene of a document: what the camera sees, each element by its shader, or by the output where it has
 /// none. A surface shader gives its main colour, another one its colour or its value as grey, and one with neither
-/// is white. The colour is shown as it is; on elements that are `lit` it is multiplied by a lamp beside the camera, which
-/// lights the normal that a vector shader bends. Where the alpha is below 1 the next surface behind shows, up to
+/// is white. The colour is shown as it is; on elements that are `lit` it is multiplied by a lamp beside the camera,
+/// which lights the normal that a vector shader bends. Where the alpha is below 1 the next surface behind shows, up to
 /// sixteen, and then the background. No light of the scene is looked at but by shaders, and there are no shadows.
 ///
 /// The layers, in the order and with the names of the record, are those of the first surface that a sample

@@ -31,8 +31,8 @@ template <class Work> void RunInArena(int threads, const Work& work)
 void RunParallel(int count, int threads, const std::function<void(int)>& run)
 {
     const auto runAll = [&] { tbb::parallel_for(0, count, run, tbb::simple_partitioner()); };
-    // In an arena of its own a finish would wait for threads that wait for it in theirs. It takes no other work meanwhile,
-    // since all wait for it when they are as far ahead as they may be.
+    // In an arena of its own a finish would wait for threads that wait for it in theirs. It takes no other work
+    // meanwhile, since all wait for it when they are as far ahead as they may be.
     if (gIsFinishing)
         tbb::this_task_arena::isolate(runAll);
     else

@@ -41,8 +41,9 @@ void TreeWalker::GoTo(MCCountedPtr<ITreeElement>&& tree)
     fHeld[fTurn] = std::move(tree);
 }
 
-/// Gives the current element out, unless it is the mark again, which a sound tree never comes to. The mark moves up each
-/// time that their number has doubled, so a walk in circles meets it however long the way into them is (Brent 1980).
+/// Gives the current element out, unless it is the mark again, which a sound tree never comes to. The mark moves up
+/// each time that their number has doubled, so a walk in circles meets it however long the way into them is (Brent
+/// 1980).
 ITreeElement* TreeWalker::Visit()
 {
     if (fCurrent == fMark || fVisits == kMostVisits)

@@ -5,8 +5,9 @@
 /// A walk over an element and its descendants: each before its children, children in the order of the scene.
 /// The siblings of the root are never visited. A null answer of the host ends a branch, or the walk.
 ///
-/// Links that contradict each other don't keep it going. Beyond `kFirstMark` elements it ends soon after it has come round
-/// to one that it has given out, and in any case at `kMostVisits`, for hosts that make elements as they are asked for.
+/// Links that contradict each other don't keep it going. Beyond `kFirstMark` elements it ends soon after it has come
+/// round to one that it has given out, and in any case at `kMostVisits`, for hosts that make elements as they are asked
+/// for.
 class TreeWalker {
 public:
     static constexpr uint32_t kFirstMark = 1
