@@ -55,6 +55,7 @@ constexpr Statement kStatements[] = {
     {.className = "Shadow_pass",
         .needs = kNeedsAll,
         .sampleChanges = kChangesChannelMask,
+        .surface = SurfaceWay::kSwitched,
         .keepsShaders = true},
     {.className = "Spoke", .needs = kNeedsUV, .uncompared = "fTaper"},
     {.className = "Super_mixer",

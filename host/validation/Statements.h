@@ -26,8 +26,9 @@ enum LeftResults : uint32_t {
 
 /// How a class fills a surface result. All its other fields stay as the caller has them.
 enum class SurfaceWay {
-    kAbsent,   ///< it offers none, or has no route
+    kAbsent,   ///< it offers none
     kStraight, ///< with what the shader gives that it asks last: a surface, a colour or a grey
+    kSwitched, ///< the same, but a grey brings an alpha; without a surface the alpha alone
     kPass,     ///< with the surface of a pass, or else all of it
     kSum,      ///< all of it, or the colour alone with `fBypass`
 };

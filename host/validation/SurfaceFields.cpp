@@ -115,6 +115,8 @@ std::string_view WrittenFields(
             : last == "ShadeColor"    ? kColor
             : last == "ShadeValue"    ? kGrey
                                       : kNone;
+    case SurfaceWay::kSwitched:
+        return produced == 0 ? kAlpha : last == "ShadeSurface" ? kPlugged : last.empty() ? kNone : kColor;
     case SurfaceWay::kPass: // the first to be asked is the selector, the second the pass
         if (produced == 0)
             return kNone;

@@ -15,6 +15,7 @@ struct CallLog;
 namespace surface_fields {
 constexpr std::string_view kNone = "";
 constexpr std::string_view kGrey = "fColor";
+constexpr std::string_view kAlpha = "fColor.fAlpha";
 constexpr std::string_view kColor = "fColor fColor.fAlpha";
 constexpr std::string_view kDefault = "fShadingNormal"; ///< of a class that offers no surface
 constexpr std::string_view kWrapped
