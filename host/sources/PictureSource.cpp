@@ -2,6 +2,7 @@
 #include "host/files/PictureAttributes.h"
 #include "host/files/RegularFile.h"
 #include "host/sources/PngChunks.h"
+#include "host/sources/PsdSections.h"
 #include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
@@ -80,6 +81,8 @@ std::unique_ptr<OIIO::ImageInput> Open(const std::filesystem::path& file, OIIO::
     if (file.empty())
         throw SourceError("file: expected the name of a picture file, got none");
     if (const std::string reason = WhyNoFile(file); !reason.empty())
+        throw Unreadable(file, reason);
+    if (const std::string reason = WhyNoPsd(file); !reason.empty())
         throw Unreadable(file, reason);
     OIIO::ImageSpec wishes;
     wishes.attribute("oiio:UnassociatedAlpha", 1);

@@ -220,6 +220,9 @@ TEST_F(SourcesTest, ADecoderIsntTrusted)
         "\0\0\0\0IEND\xae\x42\x60\x82"s);
     EXPECT_THAT(errorOf("fernwick_huge.png"),
         testing::HasSubstr("it is said to have 60000 x 60000 pixels; the most are 16384 x 16384"));
+    const PictureFile endless("fernwick_endless.psd", // 4 GB of colours of an index, in 38 bytes
+        "8BPS\0\1\0\0\0\0\0\0\0\3\0\0\0\2\0\0\0\3\0\x08\0\3\xfb\xff\1\0\0\0\0\0\0\0\0\0"s);
+    EXPECT_THAT(errorOf("fernwick_endless.psd"), testing::EndsWith("it is cut off"));
 }
 
 } // namespace
