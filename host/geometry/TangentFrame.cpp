@@ -30,13 +30,36 @@ TangentFrame::TangentFrame(const TVector3& normal, const TVector3& derivU, const
 
 TVector3 TangentFrame::UnitOf(const TVector3& vector) const
 {
-    const double x = Dot(fTangent, vector);
-    const double y = Dot(fBitangent, vector);
-    const double z = Dot(fNormal, vector);
-    const double length = std::sqrt(x * x + y * y + z * z);
-    if (!(length > 0) || !std::isfinite(length))
-        return {0, 0, 1};
-    return {static_cast<float>(x / length), static_cast<float>(y / length), static_cast<float>(z / length)};
+    TVector3 unit = vector;
+    TurnIntoUnits({&unit, 1});
+    return unit;
+}
+
+void TangentFrame::TurnIntoUnits(std::span<TVector3> vectors) const
+{
+    constexpr size_t kMost = 32; // at a time
+    double x[kMost];
+    double y[kMost];
+    double z[kMost];
+    double length[kMost];
+    for (; !vectors.empty(); vectors = vectors.subspan(std::min(kMost, vectors.size()))) {
+        const size_t count = std::min(kMost, vectors.size());
+        for (size_t i = 0; i < count; ++i) {
+            x[i] = Dot(fTangent, vectors[i]);
+            y[i] = Dot(fBitangent, vectors[i]);
+            z[i] = Dot(fNormal, vectors[i]);
+        }
+        for (size_t i = 0; i < count; ++i) { // without a branch, for several at a time
+            length[i] = std::sqrt(x[i] * x[i] + y[i] * y[i] + z[i] * z[i]);
+            x[i] /= length[i];
+            y[i] /= length[i];
+            z[i] /= length[i];
+        }
+        for (size_t i = 0; i < count; ++i)
+            vectors[i] = length[i] > 0 && std::isfinite(length[i])
+                ? TVector3(static_cast<float>(x[i]), static_cast<float>(y[i]), static_cast<float>(z[i]))
+                : TVector3(0, 0, 1);
+    }
 }
 
 float LampLight(const TVector3& normal)

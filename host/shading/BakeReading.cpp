@@ -1,6 +1,7 @@
 #include "host/shading/BakeReading.h"
 #include "host/geometry/TangentFrame.h"
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <fmt/format.h>
 #include <optional>
@@ -86,15 +87,23 @@ bool SameBits(const TVector3& left, const TVector3& right)
 /// The frame of a normal map, kept for as long as samples have the same.
 class NormalFrame {
 public:
+    const std::optional<TangentFrame>& Known() const { return fFrame; } ///< empty until a sample was there
+
+    bool Holds(const TVector3& normal, const TVector3& derivU, const TVector3& derivV) const
+    {
+        return fFrame && SameBits(normal, fNormal) && SameBits(derivU, fDerivU) && SameBits(derivV, fDerivV);
+    }
+    void Set(const TVector3& normal, const TVector3& derivU, const TVector3& derivV)
+    {
+        fNormal = normal;
+        fDerivU = derivU;
+        fDerivV = derivV;
+        fFrame.emplace(normal, derivU, derivV);
+    }
     const TangentFrame& At(const TVector3& normal, const TVector3& derivU, const TVector3& derivV)
     {
-        if (!fFrame || !SameBits(normal, fNormal) || !SameBits(derivU, fDerivU)
-            || !SameBits(derivV, fDerivV)) {
-            fNormal = normal;
-            fDerivU = derivU;
-            fDerivV = derivV;
-            fFrame.emplace(normal, derivU, derivV);
-        }
+        if (!Holds(normal, derivU, derivV))
+            Set(normal, derivU, derivV);
         return *fFrame;
     }
 
@@ -103,6 +112,36 @@ private:
     TVector3 fDerivU;
     TVector3 fDerivV;
     std::optional<TangentFrame> fFrame;
+};
+
+/// Bent normals of one frame until they are turned into it, which takes less time for many at once.
+class BentNormals {
+public:
+    bool IsFull() const { return fCount == kMost; }
+
+    /// @param texel  its place in the row
+    void Add(size_t texel, const TVector3& vector)
+    {
+        fTexels[fCount] = texel;
+        fVectors[fCount++] = vector;
+    }
+
+    /// Calls `put` with each texel and its unit vector in the frame, and begins anew.
+    template <class Put> void Finish(const std::optional<TangentFrame>& frame, const Put& put)
+    {
+        if (fCount == 0)
+            return;
+        frame->TurnIntoUnits({fVectors.data(), fCount});
+        for (size_t i = 0; i < fCount; ++i)
+            put(fTexels[i], fVectors[i]);
+        fCount = 0;
+    }
+
+private:
+    static constexpr size_t kMost = 128; // a row of a tile
+    std::array<size_t, kMost> fTexels;
+    std::array<TVector3, kMost> fVectors;
+    size_t fCount = 0;
 };
 
 TMCColorRGBA NormalColor(const TVector3& normal, GreenDirection green)
@@ -193,10 +232,28 @@ public:
     void Normals(GreenDirection green) const
     {
         NormalFrame frame;
+        BentNormals bent;
+        const auto finish = [&] {
+            bent.Finish(frame.Known(), [&](size_t i, const TVector3& normal) {
+                Put(i, [&](BakeChannel) { return NormalColor(normal, green); });
+            });
+        };
+        const bool isFlat = fTexels.IsFlat();
         ForTexels([&](ShadingIn& in, size_t i) {
-            const TVector3 normal = BentNormal(frame, in);
-            Put(i, [&](BakeChannel) { return NormalColor(normal, green); });
+            if (bent.IsFull())
+                finish();
+            if (!isFlat || !frame.Known()) {
+                const auto [derivU, derivV] = fTexels.WorldAxes(in);
+                if (!frame.Holds(in.fNormalGlobal, derivU, derivV)) {
+                    finish();
+                    frame.Set(in.fNormalGlobal, derivU, derivV);
+                }
+            }
+            TVector3 vector = in.fNormalGlobal;
+            fGraph.OutputExtension()->ShadeVector(vector, in);
+            bent.Add(i, vector);
         });
+        finish();
     }
 
     /// The colour, or a grey where there is none, under the lamp. Colour and normal are asked for with a sample each,

@@ -29,6 +29,8 @@ public:
         return true;
     }
 
+    bool IsFlat() const override { return true; }
+
 private:
     Tile fTile;
     int fWidth;

@@ -30,6 +30,9 @@ public:
     /// @return false where there is no surface: the texel stays transparent black, no shader is asked
     virtual bool SampleAt(int x, int y, ShadingIn& in) = 0;
 
+    /// Whether all samples for the graph that was told last have the same normal and the same axes.
+    virtual bool IsFlat() const { return false; }
+
     /// The axes of normal maps at the sample that was given last, in the coordinates of its object.
     virtual PictureAxes LocalAxes() const { return {{1, 0, 0}, {0, 1, 0}}; }
 
