@@ -3,8 +3,8 @@
 #include "host/geometry/EmbreeDevice.h"
 #include "host/geometry/Polynomial.h"
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <optional>
 
 namespace fernwick {
 
@@ -59,21 +59,26 @@ struct Place {
     double v;
 };
 
-/// Up to four places along a ray, in any order.
-class Places {
-public:
-    void Add(double distance, double u, double v)
-    {
-        if (fCount < fPlaces.size())
-            fPlaces[fCount++] = {distance, u, v};
-    }
-    const Place* begin() const { return fPlaces.data(); }
-    const Place* end() const { return fPlaces.data() + fCount; }
-
-private:
-    std::array<Place, 4> fPlaces;
-    size_t fCount = 0;
+/// Of a ray, both inclusive, in lengths of its direction.
+struct Limits {
+    double least;
+    double most;
 };
+
+/// The first place of a ray within limits.
+/// @param find   calls back with distances, ascending, until that returns true
+/// @param place  gives the place at a distance; nothing where the shape has none
+template <class Find, class PlaceAt>
+std::optional<Place> FirstPlace(const Limits& limits, const Find& find, const PlaceAt& placeAt)
+{
+    std::optional<Place> found;
+    find([&](double distance) {
+        if (distance >= limits.least && distance <= limits.most)
+            found = placeAt(distance);
+        return found || distance > limits.most;
+    });
+    return found;
+}
 
 /// 0 to 1 from an angle of -pi to pi.
 double Turn(double angle) { return angle / (2 * kPi) + 0.5; }
@@ -102,16 +107,17 @@ struct Sphere {
         sum.Add(-1 / radius, normal, normal);
         return sum;
     }
-    Places Meet(const Vector& origin, const Vector& direction) const
+    std::optional<Place> Meet(const Vector& origin, const Vector& direction, const Limits& limits) const
     {
-        Places places;
-        for (const double t : RealRoots(std::array{Dot(origin, origin) - radius * radius,
-                 2 * Dot(origin, direction), Dot(direction, direction)})) {
-            const Vector point = origin + t * direction;
-            places.Add(t, Turn(std::atan2(point.x, point.z)),
-                std::asin(std::clamp(point.y / radius, -1.0, 1.0)) / kPi + 0.5);
-        }
-        return places;
+        const Polynomial<3> beyond
+            = {Dot(origin, origin) - radius * radius, 2 * Dot(origin, direction), Dot(direction, direction)};
+        return FirstPlace(
+            limits, [&](const auto& take) { FindRoot(beyond, take); },
+            [&](double t) {
+                const Vector point = origin + t * direction;
+                return std::optional<Place>({t, Turn(std::atan2(point.x, point.z)),
+                    std::asin(std::clamp(point.y / radius, -1.0, 1.0)) / kPi + 0.5});
+            });
     }
 };
 
@@ -142,25 +148,51 @@ struct Torus {
     }
     /// Roots of (|p|^2 + ring^2 - tube^2)^2 = 4 ring^2 (x^2 + y^2) along the ray, counted from the point nearest
     /// to the centre, which keeps the quartic's coefficients small.
-    Places Meet(const Vector& origin, const Vector& direction) const
+    std::optional<Place> Meet(const Vector& origin, const Vector& direction, const Limits& limits) const
     {
         const double square = Dot(direction, direction);
         const double nearest = -Dot(origin, direction) / square;
         const Vector start = origin + nearest * direction;
+        const auto [low, high] = LimitsFrom(start, direction);
+        if (!(low < high))
+            return std::nullopt;
         const double constant = Dot(start, start) + ring * ring - tube * tube;
         const double middle = 2 * Dot(start, direction); // 0 but for rounding
         const double scale = 4 * ring * ring;
         const auto flat = [](const Vector& a, const Vector& b) { return a.x * b.x + a.y * b.y; };
-        Places places;
-        for (const double t : RealRoots(std::array{constant * constant - scale * flat(start, start),
-                 2 * constant * middle - 2 * scale * flat(start, direction),
-                 middle * middle + 2 * constant * square - scale * flat(direction, direction),
-                 2 * middle * square, square * square})) {
-            const Vector point = start + t * direction;
-            const double out = std::sqrt(flat(point, point)) - ring;
-            places.Add(nearest + t, Turn(std::atan2(point.y, point.x)), Turn(std::atan2(point.z, out)));
+        const Polynomial<5> beyond = {constant * constant - scale * flat(start, start),
+            2 * constant * middle - 2 * scale * flat(start, direction),
+            middle * middle + 2 * constant * square - scale * flat(direction, direction), 2 * middle * square,
+            square * square};
+        return FirstPlace(
+            limits,
+            [&, from = low, to = high](const auto& take) {
+                FindRootWithin(beyond, from, to, [&](double t) { return take(nearest + t); });
+            },
+            [&](double distance) {
+                const Vector point = start + (distance - nearest) * direction;
+                const double out = std::sqrt(flat(point, point)) - ring;
+                return std::optional<Place>(
+                    {distance, Turn(std::atan2(point.y, point.x)), Turn(std::atan2(point.z, out))});
+            });
+    }
+
+private:
+    /// Where a ray can meet it at most: in a ball and between two planes that enclose it, with a little to spare.
+    /// @param start  the point of the ray nearest to the centre, from which lengths are counted
+    Limits LimitsFrom(const Vector& start, const Vector& direction) const
+    {
+        constexpr double kMore = 1 + 1e-6;
+        const double reach = kMore * (ring + tube);
+        const double half = std::sqrt((reach * reach - Dot(start, start)) / Dot(direction, direction));
+        Limits limits = {-half, half}; // NaN for a ray that misses the ball
+        if (direction.z != 0) {
+            const double below = (-kMore * tube - start.z) / direction.z;
+            const double above = (kMore * tube - start.z) / direction.z;
+            limits.least = std::max(limits.least, std::min(below, above));
+            limits.most = std::min(limits.most, std::max(below, above));
         }
-        return places;
+        return limits;
     }
 };
 
@@ -193,20 +225,19 @@ struct Saddle {
         sum.Add(2 * bend * normal.z, flattened({0, 1, 0}), flattened({0, 1, 0}));
         return sum;
     }
-    Places Meet(const Vector& origin, const Vector& direction) const
+    std::optional<Place> Meet(const Vector& origin, const Vector& direction, const Limits& limits) const
     {
-        Places places;
-        for (const double t :
-            RealRoots(std::array{bend * (origin.x * origin.x - origin.y * origin.y) - origin.z,
-                2 * bend * (origin.x * direction.x - origin.y * direction.y) - direction.z,
-                bend * (direction.x * direction.x - direction.y * direction.y)})) {
-            const Vector point = origin + t * direction;
-            const double u = point.x / width + 0.5;
-            const double v = point.y / height + 0.5;
-            if (u >= 0 && u <= 1 && v >= 0 && v <= 1)
-                places.Add(t, u, v);
-        }
-        return places;
+        const Polynomial<3> above = {bend * (origin.x * origin.x - origin.y * origin.y) - origin.z,
+            2 * bend * (origin.x * direction.x - origin.y * direction.y) - direction.z,
+            bend * (direction.x * direction.x - direction.y * direction.y)};
+        return FirstPlace(
+            limits, [&](const auto& take) { FindRoot(above, take); },
+            [&](double t) {
+                const Vector point = origin + t * direction;
+                const double u = point.x / width + 0.5;
+                const double v = point.y / height + 0.5;
+                return u >= 0 && u <= 1 && v >= 0 && v <= 1 ? std::optional<Place>({t, u, v}) : std::nullopt;
+            });
     }
 };
 
@@ -267,17 +298,16 @@ private:
         auto& query = *reinterpret_cast<RTCRayHit*>(arguments->rayhit);
         RTCRay& ray = query.ray;
         const Shape& shape = static_cast<const Primitive*>(arguments->geometryUserPtr)->fShape;
-        for (const Place& place :
-            shape.Meet({ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z})) {
-            if (!(place.distance >= ray.tnear && place.distance <= ray.tfar))
-                continue;
-            ray.tfar = static_cast<float>(place.distance);
-            query.hit.u = static_cast<float>(place.u);
-            query.hit.v = static_cast<float>(place.v);
-            query.hit.geomID = arguments->geomID;
-            query.hit.primID = arguments->primID;
-            query.hit.instID[0] = arguments->context->instID[0];
-        }
+        const std::optional<Place> place = shape.Meet(
+            {ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z}, {ray.tnear, ray.tfar});
+        if (!place)
+            return;
+        ray.tfar = static_cast<float>(place->distance);
+        query.hit.u = static_cast<float>(place->u);
+        query.hit.v = static_cast<float>(place->v);
+        query.hit.geomID = arguments->geomID;
+        query.hit.primID = arguments->primID;
+        query.hit.instID[0] = arguments->context->instID[0];
     }
 };
 
