@@ -238,6 +238,7 @@ public:
                 Put(i, [&](BakeChannel) { return NormalColor(normal, green); });
             });
         };
+        I3DExShader& shader = *fGraph.OutputExtension();
         const bool isFlat = fTexels.IsFlat();
         ForTexels([&](ShadingIn& in, size_t i) {
             if (bent.IsFull())
@@ -250,7 +251,7 @@ public:
                 }
             }
             TVector3 vector = in.fNormalGlobal;
-            fGraph.OutputExtension()->ShadeVector(vector, in);
+            shader.ShadeVector(vector, in);
             bent.Add(i, vector);
         });
         finish();

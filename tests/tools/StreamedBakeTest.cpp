@@ -9,8 +9,7 @@ protected:
     /// @return the status of the command; 99 when no row was ever written
     int StatusOfBakeCutBy(const std::string& signal, const std::string& picture) const
     {
-        const std::string bake
-            = "bake '" + fKey + "' -o " + picture + " --size 8192x32768 --samples 4 >/dev/null 2>&1";
+        const std::string bake = "bake '" + fKey + "' -o " + picture + " --size 8192x32768 >/dev/null 2>&1";
         return Shell("cd '" + fFolder.string() + "'; env --default-signal=INT '" FERNWICK_COMMAND "' " + bake
             + " & bake=$!; status=99; for i in $(seq 600); do sleep 0.1;"
               " if [ -n \"$(find . -name '*.part' -size +0)\" ]; then status=; break; fi; done;"
