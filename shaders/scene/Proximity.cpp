@@ -78,7 +78,8 @@ float Proximity::DistanceToGroup(const MCCountedPtr<IScene>& scene) const
     TreeWalker walker(root.Get());
     for (ITreeElement* tree = walker.First(); tree != nullptr; tree = walker.Next()) {
         tree->GetName(name);
-        if (!name.View().starts_with(target))
+        // The target has no zero byte, so a name that begins with it has none there.
+        if (std::string_view(name.GetText(), target.size()) != target)
             continue;
         const float distance = DistanceTo(*tree);
         if (best > distance)
