@@ -111,10 +111,10 @@ Picture ReadFloats(const std::filesystem::path& file, int side)
     return picture;
 }
 
-/// The share of the pixels that differ by more than rounding does: those whose centre lies on an edge.
+/// The share of the pixels that differ by more than rounding of U and V does: those whose centre lies on an edge.
 double ShareApart(const Picture& left, const Picture& right)
 {
-    constexpr float kRounding = 1e-4f;
+    constexpr float kRounding = 1e-3f;
     int64_t count = 0;
     for (int y = 0; y < left.Height(); ++y)
         for (int x = 0; x < left.Width(); ++x) {
