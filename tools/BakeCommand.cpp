@@ -1,10 +1,6 @@
-#include "tools/BakeOnto.h"
 #include "tools/Commands.h"
-#include "tools/GraphOptions.h"
-#include "tools/GroundDocument.h"
-#include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
-#include "tools/Tell.h"
+#include "tools/PictureCommands.h"
 
 namespace {
 
@@ -27,50 +23,6 @@ Examples:
   fernwick bake examples/ripple-sequence.json --frames 1-24 -o ripple.####.png
   fernwick bake examples/cushion.json --onto examples/cushion.obj --outputs color,normal -o cushion.{output}.png \
       --gltf cushion.glb)";
-
-struct BakeCommandOptions {
-    GraphOptions graph;
-    std::string library;
-    BakeOptions bake;
-    OntoOptions onto;
-};
-
-void RunBake(const BakeCommandOptions& options)
-{
-    RequireSense(options.bake);
-    RequireSense(options.onto, options.bake);
-    const std::vector<Shot> shots = ShotsOf(options.graph, options.bake.picture.file);
-    if (shots.size() > 1 && !options.onto.gltf.empty())
-        throw UsageError("--gltf writes a model of one frame; it doesn't go with several");
-    const auto optionsOf = [&options](const Shot& shot) {
-        BakeOptions bake = options.bake;
-        bake.picture.file = shot.file;
-        return bake;
-    };
-    if (options.onto.onto.empty())
-        for (const Shot& shot : shots)
-            RequireTarget(optionsOf(shot));
-    WatchForInterrupt();
-    const auto graph = OpenGraph(options.graph);
-    const auto ground = options.bake.over.empty() ? nullptr : MakeGround(options.bake.over);
-    TellAlike(shots, graph->HasKeys() || (ground && ground->HasKeys()));
-    fernwick::Library library(FindLibrary(options.library));
-    ReportSummary reports(library.HostUtilities().Debug());
-    ForEachShot(shots, [&](const Shot& shot) {
-        const fernwick::GraphDocument document = graph->At(shot.frame);
-        if (shot.isFirst)
-            TellDoubts(document);
-        std::optional<fernwick::GraphDocument> under;
-        if (ground)
-            under = ground->At(shot.frame);
-        const fernwick::GraphDocument* const laidUnder = under ? &*under : nullptr;
-        if (options.onto.onto.empty())
-            BakeToFile(library, reports, document, laidUnder, optionsOf(shot), shot.label, shot.isFirst);
-        else
-            BakeOntoModel(library, reports, document, laidUnder, options.onto, optionsOf(shot), shot.label,
-                shot.isFirst);
-    });
-}
 
 } // namespace
 

@@ -3,7 +3,7 @@
 #include "host/validation/Validation.h"
 #include "tools/BakeOptions.h"
 #include "tools/Names.h"
-#include "tools/ShadeDocument.h"
+#include "tools/ShadeOptions.h"
 #include <fmt/format.h>
 
 namespace {

@@ -1,7 +1,7 @@
 #include "host/json/JsonNode.h"
 #include "host/library/Library.h"
 #include "host/parameters/FieldValue.h"
-#include "host/shading/Graph.h"
+#include "host/shading/MakeShader.h"
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
 #include "tools/FieldTable.h"

@@ -1,6 +1,6 @@
 #include "tools/GraphOptions.h"
 #include "tools/Frames.h"
-#include "tools/Tell.h"
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 const char* const kFramesHelp =
@@ -20,6 +20,20 @@ std::string CheckFrames(const std::string& text)
         : "";
 }
 
+void AddGraphSettings(CLI::App& command, GraphSettings& settings)
+{
+    command
+        .add_option("--set", settings.sets,
+            "Sets a field of a shader in the graph, of the output without NAME; to be given for each")
+        ->type_name("[NAME.]FIELD=VALUE")
+        ->allow_extra_args(false);
+    command
+        .add_option("--plug", settings.plugs,
+            "Plugs a source, or another shader of the graph, into a slot; to be given for each")
+        ->type_name("[NAME.]FIELD=SOURCE")
+        ->allow_extra_args(false);
+}
+
 } // namespace
 
 void AddGraphOptions(CLI::App& command, GraphOptions& options)
@@ -31,47 +45,4 @@ void AddGraphOptions(CLI::App& command, GraphOptions& options)
     command.add_option("--frames", options.frames, "Makes a picture of each frame, as of 1-24")
         ->type_name("FRAMES")
         ->check(CheckFrames);
-}
-
-std::unique_ptr<fernwick::GraphSequence> OpenGraph(const GraphOptions& options)
-{
-    fernwick::Json document = fernwick::ReadGraphFile(options.graph);
-    Apply(options.settings, document);
-    return std::make_unique<fernwick::GraphSequence>(
-        std::move(document), std::filesystem::path(options.graph));
-}
-
-std::vector<Shot> ShotsOf(const GraphOptions& options, const std::string& picture, bool isTogether)
-{
-    if (options.frames.empty())
-        return {{static_cast<int>(fernwick::kFirstFrame), picture, options.graph, true}};
-    const std::vector<int> frames = ReadFrames(options.frames);
-    if (frames.size() > 1 && !isTogether && !HasFrameNumber(picture))
-        throw UsageError(fmt::format(
-            "--picture: {} frames need a number in the name, as in ripple.####.png", frames.size()));
-    std::vector<Shot> shots;
-    for (const int frame : frames) {
-        std::string label = options.graph;
-        if (frames.size() > 1)
-            label += fmt::format(", frame {} of {}", shots.size() + 1, frames.size());
-        shots.push_back({frame, isTogether ? picture : NameOfFrame(picture, frame), label, shots.empty()});
-    }
-    return shots;
-}
-
-void TellAlike(const std::vector<Shot>& shots, bool isAnimated)
-{
-    if (shots.size() > 1 && !isAnimated)
-        Tell(fmt::format("the graph has no keys, so all {} frames are alike", shots.size()));
-}
-
-void ForEachShot(const std::vector<Shot>& shots, const std::function<void(const Shot&)>& make)
-{
-    size_t made = 0;
-    try {
-        for (; made < shots.size(); ++made)
-            make(shots[made]);
-    } catch (const Interrupted&) {
-        throw Interrupted{made};
-    }
 }

@@ -1,6 +1,6 @@
 #include "tools/Interrupt.h"
 #include "host/files/OutputFile.h"
-#include "tools/Commands.h"
+#include "tools/Outcome.h"
 #include <csignal>
 #include <unistd.h>
 

@@ -1,32 +1,12 @@
 #include "tools/LibraryOption.h"
 #include "host/library/Library.h"
+#include "tools/CommandFile.h"
+#include <CLI/CLI.hpp>
 #include <cstdlib>
-
-#ifdef _WIN32
-#include <windows.h>
-#endif
 
 namespace {
 
-#ifdef _WIN32
-constexpr const char* kLibraryName = "Fernwick_shaders.dll";
-
-std::filesystem::path FolderOfCommand()
-{
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return std::filesystem::path(path).parent_path();
-}
-#else
 constexpr const char* kLibraryName = "Fernwick_shaders.so";
-
-std::filesystem::path FolderOfCommand()
-{
-    std::error_code unknown; // where /proc isn't mounted
-    return std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path();
-}
-#endif
-
 constexpr const char* kVariable = "FERNWICK_LIBRARY";
 
 /// The file that the environment names; empty when it names none. Throws `LibraryError` when the file isn't there.
@@ -67,7 +47,7 @@ std::filesystem::path FindLibrary(const std::string& named)
     if (const std::filesystem::path fromEnvironment = LibraryOfEnvironment(); !fromEnvironment.empty())
         return fromEnvironment;
     std::string looked;
-    const std::filesystem::path folder = FolderOfCommand();
+    const std::filesystem::path folder = CommandFile().parent_path();
     if (folder.empty())
         throw fernwick::LibraryError(
             "without /proc the command doesn't know where it lies, and so not where the "

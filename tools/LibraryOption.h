@@ -1,7 +1,10 @@
 #pragma once
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <string>
+
+namespace CLI {
+class App;
+} // namespace CLI
 
 /// Adds `--library`, which is stored into `named`.
 void AddLibraryOption(CLI::App& command, std::string& named);

@@ -1,8 +1,10 @@
 #pragma once
-#include "host/pictures/Picture.h"
-#include "host/shading/Render.h"
-#include "tools/Commands.h"
-#include <optional>
+#include "host/pictures/PictureFormat.h"
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
 
 constexpr int kMostSamples = 4096; // a pixel
 
@@ -28,16 +30,8 @@ CLI::Option& AddPictureOptions(CLI::App& command, PictureOptions& options);
 /// Adds `--layers`, for a command that renders.
 void AddLayersOption(CLI::App& command, PictureOptions& options);
 
-/// Throws, before the work, `UsageError` when the options don't fit the kind of file, and `FileError` when it couldn't
-/// be written. No file at all fits.
-void RequireTarget(const PictureOptions& options);
-
 /// Reads a size such as "640x480"; false for anything else.
 bool ReadSize(const std::string& size, int& width, int& height);
 
 /// The part of the picture that is asked for; none for all of it.
 std::optional<fernwick::PictureRegion> RegionOf(const PictureOptions& options);
-
-/// The job of a render with these options. It is cancelled by Ctrl-C. Throws `RenderError` when the memory that is free
-/// doesn't hold the picture.
-fernwick::RenderJob RenderJobOf(const PictureOptions& options, int samples);

@@ -1,34 +1,9 @@
-#include "host/library/Library.h"
 #include "host/shading/Plots.h"
 #include "tools/Checks.h"
 #include "tools/Commands.h"
-#include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
-#include "tools/PictureOptions.h"
-#include "tools/ReportSummary.h"
+#include "tools/PictureCommands.h"
 #include <fmt/core.h>
-
-namespace {
-
-struct PlotOptions {
-    std::string plot;
-    std::string picture;
-    std::string library;
-};
-
-void RunPlot(const PlotOptions& options)
-{
-    fernwick::RequireWritable(options.picture);
-    const std::atomic<bool>& cancel = WatchForInterrupt();
-    fernwick::Library library(FindLibrary(options.library));
-    const ReportSummary reports(library.HostUtilities().Debug());
-    const fernwick::Picture picture = fernwick::FindPlot(options.plot)->fDraw(library);
-    if (cancel)
-        throw Interrupted();
-    picture.Save(options.picture);
-}
-
-} // namespace
 
 void AddPlotCommand(CLI::App& app)
 {

@@ -1,20 +1,13 @@
-#include "tools/BakeOptions.h"
+#include "host/json/Nearest.h"
 #include "tools/Checks.h"
 #include "tools/Commands.h"
-#include "tools/GroundDocument.h"
-#include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
-#include "tools/PictureDoubts.h"
-#include "tools/SampleReport.h"
-#include "tools/ShadeDocument.h"
-#include "tools/ShownJob.h"
-#include "tools/Tell.h"
-#include <charconv>
+#include "tools/PictureCommands.h"
+#include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
 
 namespace {
-
-constexpr int kSamples = 9; // a pixel
 
 constexpr const char* kIntroduction =
     R"(Fields that aren't set keep their defaults, and slots that nothing is plugged into stay empty.
@@ -53,102 +46,20 @@ Examples:
   fernwick shade Gray --plug fSubShader=color:#ff8800 --print 0.5,0.5
   fernwick shade Weave --stats --size 256x256)";
 
-struct ShadeOptions {
-    ShadeSettings settings;
-    std::string sample;
-    bool withStatistics = false;
-    std::string library;
-    BakeOptions bake;
-};
-
-/// Reads "0.25,0.75"; nothing for any other text.
-std::optional<TVector2> ReadSample(const std::string& text)
+std::string CheckShape(const std::string& shape)
 {
-    TVector2 uv;
-    const char* const end = text.data() + text.size();
-    const auto [comma, failureU] = std::from_chars(text.data(), end, uv[0]);
-    if (failureU != std::errc() || comma == end || *comma != ',')
-        return std::nullopt;
-    const auto [rest, failureV] = std::from_chars(comma + 1, end, uv[1]);
-    return failureV == std::errc() && rest == end ? std::optional(uv) : std::nullopt;
+    const std::vector<std::string>& shapes = ShadeShapes();
+    std::error_code ignored;
+    if (std::find(shapes.begin(), shapes.end(), shape) != shapes.end()
+        || std::filesystem::exists(shape, ignored))
+        return "";
+    return fmt::format("there is no shape or model \"{}\"{}; shapes are {}", shape,
+        fernwick::NearestHint(shape, shapes), fmt::join(shapes, ", "));
 }
 
 std::string CheckSample(const std::string& text)
 {
     return ReadSample(text) ? "" : fmt::format("\"{}\" is no sample; a sample is like 0.25,0.75", text);
-}
-
-void PrintStatisticsOf(fernwick::Library& library, ReportSummary& reports,
-    const fernwick::GraphDocument& document, const fernwick::BakeJob& job)
-{
-    PrintStatistics(library, document, job.width, job.height, [&] {
-        reports.Forget();
-        if (*job.cancel)
-            throw Interrupted();
-    });
-}
-
-/// Throws `UsageError` when options don't go together.
-void RequireShadeSense(const ShadeOptions& options)
-{
-    if (options.bake.picture.file.empty() && options.sample.empty() && !options.withStatistics)
-        throw UsageError("there is nothing to do; give --picture, --print or --stats");
-    RequireSense(options.bake);
-    if (options.settings.shape == kUVSquareShape) {
-        if (options.bake.picture.layers != std::vector<std::string>{"none"})
-            throw UsageError("--layers is for a shape that is rendered; it doesn't go with --on uv");
-        return;
-    }
-    if (!options.sample.empty() || options.withStatistics)
-        throw UsageError("--print and --stats shade the UV square; they go with --on uv");
-    if (options.bake.channels != std::vector<std::string>{"color"} || options.bake.isDirectX
-        || !options.bake.over.empty() || options.bake.samples != 1)
-        throw UsageError(
-            "--output, --directx, --over and --samples are for the UV square; they go with --on uv. An "
-            ".exr of a shape holds the channels of --layers");
-}
-
-void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
-    const ShadeOptions& options)
-{
-    const PictureOptions& picture = options.bake.picture;
-    fernwick::RenderJob job = RenderJobOf(picture, kSamples);
-    const fernwick::Picture rendered = RunShown(
-        job, reports, options.settings.name, [&] { return fernwick::Render(library, document, job); });
-    const PictureDoubts doubts(rendered);
-    doubts.TellEmptySlots(document);
-    doubts.TellOddNumbers(picture.file, picture.layout);
-    rendered.Save(picture.file, picture.layout, picture.threads);
-}
-
-void RunShade(ShadeOptions options)
-{
-    RequireShadeSense(options);
-    RequireTarget(options.bake);
-    options.settings.isLit = options.bake.isLit;
-    const fernwick::BakeJob job = JobOf(options.bake);
-    const fernwick::GraphDocument document = MakeShadeDocument(options.settings);
-    for (const std::string& notice : document.Scene()->fNotices)
-        Tell(notice);
-    TellDoubts(document);
-    fernwick::Library library(FindLibrary(options.library));
-    ReportSummary reports(library.HostUtilities().Debug());
-    if (!options.sample.empty()) {
-        const TVector2 uv = *ReadSample(options.sample);
-        PrintSample(library, document, uv[0], uv[1]);
-    }
-    if (options.withStatistics)
-        PrintStatisticsOf(library, reports, document, job);
-    if (options.bake.picture.file.empty())
-        return;
-    std::optional<fernwick::GraphDocument> ground;
-    if (!options.bake.over.empty())
-        ground = MakeGround(options.bake.over)->At(fernwick::kFirstFrame);
-    if (options.settings.shape != kUVSquareShape)
-        RenderToFile(library, reports, document, options);
-    else
-        BakeToFile(
-            library, reports, document, ground ? &*ground : nullptr, options.bake, options.settings.name);
 }
 
 } // namespace

@@ -14,10 +14,9 @@ void Tell(std::string_view text)
     PrintOnStderr(fmt::format("fernwick: {}{}\n", shown, fernwick::Printable(text)));
 }
 
-void TellDoubts(const fernwick::GraphDocument& document)
+void TellDoubts(const std::vector<std::string>& doubts)
 {
     constexpr size_t kMost = 20;
-    const std::vector<std::string>& doubts = document.Doubts();
     const size_t shown = std::min(doubts.size(), kMost);
     for (size_t i = 0; i < shown; ++i)
         Tell(doubts[i]);

@@ -1,75 +1,51 @@
-#include "tools/Commands.h"
-#include "tools/Interrupt.h"
-#include "tools/ParseFailure.h"
-#include "tools/Streams.h"
-#include "tools/Tell.h"
-#include <cstdio>
-#include <fmt/format.h>
+#include "tools/CommandFile.h"
+#include "tools/PictureCommands.h"
+#include "tools/RunCommand.h"
+#include <cerrno>
+#include <fmt/core.h>
+#include <stdexcept>
 #include <system_error>
+#include <unistd.h>
 
 namespace {
 
-/// Tells why the command failed, but for stdout, of which `FinishStreams` tells.
-void TellFailure(const std::exception& error)
-{
-    if (std::ferror(stdout) == 0)
-        Tell(error.what());
-    else if (const auto* const failure = dynamic_cast<const std::system_error*>(&error))
-        NoteStdoutFailure(failure->code().value());
-}
+constexpr const char* kProgram = "fernwick-pictures";
 
-/// @return what is answered to the shell
-int Run(int argc, char** argv)
+char** gArguments = nullptr;
+
+/// Goes on as the program that works with pictures, scenes and rays, with the same command line; in the place of the
+/// command's name stands the command's file. Throws when it can't be started.
+[[noreturn]] void HandOver()
 {
-    CLI::App app("Looks at the Fernwick shaders, and bakes and renders pictures with them.", "fernwick");
-    app.footer("Exit status: 0 done, 1 the job failed, 2 the command line is wrong, 130 stopped by Ctrl-C.\n"
-               "`fernwick COMMAND --help` tells more, with an example.");
-    app.set_version_flag("--version", "fernwick " FERNWICK_VERSION);
-    app.require_subcommand(0, 1);
-    app.get_formatter()->column_width(28);
-    AddListCommand(app);
-    AddDescribeCommand(app);
-    AddBakeCommand(app);
-    AddShadeCommand(app);
-    AddReferenceCommand(app);
-    AddPlotCommand(app);
-    AddRenderCommand(app);
-    AddSceneCommand(app);
-    AddValidateCommand(app);
-    AddSchemaCommand(app);
-    AddCompletionCommand(app);
-    AddManCommand(app);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return AnswerParseError(app, error);
-    } catch (const UsageError& error) {
-        TellFailure(error);
-        return kBadUsage;
-    } catch (const Interrupted& stop) {
-        Tell(stop.written == 0 ? "stopped; nothing is written"
-                               : fmt::format("stopped; {} pictures are written", stop.written));
-        return kInterrupted;
-    } catch (const std::bad_alloc&) {
-        Tell("there isn't enough memory");
-        return kFailed;
-    } catch (const std::exception& error) {
-        TellFailure(error);
-        return kFailed;
+    std::string command = CommandFile().string();
+    if (command.empty())
+        throw std::runtime_error(fmt::format(
+            "without /proc the command doesn't know where it lies, and so not where {} is", kProgram));
+    const std::filesystem::path folder = std::filesystem::path(command).parent_path();
+    const std::filesystem::path beside = folder / kProgram;
+    const std::filesystem::path installed = (folder / "../lib/fernwick" / kProgram).lexically_normal();
+    gArguments[0] = command.data();
+    for (const std::filesystem::path& program : {beside, installed}) {
+        execv(program.c_str(), gArguments);
+        if (errno != ENOENT)
+            throw std::system_error(errno, std::generic_category(), program.string() + ": can't be started");
     }
-    if (app.get_subcommands().empty()) {
-        PrintOnStderr(app.help());
-        return kBadUsage;
-    }
-    return kSucceeded;
+    throw std::runtime_error(fmt::format("there is no {} and no {}, which works with pictures and scenes; "
+                                         "build or install all of the command",
+        beside.string(), installed.string()));
 }
 
 } // namespace
 
+void RunBake(const BakeCommandOptions&) { HandOver(); }
+void RunShade(const ShadeOptions&) { HandOver(); }
+void RunRender(const RenderOptions&) { HandOver(); }
+void RunPlot(const PlotOptions&) { HandOver(); }
+void RunScene(const SceneOptions&) { HandOver(); }
+void RunReference(const ReferenceOptions&) { HandOver(); }
+
 int main(int argc, char** argv)
 {
-    OpenMissingStreams();
-    LeaveNoUnfinishedFile();
-    const int status = Run(argc, argv);
-    return FinishStreams() || status != kSucceeded ? status : kFailed;
+    gArguments = argv;
+    return RunCommand(argc, argv);
 }

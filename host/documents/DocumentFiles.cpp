@@ -65,7 +65,7 @@ MCCountedPtr<IShellShader> DocumentFiles::MakeSource(
     std::string key = kind.fTable.fName;
     for (const FieldSetting& setting : settings)
         key += '\n' + setting.fField->fName + ' ' + ValueText(*setting.fField, setting.fValue);
-    return fSources.Get(key, [&] { return kind.fMake(settings); });
+    return fSources.Get(key, [&] { return fernwick::MakeSource(kind, settings); });
 }
 
 } // namespace fernwick

@@ -1,4 +1,5 @@
 #pragma once
+#include "host/pictures/Picture.h"
 #include "host/shading/BakeReading.h"
 #include <atomic>
 #include <functional>

@@ -1,5 +1,5 @@
 #pragma once
-#include "host/pictures/Picture.h"
+#include "host/pictures/PictureFormat.h"
 #include <span>
 #include <string_view>
 

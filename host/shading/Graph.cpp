@@ -1,17 +1,9 @@
 #include "host/shading/Graph.h"
 #include "frame/SubShader.h"
-#include "host/library/Library.h"
-#include "module/UnroutedClassIDs.h"
+#include "host/shading/MakeShader.h"
 #include <fmt/format.h>
 
 namespace fernwick {
-
-MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTable& table)
-{
-    const GUID* const unrouted = UnroutedClassID(table.fName);
-    return unrouted != nullptr ? ShaderWrapper::Make(library.Unrouted(), *unrouted)
-                               : ShaderWrapper::Make(library, table.fClassIDs.front());
-}
 
 std::vector<bool> NeededFor(const GraphDocument& document, std::span<const size_t> shaders)
 {

@@ -7,10 +7,6 @@ namespace fernwick {
 
 class Library;
 
-/// Makes an object of a class of the pack; one without a route is made by the module that has it. Null when the
-/// library refuses. Throws `LibraryError` when there is no such module.
-MCCountedPtr<ShaderWrapper> MakeShader(const Library& library, const ParameterTable& table);
-
 /// Which shaders of a document are needed for those at the given places: these and everything below them.
 std::vector<bool> NeededFor(const GraphDocument& document, std::span<const size_t> shaders);
 

@@ -164,12 +164,6 @@ Picture DrawIlluminants(const Library& library)
         {"Typed: a ratio of black bodies, without daylight", MeasureTypedIlluminants(library)});
 }
 
-constexpr Plot kPlots[] = {
-    {"reflectance", "reflectance of six presets by the angle, for both polarisations", DrawReflectance},
-    {"wavelengths", "colours of the wavelengths from 380 to 780 nm", DrawWavelengths},
-    {"illuminants", "colours of the illuminants from 3000 to 9300 K", DrawIlluminants},
-};
-
 } // namespace
 
 ReflectanceCurves MeasureReflectance(const Library& library, int row)
@@ -226,14 +220,17 @@ std::vector<MeasuredColor> MeasureTypedIlluminants(const Library& library)
     return colors;
 }
 
-std::span<const Plot> AllPlots() { return kPlots; }
-
-const Plot* FindPlot(std::string_view name)
+Picture Draw(const Plot& plot, const Library& library)
 {
-    for (const Plot& plot : kPlots)
-        if (plot.fName == name)
-            return &plot;
-    return nullptr;
+    switch (plot.fSubject) {
+    case PlotSubject::kReflectance:
+        return DrawReflectance(library);
+    case PlotSubject::kWavelengths:
+        return DrawWavelengths(library);
+    case PlotSubject::kIlluminants:
+        break;
+    }
+    return DrawIlluminants(library);
 }
 
 } // namespace fernwick

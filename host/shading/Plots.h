@@ -40,11 +40,14 @@ std::vector<MeasuredColor> MeasureChosenIlluminants(const Library& library);
 /// The illuminants of the typed temperatures 3000, 3050, ... 9300 K as the record publishes them.
 std::vector<MeasuredColor> MeasureTypedIlluminants(const Library& library);
 
+/// What a plot shows.
+enum class PlotSubject { kReflectance, kWavelengths, kIlluminants };
+
 /// A drawing with labelled axes of what a Fresnel answers.
 struct Plot {
+    PlotSubject fSubject;
     std::string_view fName;
     std::string_view fPurpose;
-    Picture (*fDraw)(const Library& library);
 };
 
 /// All plots, in the order that they are told of.
@@ -52,5 +55,7 @@ std::span<const Plot> AllPlots();
 
 /// The plot of exactly this name; null when there is none.
 const Plot* FindPlot(std::string_view name);
+
+Picture Draw(const Plot& plot, const Library& library);
 
 } // namespace fernwick

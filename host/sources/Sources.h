@@ -21,14 +21,14 @@ public:
 struct SourceKind {
     ParameterTable fTable;
     const void* fDefaults; ///< a record as it is before any setting
-
-    /// Makes a source. Throws `SourceError`.
-    MCCountedPtr<IShellShader> (*fMake)(std::span<const FieldSetting> settings);
 };
 
 std::span<const SourceKind> AllSources();
 
 /// The kind of exactly this name; null when there is none.
 const SourceKind* FindSource(std::string_view name);
+
+/// Makes a source of a kind out of `AllSources`. Throws `SourceError`.
+MCCountedPtr<IShellShader> MakeSource(const SourceKind& kind, std::span<const FieldSetting> settings);
 
 } // namespace fernwick

@@ -44,13 +44,17 @@ constexpr Room kHouse[] = {
         "frame host/files host/library host/parameters host/json host/sources host/geometry host/scene"},
     {"host/pictures", "frame host/files host/threads"},
     {"host/shading",
-        "frame module shaders/optics shaders/scene host/threads host/library host/geometry host/scene"
+        "frame module shaders/optics shaders/scene host/threads host/library host/parameters host/geometry "
+        "host/scene"
         " host/documents host/pictures"},
     {"host/validation", "frame module host/library host/parameters"},
     {"tools",
         "frame host/files host/library host/parameters host/json host/sources host/documents host/pictures "
         "host/shading"
         " host/validation"},
+    {"tools/pictures",
+        "host/files host/library host/parameters host/json host/sources host/documents host/pictures "
+        "host/shading tools"},
 };
 
 /// The innermost room that holds a file of the tree, given from its root; null when none does.

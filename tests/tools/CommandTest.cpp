@@ -116,6 +116,45 @@ TEST_F(CommandTest, TheLibraryIsTheNamedOneElseTheEnvironmentsElseOneNearby)
     EXPECT_EQ(Run("describe Key", "", (bin / "fernwick").string()).status, 0);
 }
 
+TEST_F(CommandTest, TheLibrariesForPicturesAreThoseOfAProgramOfItsOwn)
+{
+    const std::filesystem::path pictures
+        = std::filesystem::path(FERNWICK_COMMAND).replace_filename("fernwick-pictures");
+    const ShellAnswer own = Shell("ldd '" FERNWICK_COMMAND "'");
+    const ShellAnswer theirs = Shell("ldd '" + pictures.string() + "'");
+    EXPECT_THAT(own.text, HasSubstr("libstdc++"));
+    for (const std::string library : {"OpenImageIO", "assimp", "embree", "cairo", "tbb", "libz", "Imath"}) {
+        EXPECT_THAT(own.text, testing::Not(HasSubstr(library))); // or each command starts slowly
+        EXPECT_THAT(theirs.text, HasSubstr(library));
+    }
+
+    const auto bin = fFolder / "bin";
+    const auto lib = fFolder / "lib" / "fernwick";
+    std::filesystem::create_directories(bin);
+    std::filesystem::create_directories(lib);
+    std::filesystem::copy_file(FERNWICK_COMMAND, bin / "fernwick");
+    std::filesystem::create_symlink("bin/fernwick", fFolder / "link");
+    const std::string command = (fFolder / "link").string();
+    const std::string plot = "plot reflectance -o a.png";
+    EXPECT_EQ(Run("list", "", command).status, 0);
+    const Answer alone = Run(plot, "", command);
+    EXPECT_EQ(alone.status, 1);
+    EXPECT_EQ(alone.error,
+        "fernwick: there is no " + (bin / "fernwick-pictures").string() + " and no "
+            + (lib / "fernwick-pictures").string()
+            + ", which works with pictures and scenes; build or install all of the command\n");
+    Store(lib / "fernwick-pictures", "");
+    EXPECT_EQ(Run(plot, "", command).error,
+        "fernwick: " + (lib / "fernwick-pictures").string() + ": can't be started: Permission denied\n");
+    std::filesystem::copy_file(
+        pictures, lib / "fernwick-pictures", std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::permissions(lib / "fernwick-pictures", std::filesystem::perms::owner_all);
+    EXPECT_EQ(
+        Run(plot, "", command).error, Run("describe Key", "", command).error); // where the library is not
+    std::filesystem::copy_file(FERNWICK_MODULE, fFolder / std::filesystem::path(FERNWICK_MODULE).filename());
+    EXPECT_EQ(Run(plot, "", command).error, "");
+}
+
 TEST_F(CommandTest, BakesTheSameFileWithAnyNumberOfThreadsAndSaysNothing)
 {
     for (const std::string threads : {"1", "2"}) {

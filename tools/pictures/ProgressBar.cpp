@@ -1,4 +1,4 @@
-#include "tools/ProgressBar.h"
+#include "tools/pictures/ProgressBar.h"
 #include "tools/Streams.h"
 #include <algorithm>
 #include <fmt/format.h>

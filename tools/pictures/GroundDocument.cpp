@@ -1,9 +1,9 @@
-#include "tools/GroundDocument.h"
+#include "tools/pictures/GroundDocument.h"
 #include "host/json/Nearest.h"
 #include "host/sources/Sources.h"
-#include "tools/Commands.h"
-#include "tools/FieldSettings.h"
 #include "tools/Names.h"
+#include "tools/Outcome.h"
+#include "tools/pictures/FieldSettings.h"
 #include <filesystem>
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "tools/ReferencePage.h"
+#include "tools/pictures/ReferencePage.h"
 #include "host/sources/Sources.h"
 #include "tools/FieldLines.h"
 #include "tools/Kinds.h"

@@ -1,7 +1,7 @@
-#include "tools/FieldSettings.h"
+#include "tools/pictures/FieldSettings.h"
 #include "host/documents/HexColor.h"
 #include "host/sources/Sources.h"
-#include "tools/Commands.h"
+#include "tools/Outcome.h"
 #include "tools/Tell.h"
 #include <algorithm>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "tools/PictureDoubts.h"
+#include "tools/pictures/PictureDoubts.h"
 #include "tools/Tell.h"
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "tools/SampleReport.h"
+#include "tools/pictures/SampleReport.h"
 #include "host/shading/Answers.h"
 #include "host/shading/Graph.h"
 #include "host/shading/UVSquare.h"

@@ -1,4 +1,4 @@
-#include "tools/Showcase.h"
+#include "tools/pictures/Showcase.h"
 #include "host/documents/GraphDocument.h"
 #include <algorithm>
 #include <fstream>

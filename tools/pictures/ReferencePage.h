@@ -1,6 +1,6 @@
 #pragma once
 #include "host/parameters/ParameterTable.h"
-#include "tools/Showcase.h"
+#include "tools/pictures/Showcase.h"
 
 /// What a page of the reference tells beside the table of parameters.
 struct ReferenceFacts {

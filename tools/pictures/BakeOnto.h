@@ -1,20 +1,6 @@
 #pragma once
-#include "tools/BakeOptions.h"
-
-/// What a command line tells about baking onto a model.
-struct OntoOptions {
-    std::string onto; ///< MODEL, MODEL#NODE or #NODE; empty for the UV square
-    int margin = 16;  ///< in pixels
-    int uvSet = 0;
-    std::string gltf;      ///< a .glb file; empty for none
-    std::string roughness; ///< shaders of the graph for its material; empty for none
-    std::string occlusion;
-};
-
-/// How `--onto` works, for the help of a command with these options.
-extern const char* const kOntoHelp;
-
-void AddOntoOptions(CLI::App& command, OntoOptions& options);
+#include "tools/OntoOptions.h"
+#include "tools/pictures/BakeToFile.h"
 
 /// Throws `UsageError` when options don't go together, without a model too.
 void RequireSense(const OntoOptions& onto, const BakeOptions& options);

@@ -3,9 +3,9 @@
 #include "host/json/Printable.h"
 #include "host/shading/Bake.h"
 #include "host/shading/Render.h"
-#include "tools/Commands.h"
-#include "tools/ProgressBar.h"
+#include "tools/Outcome.h"
 #include "tools/ReportSummary.h"
+#include "tools/pictures/ProgressBar.h"
 
 /// Does some work; what it throws of a graph gets `name` before it.
 template <class Work> auto WithName(const std::string& name, const Work& work)

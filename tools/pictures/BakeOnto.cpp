@@ -1,14 +1,12 @@
-#include "tools/BakeOnto.h"
-#include "host/documents/GltfFile.h"
+#include "tools/pictures/BakeOnto.h"
 #include "host/documents/ModelScene.h"
 #include "host/files/OutputFile.h"
 #include "host/json/Nearest.h"
 #include "host/pictures/Margin.h"
 #include "host/shading/MarginStage.h"
-#include "tools/Checks.h"
-#include "tools/Commands.h"
-#include "tools/ShownJob.h"
+#include "tools/Outcome.h"
 #include "tools/Tell.h"
+#include "tools/pictures/ShownJob.h"
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
@@ -17,7 +15,6 @@
 
 namespace {
 
-constexpr int kMostUVSets = 8;
 constexpr std::string_view kUDIMMark = "{udim}";
 
 std::string Replaced(std::string text, std::string_view mark, const std::string& value)
@@ -54,11 +51,6 @@ ModelName Split(const std::string& onto)
     return {onto.substr(0, sign), onto.substr(sign + 1)};
 }
 
-std::string CheckModelFile(const std::string& file)
-{
-    return file.ends_with(".glb") ? "" : file + ": a model's name ends in .glb";
-}
-
 double Percent(size_t part, size_t whole)
 {
     return whole > 0 ? 100.0 * static_cast<double>(part) / static_cast<double>(whole) : 0;
@@ -90,19 +82,6 @@ void TellCoverage(
             Some(survey.fOutside, survey.fTriangles));
     Tell(text);
 }
-
-/// The shaders of the graph that fill the material of a .glb file beside the outputs.
-struct MaterialShader {
-    const char* name; ///< of its map, as an output
-    const char* option;
-    std::string OntoOptions::*shader;
-    std::string fernwick::GltfMaps::*map;
-};
-
-const MaterialShader kMaterialShaders[] = {
-    {"roughness", "--gltf-roughness", &OntoOptions::roughness, &fernwick::GltfMaps::fRoughness},
-    {"occlusion", "--gltf-occlusion", &OntoOptions::occlusion, &fernwick::GltfMaps::fOcclusion},
-};
 
 size_t FindShader(const fernwick::GraphDocument& document, const MaterialShader& row, const std::string& name)
 {
@@ -249,42 +228,6 @@ private:
 };
 
 } // namespace
-
-const char* const kOntoHelp = R"(
-With --onto the picture shows a model, laid out by its UV: each texel is what a ray would see there, so that positions,
-lights and what looks at the camera bake as they are rendered. The model stands in the scene of the graph: in its place
-there, where the scene's file is the model or has an element with the name of a node, else where its own file puts it. A
-graph without a scene gets a Lamp, a Target and a Camera around it. What isn't covered is transparent beyond the margin.
-UV beyond the unit square make a picture for each UDIM tile, named by {udim}, or with the number before the ending.
-)";
-
-void AddOntoOptions(CLI::App& command, OntoOptions& options)
-{
-    command
-        .add_option(
-            "--onto", options.onto, "Bakes onto a model (glTF, OBJ ...), or one node of it or of the scene")
-        ->type_name("MODEL[#NODE]");
-    command
-        .add_option("--margin", options.margin,
-            "Pixels by which what is covered is continued, up to " + std::to_string(fernwick::kWidestMargin))
-        ->type_name("N")
-        ->check(WholeNumber(0, fernwick::kWidestMargin))
-        ->capture_default_str();
-    command.add_option("--uv-set", options.uvSet, "The set of UV that lays the model out")
-        ->type_name("N")
-        ->check(WholeNumber(0, kMostUVSets - 1))
-        ->capture_default_str();
-    command
-        .add_option("--gltf", options.gltf,
-            "Writes the model with the pictures in it: color, normal and those of the next two options")
-        ->type_name("FILE")
-        ->check(CLI::Validator(CheckModelFile, ""));
-    for (const MaterialShader& row : kMaterialShaders)
-        command
-            .add_option(row.option, options.*row.shader,
-                fmt::format("A shader of the graph whose value is the {}", row.name))
-            ->type_name("SHADER");
-}
 
 void RequireSense(const OntoOptions& onto, const BakeOptions& options)
 {

@@ -1,8 +1,9 @@
-#include "tools/GraphSettings.h"
+#include "tools/pictures/GraphSettings.h"
 #include "host/documents/GraphSequence.h"
 #include "host/json/FieldReader.h"
 #include "host/json/Nearest.h"
-#include "tools/FieldSettings.h"
+#include "tools/Outcome.h"
+#include "tools/pictures/FieldSettings.h"
 #include <filesystem>
 #include <fmt/format.h>
 #include <optional>
@@ -145,20 +146,6 @@ private:
 };
 
 } // namespace
-
-void AddGraphSettings(CLI::App& command, GraphSettings& settings)
-{
-    command
-        .add_option("--set", settings.sets,
-            "Sets a field of a shader in the graph, of the output without NAME; to be given for each")
-        ->type_name("[NAME.]FIELD=VALUE")
-        ->allow_extra_args(false);
-    command
-        .add_option("--plug", settings.plugs,
-            "Plugs a source, or another shader of the graph, into a slot; to be given for each")
-        ->type_name("[NAME.]FIELD=SOURCE")
-        ->allow_extra_args(false);
-}
 
 void Apply(const GraphSettings& settings, Json& document)
 {

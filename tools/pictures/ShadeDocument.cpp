@@ -1,9 +1,8 @@
-#include "tools/ShadeDocument.h"
-#include "host/json/Nearest.h"
+#include "tools/pictures/ShadeDocument.h"
 #include "host/sources/Sources.h"
-#include "tools/Commands.h"
-#include "tools/FieldSettings.h"
 #include "tools/Names.h"
+#include "tools/Outcome.h"
+#include "tools/pictures/FieldSettings.h"
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
@@ -30,23 +29,6 @@ constexpr ElementName kElementNames[] = {
     {"Curvature", "fSurfaceName", "Shape"},
 };
 
-/// A shape as scenes describe it, turned so that it shows well. `Curvature` looks for a surface within a length of 1,
-/// so that shapes are some units wide.
-struct NamedShape {
-    const char* name;
-    const char* element;
-};
-
-/// The plane of the UV square is what is shaded, for rays to hit.
-constexpr NamedShape kShapes[] = {
-    {kUVSquareShape, R"({"shape": {"kind": "plane", "size": [1, 1]}})"},
-    {"sphere", R"({"rotation": [18, 0, 0], "shape": {"kind": "sphere", "radius": 2.1}})"},
-    {"torus", R"({"rotation": [-38, 0, 0], "shape": {"kind": "torus", "radius": 1.7, "tube": 0.8}})"},
-    {"plane", R"({"rotation": [-35, 0, 0], "shape": {"kind": "plane", "size": [4, 4]}})"},
-    {"box", R"({"rotation": [28, 36, 0], "shape": {"kind": "box", "size": [2.8, 2.8, 2.8]}})"},
-    {"saddle", R"({"rotation": [-42, 25, 0], "shape": {"kind": "saddle", "size": 3.6, "height": 1.2}})"},
-};
-
 /// All of a model, as wide as the others.
 Json ModelOf(const std::string& file)
 {
@@ -70,10 +52,10 @@ Json SceneOf(const std::string& shape, bool isLit)
     Json elements = Json::array({element({{"light", light}}, "Lamp", -0.8, 0.8, 0.8),
         element(Json::object(), "Target", 0.5, 0.5, 0.3),
         element({{"camera", {{"fieldOfView", 38}}}}, "Camera", 0, 0, 2)});
-    const auto named = std::find_if(std::begin(kShapes), std::end(kShapes),
+    const auto named = std::find_if(std::begin(kShadeShapes), std::end(kShadeShapes),
         [&shape](const NamedShape& row) { return row.name == shape; });
-    elements.push_back(
-        element(named != std::end(kShapes) ? Json::parse(named->element) : ModelOf(shape), "Shape", 0, 0, 0));
+    elements.push_back(element(
+        named != std::end(kShadeShapes) ? Json::parse(named->element) : ModelOf(shape), "Shape", 0, 0, 0));
     elements.back()["shading"] = isLit ? "lit" : "plain";
     return {{"elements", elements}, {"camera", "Camera"}, {"background", {0.05, 0.06, 0.08}}};
 }
@@ -124,28 +106,6 @@ Json DocumentOf(const ShadeSettings& settings)
 }
 
 } // namespace
-
-const std::vector<std::string>& ShadeShapes()
-{
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> all;
-        for (const NamedShape& row : kShapes)
-            all.emplace_back(row.name);
-        return all;
-    }();
-    return names;
-}
-
-std::string CheckShape(const std::string& shape)
-{
-    const std::vector<std::string>& shapes = ShadeShapes();
-    std::error_code ignored;
-    if (std::find(shapes.begin(), shapes.end(), shape) != shapes.end()
-        || std::filesystem::exists(shape, ignored))
-        return "";
-    return fmt::format("there is no shape or model \"{}\"{}; shapes are {}", shape,
-        fernwick::NearestHint(shape, shapes), fmt::join(shapes, ", "));
-}
 
 fernwick::GraphDocument MakeShadeDocument(const ShadeSettings& settings)
 {

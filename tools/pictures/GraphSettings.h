@@ -1,15 +1,6 @@
 #pragma once
 #include "host/json/JsonNode.h"
-#include "tools/Commands.h"
-
-/// What a command line changes in a graph.
-struct GraphSettings {
-    std::vector<std::string> sets;  ///< such as `drop.fWaves=5`; a later one counts
-    std::vector<std::string> plugs; ///< such as `key.fSubShader=ramp:v`
-};
-
-/// Adds `--set` and `--plug`.
-void AddGraphSettings(CLI::App& command, GraphSettings& settings);
+#include "tools/GraphOptions.h"
 
 /// Changes a document that isn't read yet. A field is that of the shader with the longest name that fits before it,
 /// else of the output; sources are plugged in before fields are set. Relative files are found from the current

@@ -1,0 +1,10 @@
+#include "tools/CommandFile.h"
+#include "tools/RunCommand.h"
+
+// What the command becomes to work with pictures, scenes and rays. It reads the command line once more.
+
+int main(int argc, char** argv)
+{
+    WorkFor(argv[0]);
+    return RunCommand(argc, argv);
+}
