@@ -4,7 +4,6 @@
 #include "host/geometry/MeshCurvature.h"
 #include <algorithm>
 #include <cmath>
-#include <mutex>
 
 namespace fernwick {
 
@@ -68,14 +67,14 @@ public:
 
     ShapeMatrix ShapeAt(const SurfaceHit& hit) const override
     {
-        std::call_once(fShapesFound, [this] { fShapes = FindVertexShapes(fMesh); });
         const Weights weights(hit);
         const std::array<unsigned, 3>& corners = fMesh.fTriangles[hit.fPrimitive];
         ShapeMatrix shape;
         for (size_t i = 0; i < 3; ++i)
             for (int row = 0; row < 3; ++row)
                 for (int column = 0; column < 3; ++column)
-                    shape.fRows[row][column] += weights.values[i] * fShapes[corners[i]].fRows[row][column];
+                    shape.fRows[row][column]
+                        += weights.values[i] * fCurvature.At(corners[i]).fRows[row][column];
         return shape;
     }
 
@@ -100,8 +99,7 @@ private:
 
     MeshDescription fMesh;
     TBBox3D fBounds;
-    mutable std::once_flag fShapesFound;
-    mutable std::vector<ShapeMatrix> fShapes; // by vertex
+    MeshCurvature fCurvature{fMesh};
 
     void LayOutByBounds()
     {

@@ -1,131 +1,131 @@
 #include "host/geometry/MeshCurvature.h"
-#include <CGAL/Monge_via_jet_fitting.h>
-#include <CGAL/Simple_cartesian.h>
+#include "host/geometry/Cross.h"
+#include "host/geometry/JoinedVertices.h"
+#include "host/threads/SharedWork.h"
+#include <Eigen/Dense>
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 namespace fernwick {
 
 namespace {
 
-using Kernel = CGAL::Simple_cartesian<double>;
-using Fitting = CGAL::Monge_via_jet_fitting<Kernel>;
-
-constexpr size_t kDegree = 2;
-constexpr size_t kFewestPoints = 6; ///< that decide a surface of second degree
+constexpr Eigen::Index kCoefficients = 6; ///< of a surface of second degree
 constexpr size_t kEnoughPoints = 18;
 constexpr int kMostRings = 3;
-
-/// The vertices of a mesh with those at one place and of one normal joined.
-class JoinedVertices {
-public:
-    explicit JoinedVertices(const MeshDescription& mesh)
-    {
-        std::map<std::array<float, 6>, size_t> places;
-        for (size_t i = 0; i < mesh.fPoints.size(); ++i) {
-            const TVector3& point = mesh.fPoints[i];
-            std::array<float, 6> key = {point[0], point[1], point[2]};
-            if (!mesh.fNormals.empty())
-                for (uint32_t axis = 0; axis < 3; ++axis)
-                    key[3 + axis] = std::round(mesh.fNormals[i][axis] * 256);
-            const auto [place, isNew] = places.emplace(key, fFirsts.size());
-            if (isNew)
-                fFirsts.push_back(i);
-            fJoined.push_back(place->second);
-        }
-        fNeighbours.resize(fFirsts.size());
-        for (const std::array<unsigned, 3>& corners : mesh.fTriangles)
-            for (size_t i = 0; i < 3; ++i) {
-                const size_t here = fJoined[corners[i]];
-                for (const size_t there : {fJoined[corners[(i + 1) % 3]], fJoined[corners[(i + 2) % 3]]})
-                    if (std::find(fNeighbours[here].begin(), fNeighbours[here].end(), there)
-                        == fNeighbours[here].end())
-                        fNeighbours[here].push_back(there);
-            }
-    }
-
-    size_t Count() const { return fFirsts.size(); }
-    size_t Joined(size_t vertex) const { return fJoined[vertex]; }
-    size_t First(size_t joined) const { return fFirsts[joined]; }
-
-    /// A vertex and, ring by ring, those around it, until they are enough.
-    std::vector<size_t> Around(size_t joined) const
-    {
-        std::vector<size_t> found = {joined};
-        size_t ring = 0;
-        for (int rings = 0; rings < kMostRings && found.size() < kEnoughPoints; ++rings)
-            for (const size_t end = found.size(); ring < end; ++ring)
-                for (const size_t neighbour : fNeighbours[found[ring]])
-                    if (std::find(found.begin(), found.end(), neighbour) == found.end())
-                        found.push_back(neighbour);
-        return found;
-    }
-
-private:
-    std::vector<size_t> fJoined; // by vertex
-    std::vector<size_t> fFirsts; // by joined vertex, the first of its vertices
-    std::vector<std::vector<size_t>> fNeighbours;
-};
+constexpr size_t kBatch = 1024; ///< vertices
 
 /// The normals of flat triangles, summed by their area at each joined vertex; for a mesh without normals.
 std::vector<TVector3> SummedNormals(const MeshDescription& mesh, const JoinedVertices& vertices)
 {
     std::vector<TVector3> sums(vertices.Count());
     for (const std::array<unsigned, 3>& corners : mesh.fTriangles) {
-        const TVector3 first = mesh.fPoints[corners[1]] - mesh.fPoints[corners[0]];
-        const TVector3 second = mesh.fPoints[corners[2]] - mesh.fPoints[corners[0]];
-        const TVector3 across = {first[1] * second[2] - first[2] * second[1],
-            first[2] * second[0] - first[0] * second[2], first[0] * second[1] - first[1] * second[0]};
+        const TVector3 across = Cross(mesh.fPoints[corners[1]] - mesh.fPoints[corners[0]],
+            mesh.fPoints[corners[2]] - mesh.fPoints[corners[0]]);
         for (const unsigned corner : corners)
             sums[vertices.Joined(corner)] += across;
     }
     return sums;
 }
 
-void AddDirection(ShapeMatrix& shape, double curvature, const Kernel::Vector_3& direction)
+Eigen::Vector3d VectorOf(const TVector3& vector) { return {vector[0], vector[1], vector[2]}; }
+
+/// The axes along which points spread, the farthest first; the last one stands across their surface.
+Eigen::Matrix3d AxesOf(const Eigen::Matrix3Xd& points)
 {
-    for (int row = 0; row < 3; ++row)
-        for (int column = 0; column < 3; ++column)
-            shape.fRows[row][column] += static_cast<float>(curvature * direction[row] * direction[column]);
+    const Eigen::Matrix3Xd spread = points.colwise() - points.rowwise().mean().eval();
+    const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> solver(spread * spread.transpose());
+    return solver.eigenvectors().rowwise().reverse(); // they come by ascending spread
 }
 
-ShapeMatrix Fit(const std::vector<Kernel::Point_3>& points, const TVector3& normal)
+/// The derivative of the normal at the first of some points, by fitting an osculating jet of degree 2 to them: a
+/// height over the plane in which they spread most, by least squares (F. Cazals, M. Pouget: Estimating differential
+/// quantities using polynomial fitting of osculating jets, Computer Aided Geometric Design 22, 2005).
+///
+/// The surface is where z - h(x, y) is 0. Its gradient g is (-hx, -hy, 1), n = g / |g|, and the derivative of n along
+/// the surface is P H P / |g|, with H the second derivatives of z - h and P = 1 - n n^T.
+/// @param side  a normal to the outer side, of any length
+Eigen::Matrix3d Fit(const Eigen::Matrix3Xd& points, const Eigen::Vector3d& side)
 {
-    ShapeMatrix shape;
-    if (points.size() < kFewestPoints)
-        return shape;
-    Fitting fitting;
-    Fitting::Monge_form form = fitting(points.begin(), points.end(), kDegree, kDegree);
-    form.comply_wrt_given_normal(Kernel::Vector_3(normal[0], normal[1], normal[2]));
-    // A surface that falls away from its normal has negative curvatures here, while its normals spread.
-    AddDirection(shape, -form.principal_curvatures(0), form.maximal_principal_direction());
-    AddDirection(shape, -form.principal_curvatures(1), form.minimal_principal_direction());
-    return shape;
+    if (points.cols() < kCoefficients)
+        return Eigen::Matrix3d::Zero();
+    const Eigen::Matrix3d axes = AxesOf(points);
+    Eigen::Matrix3Xd places = axes.transpose() * (points.colwise() - points.col(0).eval());
+    const double unit = places.topRows<2>().cwiseAbs().mean();
+    if (!(unit > 0))
+        return Eigen::Matrix3d::Zero();
+    places /= unit; // so that no coefficient outweighs another
+
+    const auto x = places.row(0).transpose().array();
+    const auto y = places.row(1).transpose().array();
+    Eigen::Matrix<double, Eigen::Dynamic, kCoefficients> terms(points.cols(), kCoefficients);
+    terms << Eigen::ArrayXd::Ones(points.cols()), x, y, x * x / 2, x * y, y * y / 2;
+    const Eigen::Vector<double, kCoefficients> jet
+        = terms.completeOrthogonalDecomposition().solve(places.row(2).transpose());
+
+    const Eigen::Vector3d gradient(-jet[1], -jet[2], 1);
+    const Eigen::Vector3d normal = gradient.normalized();
+    Eigen::Matrix3d bend = Eigen::Matrix3d::Zero();
+    bend.topLeftCorner<2, 2>() << -jet[3], -jet[4], -jet[4], -jet[5];
+    const Eigen::Matrix3d across = Eigen::Matrix3d::Identity() - normal * normal.transpose();
+    const double sign = (axes * normal).dot(side) < 0 ? -1 : 1;
+    const double factor = sign / (gradient.norm() * unit);
+    return axes * (across * bend * across * factor) * axes.transpose();
 }
 
 } // namespace
 
-std::vector<ShapeMatrix> FindVertexShapes(const MeshDescription& mesh)
-{
-    const JoinedVertices vertices(mesh);
-    const std::vector<TVector3> summed
-        = mesh.fNormals.empty() ? SummedNormals(mesh, vertices) : std::vector<TVector3>();
-    std::vector<ShapeMatrix> joinedShapes;
-    std::vector<Kernel::Point_3> points;
-    for (size_t joined = 0; joined < vertices.Count(); ++joined) {
-        points.clear();
-        for (const size_t near : vertices.Around(joined)) {
-            const TVector3& point = mesh.fPoints[vertices.First(near)];
-            points.emplace_back(point[0], point[1], point[2]);
-        }
-        joinedShapes.push_back(
-            Fit(points, summed.empty() ? mesh.fNormals[vertices.First(joined)] : summed[joined]));
+/// The fits of all joined vertices of a mesh.
+class VertexFits {
+public:
+    explicit VertexFits(const MeshDescription& mesh)
+        : fMesh(mesh), fVertices(mesh),
+          fSummed(mesh.fNormals.empty() ? SummedNormals(mesh, fVertices) : std::vector<TVector3>()),
+          fShapes(fVertices.Count()), fWork(static_cast<int>((fVertices.Count() + kBatch - 1) / kBatch),
+                                          [this](int batch) { FitBatch(static_cast<size_t>(batch)); })
+    { }
+
+    const ShapeMatrix& At(size_t vertex)
+    {
+        fWork.Finish();
+        return fShapes[fVertices.Joined(vertex)];
     }
-    std::vector<ShapeMatrix> shapes;
-    for (size_t i = 0; i < mesh.fPoints.size(); ++i)
-        shapes.push_back(joinedShapes[vertices.Joined(i)]);
-    return shapes;
+
+private:
+    const MeshDescription& fMesh;
+    JoinedVertices fVertices;
+    std::vector<TVector3> fSummed; // normals by joined vertex, where the mesh has none
+    std::vector<ShapeMatrix> fShapes;
+    SharedWork fWork;
+
+    void FitBatch(size_t batch)
+    {
+        std::vector<uint32_t> around;
+        Eigen::Matrix3Xd points;
+        const size_t end = std::min((batch + 1) * kBatch, fVertices.Count());
+        for (size_t joined = batch * kBatch; joined < end; ++joined) {
+            fVertices.FindAround(static_cast<uint32_t>(joined), kEnoughPoints, kMostRings, around);
+            points.resize(3, static_cast<Eigen::Index>(around.size()));
+            for (size_t i = 0; i < around.size(); ++i)
+                points.col(static_cast<Eigen::Index>(i))
+                    = VectorOf(fMesh.fPoints[fVertices.First(around[i])]);
+            const TVector3& side
+                = fSummed.empty() ? fMesh.fNormals[fVertices.First(joined)] : fSummed[joined];
+            const Eigen::Matrix3d fit = Fit(points, VectorOf(side));
+            for (int row = 0; row < 3; ++row)
+                for (int column = 0; column < 3; ++column)
+                    fShapes[joined].fRows[row][column] = static_cast<float>(fit(row, column));
+        }
+    }
+};
+
+MeshCurvature::MeshCurvature(const MeshDescription& mesh) : fMesh(mesh) { }
+MeshCurvature::~MeshCurvature() = default;
+
+const ShapeMatrix& MeshCurvature::At(size_t vertex) const
+{
+    std::call_once(fBegun, [this] { fFits = std::make_unique<VertexFits>(fMesh); });
+    return fFits->At(vertex);
 }
 
 } // namespace fernwick

@@ -3,6 +3,7 @@
 #include "host/scene/Placement.h"
 #include "host/scene/Scene.h"
 #include "tests/support/BakeText.h"
+#include <thread>
 
 using namespace fernwick;
 
@@ -179,6 +180,44 @@ TEST_F(RaysTest, TheCurvatureOfSpheresAndToriIsTheStatedOne)
     EXPECT_NEAR(GaussianAt(*Cast(*saddle, {0, 0, 1}, {0, 0, -1})), -1, 1e-3); // z = (x^2 - y^2) / 2
     EXPECT_EQ(GaussianAt(*Cast(*SceneOf(MakePlane(1, 1)), {0, 0, 1}, {0, 0, -1})), 0);
     EXPECT_EQ(GaussianAt(*Cast(*SceneOf(MakeBox({1, 1, 1})), {0, 0, 1}, {0, 0, -1})), 0);
+}
+
+TEST_F(RaysTest, ThreadsThatAskForACurvatureAtOnceGetThatOfOne)
+{
+    const MeshDescription mesh = SphereMesh(2, 48, true); // in several batches
+    const auto shapes
+        = [triangles = static_cast<unsigned>(mesh.fTriangles.size())](const Geometry& geometry) {
+              std::vector<float> numbers;
+              for (unsigned triangle = 0; triangle < triangles; triangle += 7)
+                  for (const auto& row : geometry.ShapeAt({0, triangle, 0.25f, 0.5f}).fRows)
+                      numbers.insert(numbers.end(), row, row + 3);
+              return numbers;
+          };
+    const std::vector<float> expected = shapes(*MakeMesh(mesh));
+    const auto asked = MakeMesh(mesh);
+    std::vector<std::vector<float>> found(4);
+    {
+        std::vector<std::jthread> threads;
+        for (auto& numbers : found)
+            threads.emplace_back([&] { numbers = shapes(*asked); });
+    }
+    EXPECT_THAT(found, testing::Each(expected));
+}
+
+/// The rim of a wide fan has its hub alone around it, and a hub has all of the rim.
+TEST_F(RaysTest, AWideFanIsFittedInTimeAndFlat)
+{
+    MeshDescription fan;
+    fan.fPoints.emplace_back();
+    constexpr unsigned kSpokes = 20000;
+    for (unsigned i = 0; i < kSpokes; ++i) {
+        const double turn = kTurn * i / kSpokes;
+        fan.fPoints.emplace_back(static_cast<float>(std::cos(turn)), static_cast<float>(std::sin(turn)), 0);
+        fan.fTriangles.push_back({0, 1 + i, 1 + (i + 1) % kSpokes});
+    }
+    const ShapeMatrix shape = MakeMesh(fan)->ShapeAt({0, 5, 0.25f, 0.25f});
+    for (const auto& row : shape.fRows)
+        EXPECT_THAT(row, testing::Each(testing::FloatNear(0, 1e-6f)));
 }
 
 TEST_F(RaysTest, RaysMeetEverySideOfATorusAndMissItsHole)
