@@ -1,17 +1,22 @@
 #include "host/documents/SceneFile.h"
 #include "frame/Numbers.h"
+#include "host/documents/JoinVertices.h"
+#include "host/documents/RegularFiles.h"
+#include "host/documents/SmoothNormals.h"
 #include "host/documents/SoundMesh.h"
 #include "host/files/RegularFile.h"
 #include "host/json/Printable.h"
 #include "host/scene/Placement.h"
 #include <algorithm>
-#include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #include <cmath>
 #include <fmt/format.h>
+#include <initializer_list>
+#include <memory>
 #include <set>
+#include <span>
 #include <utility>
 
 namespace fernwick {
@@ -65,16 +70,6 @@ aiMatrix4x4 MatrixOf(const SceneFileOptions& options)
 
 constexpr int kDeepest = 256; // what reads a scene calls itself as deep
 
-/// The files of the system, but for pipes and devices, which a scene may name for its parts.
-class RegularFiles final : public Assimp::DefaultIOSystem {
-public:
-    bool Exists(const char* file) const override { return WhyNoFile(file).empty(); }
-    Assimp::IOStream* Open(const char* file, const char* mode) override
-    {
-        return Exists(file) ? DefaultIOSystem::Open(file, mode) : nullptr;
-    }
-};
-
 /// The members of one of Assimp's arrays that are there.
 template <class Member> std::vector<const Member*> MembersOf(Member* const* members, unsigned count)
 {
@@ -91,6 +86,20 @@ template <class Member> const Member* Named(const std::vector<const Member*>& me
     const auto found = std::find_if(
         members.begin(), members.end(), [&name](const Member* member) { return member->mName == name; });
     return found != members.end() ? *found : nullptr;
+}
+
+template <class Visit> void ForEachNode(const aiScene& scene, const Visit& visit)
+{
+    std::vector<const aiNode*> waiting = {scene.mRootNode};
+    while (!waiting.empty()) {
+        const aiNode* const node = waiting.back();
+        waiting.pop_back();
+        if (node == nullptr)
+            continue;
+        visit(*node);
+        for (const aiNode* const child : MembersOf(node->mChildren, node->mNumChildren))
+            waiting.push_back(child);
+    }
 }
 
 /// Keeps the members whose names are among those of nodes.
@@ -113,16 +122,7 @@ void KeepPlaced(const std::set<std::string_view>& nodes, Member**& members, unsi
 void DropUnplaced(aiScene& scene)
 {
     std::set<std::string_view> nodes;
-    std::vector<const aiNode*> waiting = {scene.mRootNode};
-    while (!waiting.empty()) {
-        const aiNode* const node = waiting.back();
-        waiting.pop_back();
-        if (node == nullptr)
-            continue;
-        nodes.insert(node->mName.C_Str());
-        for (const aiNode* const child : MembersOf(node->mChildren, node->mNumChildren))
-            waiting.push_back(child);
-    }
+    ForEachNode(scene, [&nodes](const aiNode& node) { nodes.insert(node.mName.C_Str()); });
     KeepPlaced(nodes, scene.mLights, scene.mNumLights);
     KeepPlaced(nodes, scene.mCameras, scene.mNumCameras);
 }
@@ -130,16 +130,21 @@ void DropUnplaced(aiScene& scene)
 /// Reads what Assimp made of a file. Not all that its readers make is whole: no node, index or count is trusted.
 class SceneFileReader {
 public:
-    SceneFileReader(const aiScene& scene, bool isGltf, const SceneFileOptions& options)
+    SceneFileReader(aiScene& scene, bool isGltf, const SceneFileOptions& options)
         : fMeshes(scene.mMeshes), fMeshCount(scene.mMeshes != nullptr ? scene.mNumMeshes : 0),
           fLights(MembersOf(scene.mLights, scene.mNumLights)),
           fCameras(MembersOf(scene.mCameras, scene.mNumCameras)), fIsGltf(isGltf), fOptions(options)
     {
+        ForEachNode(scene, [this](const aiNode& node) {
+            for (const aiMesh* const mesh : MeshesOf(node))
+                ++fUses[mesh];
+        });
         for (unsigned i = 0; scene.mMaterials != nullptr && i < scene.mNumMaterials; ++i)
             fFile.fMaterials.emplace_back(
                 scene.mMaterials[i] != nullptr ? scene.mMaterials[i]->GetName().C_Str() : "");
     }
 
+    /// Reads it once: what no later node needs is freed meanwhile.
     /// @param name  of the file, for what is told of it
     SceneFile Read(const aiNode& root, const std::string& name)
     {
@@ -163,6 +168,7 @@ private:
 
     aiMesh* const* fMeshes;
     unsigned fMeshCount;
+    std::map<const aiMesh*, size_t> fUses; // by nodes that aren't read yet
     std::vector<const aiLight*> fLights;
     std::vector<const aiCamera*> fCameras;
     bool fIsGltf;
@@ -192,11 +198,11 @@ private:
         return element;
     }
 
-    std::vector<const aiMesh*> MeshesOf(const aiNode& node) const
+    std::vector<aiMesh*> MeshesOf(const aiNode& node) const
     {
-        std::vector<const aiMesh*> meshes;
+        std::vector<aiMesh*> meshes;
         for (unsigned i = 0; node.mMeshes != nullptr && i < node.mNumMeshes; ++i) {
-            const aiMesh* const mesh = node.mMeshes[i] < fMeshCount ? fMeshes[node.mMeshes[i]] : nullptr;
+            aiMesh* const mesh = node.mMeshes[i] < fMeshCount ? fMeshes[node.mMeshes[i]] : nullptr;
             if (mesh != nullptr && mesh->HasPositions() && mesh->HasNormals() && mesh->HasFaces())
                 meshes.push_back(mesh);
         }
@@ -218,8 +224,8 @@ private:
     /// One shape of a node, or one for each shader of its materials.
     void ReadShapes(const aiNode& node, const Split& split, ElementDescription& element)
     {
-        std::vector<std::pair<std::optional<std::string>, std::vector<const aiMesh*>>> groups;
-        for (const aiMesh* const mesh : MeshesOf(node)) {
+        std::vector<std::pair<std::optional<std::string>, std::vector<aiMesh*>>> groups;
+        for (aiMesh* const mesh : MeshesOf(node)) {
             const auto shader = ShaderOf(*mesh);
             auto group = std::find_if(
                 groups.begin(), groups.end(), [&shader](const auto& one) { return one.first == shader; });
@@ -251,7 +257,7 @@ private:
     }
 
     /// Those that all meshes have, up to the first that one lacks.
-    static unsigned CountUVSets(const std::vector<const aiMesh*>& meshes)
+    static unsigned CountUVSets(const std::vector<aiMesh*>& meshes)
     {
         const auto haveAll = [&meshes](unsigned set) {
             return std::all_of(meshes.begin(), meshes.end(),
@@ -265,15 +271,22 @@ private:
 
     /// @param uvSets  gets how many all of the meshes have
     std::shared_ptr<const Geometry> ReadShape(
-        const aiNode& node, const std::vector<const aiMesh*>& meshes, const Split& split, size_t& uvSets)
+        const aiNode& node, const std::vector<aiMesh*>& meshes, const Split& split, size_t& uvSets)
     {
         uvSets = CountUVSets(meshes);
         std::vector<TVector2> uvs(uvSets); // of a vertex
         aiMatrix3x3 forNormals(split.rest);
         forNormals.Inverse().Transpose();
         SoundMesh all(uvSets);
-        size_t first = 0; // vertex of the mesh among all
+        size_t vertices = 0;
+        size_t triangles = 0;
         for (const aiMesh* const mesh : meshes) {
+            vertices += mesh->mNumVertices;
+            triangles += mesh->mNumFaces;
+        }
+        all.Reserve(vertices, triangles);
+        size_t first = 0; // vertex of the mesh among all
+        for (aiMesh* const mesh : meshes) {
             for (unsigned j = 0; j < mesh->mNumVertices; ++j) {
                 TVector3 normal = VectorOf(forNormals * mesh->mNormals[j]);
                 Normalize(normal);
@@ -284,6 +297,8 @@ private:
             for (unsigned j = 0; j < mesh->mNumFaces; ++j)
                 AddTriangle(mesh->mFaces[j], first, mesh->mNumVertices, all);
             first += mesh->mNumVertices;
+            if (--fUses[mesh] == 0)
+                FreeArrays(*mesh);
         }
         if (std::vector<std::string> damages = all.Damages(); !damages.empty())
             fDamaged.push_back({node.mName.C_Str(), std::move(damages)});
@@ -292,6 +307,18 @@ private:
         if (uvSets == 0)
             fWithoutUVs.emplace_back(node.mName.C_Str());
         return MakeMesh(all.Take());
+    }
+
+    /// Frees what a big model has most of, before its shape is built.
+    static void FreeArrays(aiMesh& mesh)
+    {
+        for (aiVector3D** const array : {&mesh.mVertices, &mesh.mNormals, &mesh.mTangents, &mesh.mBitangents})
+            delete[] std::exchange(*array, nullptr);
+        for (aiVector3D*& array : mesh.mTextureCoords)
+            delete[] std::exchange(array, nullptr);
+        for (aiColor4D*& array : mesh.mColors)
+            delete[] std::exchange(array, nullptr);
+        delete[] std::exchange(mesh.mFaces, nullptr);
     }
 
     /// @param first  place of the mesh's first vertex among all
@@ -397,37 +424,54 @@ std::string WhyNotRead(const Assimp::Importer& importer)
     return "no reader takes it for its own; files are read that end in " + endings;
 }
 
-} // namespace
+/// Whom `ShowSceneFiles` named last.
+std::function<SceneFileProgress(const std::filesystem::path&)> gBeginFile;
 
-SceneFile ReadSceneFile(const std::filesystem::path& file, const SceneFileOptions& options)
-{
-    if (const std::string reason = WhyNoFile(file); !reason.empty())
-        throw SceneFileError(file.string() + " can't be read: " + reason);
-    Assimp::Importer importer;
-    importer.SetIOHandler(new RegularFiles);
-    return ReadSceneFile(file, importer, options);
-}
+/// About what a big file takes of the time, after one step and the others before it.
+constexpr double kShareRead = 0.35;
+constexpr double kShareSmooth = 0.65;
+constexpr double kShareJoined = 0.75;
 
-SceneFile ReadSceneFile(
-    const std::filesystem::path& file, Assimp::Importer& importer, const SceneFileOptions& options)
+bool HasEnding(const std::filesystem::path& file, std::initializer_list<std::string_view> endings)
 {
-    constexpr float kCreaseAngle = 60; // degrees
-    importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, kCreaseAngle);
-    importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_POINT | aiPrimitiveType_LINE);
-    const aiScene* scene = importer.ReadFile(file.string(), 0);
-    if (scene != nullptr) {
-        DropUnplaced(const_cast<aiScene&>(*scene)); // the importer's own, which is no constant
-        scene = importer.ApplyPostProcessing(aiProcess_ValidateDataStructure | aiProcess_Triangulate
-            | aiProcess_GenSmoothNormals | aiProcess_GenUVCoords | aiProcess_SortByPType
-            | aiProcess_JoinIdenticalVertices);
-    }
-    if (scene == nullptr || scene->mRootNode == nullptr)
-        throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), WhyNotRead(importer)));
     std::string ending = file.extension().string();
     std::transform(ending.begin(), ending.end(), ending.begin(),
         [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return std::find(endings.begin(), endings.end(), ending) != endings.end();
+}
+
+/// Gives all meshes normals, and joins their vertices.
+void Finish(aiScene& scene, const SceneFileProgress& show)
+{
+    constexpr float kCrease = 60; // degrees
+    const std::span meshes(scene.mMeshes, scene.mMeshes != nullptr ? scene.mNumMeshes : 0);
+    const auto forEach = [&](double before, double after, const auto& work) {
+        for (size_t i = 0; i < meshes.size(); ++i) {
+            if (meshes[i] != nullptr)
+                work(*meshes[i]);
+            show(before + (after - before) * static_cast<double>(i + 1) / static_cast<double>(meshes.size()));
+        }
+    };
+    forEach(kShareRead, kShareSmooth, [](aiMesh& mesh) { AddSmoothNormals(mesh, kCrease); });
+    forEach(kShareSmooth, kShareJoined, [](aiMesh& mesh) { JoinVertices(mesh); });
+}
+
+SceneFile ReadWith(Assimp::Importer& importer, const std::filesystem::path& file,
+    const SceneFileOptions& options, const SceneFileProgress& show)
+{
+    importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_POINT | aiPrimitiveType_LINE);
+    // Both are the importer's own, which are no constants.
+    auto* scene = const_cast<aiScene*>(importer.ReadFile(file.string(), 0));
+    if (scene != nullptr) {
+        DropUnplaced(*scene);
+        scene = const_cast<aiScene*>(importer.ApplyPostProcessing(aiProcess_ValidateDataStructure
+            | aiProcess_Triangulate | aiProcess_GenUVCoords | aiProcess_SortByPType));
+    }
+    if (scene == nullptr || scene->mRootNode == nullptr)
+        throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), WhyNotRead(importer)));
+    Finish(*scene, show);
     try {
-        SceneFile read = SceneFileReader(*scene, ending == ".gltf" || ending == ".glb", options)
+        SceneFile read = SceneFileReader(*scene, HasEnding(file, {".gltf", ".glb"}), options)
                              .Read(*scene->mRootNode, file.filename().string());
         if (read.fElements.empty())
             throw SceneFileError("it holds no scene");
@@ -435,6 +479,30 @@ SceneFile ReadSceneFile(
     } catch (const SceneFileError& error) {
         throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), error.what()));
     }
+}
+
+} // namespace
+
+void ShowSceneFiles(std::function<SceneFileProgress(const std::filesystem::path& file)> begin)
+{
+    gBeginFile = std::move(begin);
+}
+
+SceneFile ReadSceneFile(const std::filesystem::path& file, const SceneFileOptions& options)
+{
+    if (const std::string reason = WhyNoFile(file); !reason.empty())
+        throw SceneFileError(file.string() + " can't be read: " + reason);
+    const SceneFileProgress show = gBeginFile ? gBeginFile(file) : [](double) {};
+    Assimp::Importer importer;
+    importer.SetIOHandler(
+        new RegularFiles(file.string(), [&show](double share) { show(kShareRead * share); }));
+    return ReadWith(importer, file, options, show);
+}
+
+SceneFile ReadSceneFile(
+    const std::filesystem::path& file, Assimp::Importer& importer, const SceneFileOptions& options)
+{
+    return ReadWith(importer, file, options, [](double) {});
 }
 
 } // namespace fernwick

@@ -1,6 +1,7 @@
 #pragma once
 #include "host/scene/Scene.h"
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <stdexcept>
 
@@ -32,6 +33,13 @@ struct SceneFile {
     std::vector<std::string> fMaterials; ///< names of all
 };
 
+/// What is told the share of a file that is read, 0 to 1. It is destroyed when the file is read.
+using SceneFileProgress = std::function<void(double share)>;
+
+/// From now on asks for each file that `ReadSceneFile` begins who is told of its progress. To be called before other
+/// threads read files.
+void ShowSceneFiles(std::function<SceneFileProgress(const std::filesystem::path& file)> begin);
+
 /// Reads a scene with Assimp: glTF, OBJ and whatever else it knows. Each node becomes an element, with its meshes
 /// as one shape, its light and its camera. Lengths stay as they are in the file.
 ///
@@ -45,7 +53,7 @@ struct SceneFile {
 /// A file is checked before it is taken, and so is every regular file that it names; pipes and devices aren't read.
 /// Throws `SceneFileError`.
 SceneFile ReadSceneFile(const std::filesystem::path& file, const SceneFileOptions& options = {});
-/// The same by an importer that has files of its own.
+/// The same by an importer that has files of its own, without telling of progress.
 SceneFile ReadSceneFile(
     const std::filesystem::path& file, Assimp::Importer& importer, const SceneFileOptions& options = {});
 

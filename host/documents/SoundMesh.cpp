@@ -20,6 +20,17 @@ template <class Vector> bool IsWithin(const Vector& vector, uint32_t size, float
 
 } // namespace
 
+void SoundMesh::Reserve(size_t vertices, size_t triangles)
+{
+    fPlaces.reserve(vertices);
+    fMesh.fPoints.reserve(vertices);
+    fMesh.fNormals.reserve(vertices);
+    fMesh.fUVs.reserve(vertices); // where there are none, the shape makes some
+    for (std::vector<TVector2>& uvs : fMesh.fFurtherUVs)
+        uvs.reserve(vertices);
+    fMesh.fTriangles.reserve(triangles);
+}
+
 void SoundMesh::AddVertex(const TVector3& point, const TVector3& normal, std::span<const TVector2> uvs)
 {
     constexpr float kGreatest = std::numeric_limits<float>::max();

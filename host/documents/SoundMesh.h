@@ -16,6 +16,8 @@ public:
     /// @param uvSets  how many UVs each vertex brings
     explicit SoundMesh(size_t uvSets) { fMesh.fFurtherUVs.resize(uvSets > 0 ? uvSets - 1 : 0); }
 
+    /// Makes room for what will be added.
+    void Reserve(size_t vertices, size_t triangles);
     /// @param uvs  one of each set
     void AddVertex(const TVector3& point, const TVector3& normal, std::span<const TVector2> uvs);
     /// @param corners  by the number of vertices added before each

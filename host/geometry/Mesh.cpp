@@ -40,10 +40,8 @@ public:
         for (size_t i = 0; i < fMesh.fPoints.size(); ++i)
             for (uint32_t axis = 0; axis < 3; ++axis)
                 points[3 * i + axis] = fMesh.fPoints[i][axis];
-        auto* const corners = static_cast<unsigned*>(rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX,
-            0, RTC_FORMAT_UINT3, 3 * sizeof(unsigned), fMesh.fTriangles.size()));
-        for (size_t i = 0; i < fMesh.fTriangles.size(); ++i)
-            std::copy_n(fMesh.fTriangles[i].data(), 3, corners + 3 * i);
+        rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
+            fMesh.fTriangles.data(), 0, sizeof fMesh.fTriangles.front(), fMesh.fTriangles.size());
         rtcCommitGeometry(geometry);
         rtcAttachGeometry(fRays, geometry);
         rtcReleaseGeometry(geometry);
