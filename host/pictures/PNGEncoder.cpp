@@ -63,9 +63,11 @@ void Apply(
     const unsigned char* row, const unsigned char* above, size_t size, size_t unit, unsigned char* filtered)
 {
     *filtered++ = kFilter;
+    const unsigned char* const left = row - unit;
+    const unsigned char* const aboveLeft = above - unit;
     for (size_t i = 0; i < size; ++i)
-        filtered[i] = static_cast<unsigned char>(
-            row[i] - Predicted(kFilter, row[i - unit], above[i], above[i - unit]));
+        filtered[i]
+            = static_cast<unsigned char>(row[i] - Predicted(kFilter, left[i], above[i], aboveLeft[i]));
 }
 
 using ApplyFilter = void (*)(const unsigned char*, const unsigned char*, size_t, size_t, unsigned char*);

@@ -19,10 +19,7 @@ void Picture::AddChannel(std::string name, std::vector<float> values)
     fChannels.push_back(std::move(values));
 }
 
-void Picture::LayOver(const Picture& ground)
-{
-    fernwick::LayOver(fPixels, ground.fPixels);
-}
+void Picture::LayOver(const Picture& ground) { fernwick::LayOver(fPixels, ground.fPixels); }
 
 void Picture::Save(const std::filesystem::path& path, const PictureLayout& layout, int threads) const
 {

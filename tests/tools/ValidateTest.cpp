@@ -11,6 +11,10 @@ using nlohmann::json;
 using testing::EndsWith;
 using testing::HasSubstr;
 
+/// Counters that a compiler puts into a module for fuzzing are static data that is written too, and ask for the
+/// module's functions by name.
+constexpr bool kCountsCoverage = FERNWICK_COUNTS_COVERAGE;
+
 ShellAnswer Validate(const std::string& arguments)
 {
     return Shell(FERNWICK_COMMAND " validate " + arguments);
@@ -27,7 +31,8 @@ json FindingsOf(const std::string& fault, const std::string& only, const std::st
 
 TEST(ValidateTest, FindsNothingInThePack)
 {
-    const ShellAnswer answer = Validate(FERNWICK_MODULE " --records " FERNWICK_RECORDS " 2>&1");
+    const ShellAnswer answer = Validate(FERNWICK_MODULE " --records " FERNWICK_RECORDS
+        + std::string(kCountsCoverage ? " --only '^(?!static-data$)'" : "") + " 2>&1");
     EXPECT_EQ(answer.status, 0) << answer.text;
     EXPECT_THAT(answer.text, testing::Not(HasSubstr("FAILED")));
 }
@@ -91,6 +96,8 @@ TEST(ValidateTest, FindsEachFault)
         {"DeepSpoke", "Spoke", "stack", "", "stack of ShadeValue, seed 1: expected at most"},
     };
     for (const Case& broken : cases) {
+        if (kCountsCoverage && broken.check == "static-data")
+            continue;
         SCOPED_TRACE(broken.fault + ", " + broken.check);
         const json told = FindingsOf(broken.fault, '^' + broken.check + '$', broken.className);
         EXPECT_EQ(told["passed"], false);
@@ -145,7 +152,8 @@ TEST(ValidateTest, AFileThatCantBeLoadedIsOneLine)
         {"text.so", "no module\n", "can't be loaded"},
         {"empty.so", "", "can't be loaded"},
         {"half.so", module.substr(0, module.size() / 2), "half.so: "},
-        {"nameless.so", with("MCDllCleanUp", "MCDllKeepUp_"), "doesn't export MCDllCleanUp"},
+        {"nameless.so", with("MCDllCleanUp", "MCDllKeepUp_"),
+            kCountsCoverage ? "MCDllKeepUp_" : "doesn't export MCDllCleanUp"},
         {"lonely.so", with("libc.so.6", "libq.so.6"), "libq.so.6"},
     };
     const std::string folder = testing::TempDir() + "fernwick_unloadable/";

@@ -2,8 +2,8 @@
 #include <chrono>
 #include <string>
 
-/// A line on the terminal that shows how far a job is and how long it still takes, gone when the job is over. Without a terminal on stderr
-/// nothing is shown.
+/// A line on the terminal that shows how far a job is and how long it still takes, gone when the job is over. Without a
+/// terminal on stderr nothing is shown.
 class ProgressBar {
 public:
     explicit ProgressBar(std::string label);
