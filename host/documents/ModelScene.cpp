@@ -1,5 +1,4 @@
 #include "host/documents/ModelScene.h"
-#include "host/documents/SceneFile.h"
 #include "host/json/Nearest.h"
 #include "host/json/Printable.h"
 #include <algorithm>
@@ -168,7 +167,8 @@ std::vector<GltfMesh> GltfMeshesOf(const OntoModel& onto, size_t set)
     return meshes;
 }
 
-OntoModel PutOnto(const GraphDocument& document, const std::filesystem::path& model, const std::string& node)
+OntoModel PutOnto(const GraphDocument& document, DocumentFiles& files, const std::filesystem::path& model,
+    const std::string& node)
 {
     const bool hadScene = document.Scene().has_value();
     if (model.empty() && !hadScene)
@@ -180,7 +180,7 @@ OntoModel PutOnto(const GraphDocument& document, const std::filesystem::path& mo
         = !model.empty() && !scene.fFile.empty() && std::filesystem::equivalent(model, scene.fFile, ignored);
     std::vector<std::shared_ptr<const Geometry>> shapes;
     if (!model.empty() && !isItsFile) {
-        SceneFile file = ReadSceneFile(model);
+        SceneFile file = files.ReadScene(model);
         scene.fNotices.insert(scene.fNotices.end(), file.fNotices.begin(), file.fNotices.end());
         Placer placer(scene);
         placer.Add(std::move(file.fElements));

@@ -1,4 +1,5 @@
 #pragma once
+#include "host/documents/DocumentFiles.h"
 #include "host/documents/GltfFile.h"
 #include "host/documents/GraphDocument.h"
 
@@ -22,9 +23,11 @@ std::vector<GltfMesh> GltfMeshesOf(const OntoModel& onto, size_t set);
 /// camera, a "Lamp" from the upper left, a "Target" at the upper right and a "Camera" in front, in distances of the
 /// model's size.
 ///
+/// @param files  reads the model
 /// @param model  a file as `ReadSceneFile` takes it; empty for the scene that the document has
 /// @param node   the element that is baked onto, with all below it; empty for all of the model
 /// Throws `GraphError` for an element that isn't there or has no triangles, and `SceneFileError`.
-OntoModel PutOnto(const GraphDocument& document, const std::filesystem::path& model, const std::string& node);
+OntoModel PutOnto(const GraphDocument& document, DocumentFiles& files, const std::filesystem::path& model,
+    const std::string& node);
 
 } // namespace fernwick

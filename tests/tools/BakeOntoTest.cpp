@@ -37,6 +37,7 @@ TEST_F(BakeOntoTest, TellsWhatDoesntFitAndTouchesNoFile)
         {"-o a.png --onto '#Sail'", "the graph has no \"scene\""},
         {"-o a.png --onto none.obj", "none.obj can't be read: there is no such file"},
         {"-o a.png --onto sail.obj --margin 129", "--margin"},
+        {"-o a.png --onto sail.obj --size 65536x4", "--size 65536x4: onto a model a picture has up to 32768"},
     };
     for (const auto& [arguments, error] : cases) {
         const Answer answer = Run("bake graph.json " + arguments);

@@ -16,6 +16,7 @@
 namespace {
 
 constexpr std::string_view kUDIMMark = "{udim}";
+constexpr int kLongestSide = 32768; // pixels, to which texels are told exactly
 
 std::string Replaced(std::string text, std::string_view mark, const std::string& value)
 {
@@ -108,11 +109,12 @@ std::string BytesOf(const std::string& file)
 class OntoBaker {
 public:
     OntoBaker(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
-        const fernwick::GraphDocument* ground, const OntoOptions& onto, const BakeOptions& options,
-        const std::string& name, bool isFirst)
+        fernwick::DocumentFiles& files, const fernwick::GraphDocument* ground, const OntoOptions& onto,
+        const BakeOptions& options, const std::string& name, bool isFirst)
         : fLibrary(library), fReports(reports), fGround(ground), fOnto(onto), fOptions(options), fName(name),
-          fIsFirst(isFirst), fSplit(Split(onto.onto)), fModel(PutOnto(document, fSplit.model, fSplit.node)),
-          fJob(JobOf(options)), fSet(static_cast<size_t>(onto.uvSet)),
+          fIsFirst(isFirst), fSplit(Split(onto.onto)),
+          fModel(PutOnto(document, files, fSplit.model, fSplit.node)), fJob(JobOf(options)),
+          fSet(static_cast<size_t>(onto.uvSet)),
           fSurvey(SurveyUVs(UVMeshesOf(fModel, fSet), fJob.width, fJob.height))
     {
         if (fSurvey.fTiles.empty())
@@ -238,6 +240,12 @@ void RequireSense(const OntoOptions& onto, const BakeOptions& options)
         if (options.picture.file.find(kUDIMMark) != std::string::npos)
             throw UsageError("{udim} is for the tiles of a model; name it by --onto");
     }
+    int width = 0;
+    int height = 0;
+    ReadSize(options.picture.size, width, height);
+    if (!onto.onto.empty() && std::max(width, height) > kLongestSide)
+        throw UsageError(fmt::format("--size {}: onto a model a picture has up to {} pixels a side",
+            options.picture.size, kLongestSide));
     if (onto.gltf.empty()) {
         if (!onto.roughness.empty() || !onto.occlusion.empty())
             throw UsageError("--gltf-roughness and --gltf-occlusion are for the material of --gltf");
@@ -254,10 +262,11 @@ void RequireSense(const OntoOptions& onto, const BakeOptions& options)
 }
 
 void BakeOntoModel(fernwick::Library& library, ReportSummary& reports,
-    const fernwick::GraphDocument& document, const fernwick::GraphDocument* ground, const OntoOptions& onto,
-    const BakeOptions& options, const std::string& name, bool isFirst)
+    const fernwick::GraphDocument& document, fernwick::DocumentFiles& files,
+    const fernwick::GraphDocument* ground, const OntoOptions& onto, const BakeOptions& options,
+    const std::string& name, bool isFirst)
 {
     WithName(name, [&] {
-        return OntoBaker(library, reports, document, ground, onto, options, name, isFirst);
+        return OntoBaker(library, reports, document, files, ground, onto, options, name, isFirst);
     }).Run();
 }

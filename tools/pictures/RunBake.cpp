@@ -28,7 +28,9 @@ void RunBake(const BakeCommandOptions& options)
     TellAlike(shots, graph->HasKeys() || (ground && ground->HasKeys()));
     fernwick::Library library(FindLibrary(options.library));
     ReportSummary reports(library.HostUtilities().Debug());
+    fernwick::DocumentFiles models;
     ForEachShot(shots, [&](const Shot& shot) {
+        models.BeginFrame();
         const fernwick::GraphDocument document = graph->At(shot.frame);
         if (shot.isFirst)
             TellDoubts(document.Doubts());
@@ -39,7 +41,7 @@ void RunBake(const BakeCommandOptions& options)
         if (options.onto.onto.empty())
             BakeToFile(library, reports, document, laidUnder, optionsOf(shot), shot.label, shot.isFirst);
         else
-            BakeOntoModel(library, reports, document, laidUnder, options.onto, optionsOf(shot), shot.label,
-                shot.isFirst);
+            BakeOntoModel(library, reports, document, models, laidUnder, options.onto, optionsOf(shot),
+                shot.label, shot.isFirst);
     });
 }

@@ -61,7 +61,8 @@ protected:
         const auto document = GraphDocument::Parse(R"({"shaders": {)" + shaders + R"(}, "output": "output")"
                 + (scene.empty() ? "" : ", \"scene\": " + scene) + '}',
             fFolder.Path());
-        return PutOnto(document, fFolder / model, "");
+        DocumentFiles files;
+        return PutOnto(document, files, fFolder / model, "");
     }
 
     static ModelTexels Texels(const OntoModel& onto, const BakeJob& job)
