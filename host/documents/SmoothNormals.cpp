@@ -28,6 +28,7 @@ public:
 struct Bounds {
     aiVector3D low;
     aiVector3D high;
+    bool areNumbers = true; ///< whether no vertex is at a place that is none
 
     explicit Bounds(const aiMesh& mesh) : low(mesh.mVertices[0]), high(mesh.mVertices[0])
     {
@@ -35,6 +36,7 @@ struct Bounds {
             for (unsigned axis = 0; axis < 3; ++axis) {
                 low[axis] = std::min(mesh.mVertices[i][axis], low[axis]);
                 high[axis] = std::max(mesh.mVertices[i][axis], high[axis]);
+                areNumbers = areNumbers && std::isfinite(mesh.mVertices[i][axis]);
             }
     }
 };
@@ -178,7 +180,7 @@ void AddSmoothNormals(aiMesh& mesh, float crease)
     const Bounds bounds(mesh);
     const float reach = (bounds.high - bounds.low).Length() * kReach;
     std::optional<CloseVertices> close; // no cell would hold what damaged numbers span
-    if (std::isnormal(reach))
+    if (bounds.areNumbers && std::isnormal(reach))
         close.emplace(sorted, bounds, reach);
     mesh.mNormals = new aiVector3D[mesh.mNumVertices];
     std::vector<uint32_t> ranks;
