@@ -36,8 +36,11 @@ struct Texel {
 /// ask it.
 class MeshTexels {
 public:
+    /// Of a picture, in pixels: so far places are found without rounding.
+    static constexpr int kLongestSide = 32768;
+
     /// @param meshes         outlive it
-    /// @param width, height  of the tile's picture, in pixels, up to 32768
+    /// @param width, height  of the tile's picture, in pixels, up to `kLongestSide`
     MeshTexels(std::vector<UVMesh> meshes, const UVTile& tile, int width, int height);
 
     /// Whether no triangle lies on or near an area.

@@ -12,9 +12,11 @@ namespace fernwick {
 /// it: the one that the scene names, or else its first.
 class ModelTexels final : public TexelSurface {
 public:
+    static constexpr int kLongestSide = MeshTexels::kLongestSide; ///< of the picture of a tile, in pixels
+
     /// @param onto           outlives it
     /// @param set            of UV, by which the targets are laid out
-    /// @param width, height  of the picture of the tile, in pixels
+    /// @param width, height  of the picture of the tile, in pixels, up to `kLongestSide`
     /// Throws `GraphError`, and `BakeError` where a target hasn't as many sets of UV.
     ModelTexels(
         const Library& library, const OntoModel& onto, size_t set, const UVTile& tile, int width, int height);

@@ -19,7 +19,7 @@ protected:
     }
 
     struct Window {
-        OIIO::ImageSpec fSpec; // with the data window
+        OIIO::ImageSpec fLayout; // with the data window
         std::vector<float> fPixels;
     };
     Window Read(const std::string& file) const
@@ -27,9 +27,11 @@ protected:
         const auto input = OIIO::ImageInput::open((fFolder / file).string());
         Window window;
         if (input != nullptr) {
-            window.fSpec = input->spec();
-            window.fPixels.resize(window.fSpec.image_pixels() * static_cast<size_t>(window.fSpec.nchannels));
-            input->read_image(0, 0, 0, window.fSpec.nchannels, OIIO::TypeDesc::FLOAT, window.fPixels.data());
+            window.fLayout = input->spec();
+            window.fPixels.resize(
+                window.fLayout.image_pixels() * static_cast<size_t>(window.fLayout.nchannels));
+            input->read_image(
+                0, 0, 0, window.fLayout.nchannels, OIIO::TypeDesc::FLOAT, window.fPixels.data());
         }
         return window;
     }
@@ -51,21 +53,21 @@ TEST_F(StreamedBakeTest, RegionsJoinedByTheirDataWindowsAreTheWholePicture)
         = "bake '" FERNWICK_EXAMPLES "/weave-rounded.json' --size 300x270 --bits 32 --samples 3 -o ";
     ASSERT_EQ(Run(bake + "whole.exr").error, "");
     const Window whole = Read("whole.exr");
-    ASSERT_EQ(whole.fSpec.width, 300);
-    const auto channels = static_cast<size_t>(whole.fSpec.nchannels);
+    ASSERT_EQ(whole.fLayout.width, 300);
+    const auto channels = static_cast<size_t>(whole.fLayout.nchannels);
     std::vector<float> joined(whole.fPixels.size());
     for (const std::string region : {"0,0,300,1", "0,1,131,270", "131,1,300,129", "131,129,300,270"}) {
         ASSERT_EQ(Run(bake + "part.exr --region " + region).error, "");
         const Window part = Read("part.exr");
-        EXPECT_EQ(part.fSpec.full_width, 300);
-        EXPECT_EQ(part.fSpec.full_height, 270);
-        const size_t length = static_cast<size_t>(part.fSpec.width) * channels;
-        for (int y = 0; y < part.fSpec.height; ++y)
+        EXPECT_EQ(part.fLayout.full_width, 300);
+        EXPECT_EQ(part.fLayout.full_height, 270);
+        const size_t length = static_cast<size_t>(part.fLayout.width) * channels;
+        for (int y = 0; y < part.fLayout.height; ++y)
             std::copy_n(part.fPixels.begin() + static_cast<std::ptrdiff_t>(static_cast<size_t>(y) * length),
                 length,
                 joined.begin()
                     + static_cast<std::ptrdiff_t>(
-                        static_cast<size_t>((part.fSpec.y + y) * 300 + part.fSpec.x) * channels));
+                        static_cast<size_t>((part.fLayout.y + y) * 300 + part.fLayout.x) * channels));
     }
     EXPECT_EQ(std::memcmp(joined.data(), whole.fPixels.data(), joined.size() * sizeof(float)), 0);
 }

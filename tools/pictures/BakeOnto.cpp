@@ -4,6 +4,7 @@
 #include "host/json/Nearest.h"
 #include "host/pictures/Margin.h"
 #include "host/shading/MarginStage.h"
+#include "host/shading/ModelTexels.h"
 #include "tools/Outcome.h"
 #include "tools/Tell.h"
 #include "tools/pictures/ShownJob.h"
@@ -16,7 +17,6 @@
 namespace {
 
 constexpr std::string_view kUDIMMark = "{udim}";
-constexpr int kLongestSide = 32768; // pixels, to which texels are told exactly
 
 std::string Replaced(std::string text, std::string_view mark, const std::string& value)
 {
@@ -243,6 +243,7 @@ void RequireSense(const OntoOptions& onto, const BakeOptions& options)
     int width = 0;
     int height = 0;
     ReadSize(options.picture.size, width, height);
+    constexpr int kLongestSide = fernwick::ModelTexels::kLongestSide;
     if (!onto.onto.empty() && std::max(width, height) > kLongestSide)
         throw UsageError(fmt::format("--size {}: onto a model a picture has up to {} pixels a side",
             options.picture.size, kLongestSide));
