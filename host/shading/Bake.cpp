@@ -100,7 +100,7 @@ public:
         for (size_t i = 0; i < fContents.size(); ++i)
             fPixels.emplace_back(fRegion, bands, i < whole.size() ? whole[i] : nullptr);
         return ForEachTileInOrder(
-            tiles, most, [this](const Tile& tile) { ShadeTile(tile); },
+            tiles, most, [this](const Tile& tile) { return ShadeTile(tile); },
             [&](const Tile& tile) {
                 if (tile.fRight >= fRegion.fRight) // the last one of the band
                     sink(BandOf(tile));
@@ -148,7 +148,8 @@ private:
         return band;
     }
 
-    void ShadeTile(const Tile& tile);
+    /// @return false when cancelled
+    bool ShadeTile(const Tile& tile);
 };
 
 /// One tile while it is shaded: takes the rows of a reading's samples and puts pixels where they belong.
@@ -248,12 +249,14 @@ private:
     }
 };
 
-void Baker::ShadeTile(const Tile& tile)
+bool Baker::ShadeTile(const Tile& tile)
 {
     TilePixels pixels(tile, fRegion, fContents, fJob.samples, fPixels);
     const std::unique_ptr<TexelTile> texels = fSurface.Open(tile);
-    if (!texels)
-        return pixels.FillTransparent();
+    if (!texels) {
+        pixels.FillTransparent();
+        return true;
+    }
     std::vector<OwnGraph> graphs;
     for (const DocumentReading& reading : fReadings)
         graphs.push_back(fSurface.MakeGraphFor(fLibrary, *reading.fDocument));
@@ -265,6 +268,8 @@ void Baker::ShadeTile(const Tile& tile)
             texels->Use(*graphs[i]);
             const ShaderWrapper::Turn turn(graphs[i]->OutputWrapper());
             for (int y = tile.fTop; y < tile.fBottom; ++y) {
+                if (IsCancelled(fJob.cancel))
+                    return false;
                 pixels.MoveTo(y, row);
                 reading.Shade(*graphs[i], *texels, fJob.green, row);
                 pixels.Take(row, reading.Channels());
@@ -272,6 +277,7 @@ void Baker::ShadeTile(const Tile& tile)
         }
     }
     pixels.Finish();
+    return true;
 }
 
 } // namespace

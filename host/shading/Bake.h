@@ -25,7 +25,7 @@ struct BakeJob {
     int threads = 0; ///< 0 for one a processor
     /// Gets the share that is done, 0 to 1; from any thread, one at a time.
     std::function<void(double)> onProgress = {};
-    const std::atomic<bool>* cancel = nullptr; ///< looked at between tiles
+    const std::atomic<bool>* cancel = nullptr; ///< looked at between rows of tiles
     const TexelSurface* surface = nullptr;     ///< what is shaded; null for the UV square
 };
 

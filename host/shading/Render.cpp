@@ -157,7 +157,7 @@ public:
         std::vector<std::vector<float>> layers(fJob.layers.size(), std::vector<float>(PixelsOf(fRegion)));
         const TileJob tiles = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel,
             Tile{fRegion.left, fRegion.top, fRegion.right, fRegion.bottom}};
-        if (!ForEachTile(tiles, [&](const Tile& tile) { ShadeTile(tile, picture, layers); }))
+        if (!ForEachTile(tiles, [&](const Tile& tile) { return ShadeTile(tile, picture, layers); }))
             return std::nullopt;
         for (size_t i = 0; i < layers.size(); ++i)
             picture.AddChannel(fJob.layers[i].fName, std::move(layers[i]));
@@ -215,7 +215,8 @@ private:
         return ShadersOfShapes(fDocument, *fScene);
     }
 
-    void ShadeTile(const Tile& tile, Picture& picture, std::vector<std::vector<float>>& layers) const
+    /// @return false when cancelled
+    bool ShadeTile(const Tile& tile, Picture& picture, std::vector<std::vector<float>>& layers) const
     {
         // Shaders that ask the scene count its parts several times a sample: threads that share one are slower.
         const MCCountedPtr<Scene> scene = MakeScene();
@@ -225,7 +226,9 @@ private:
         for (size_t i = 0; i < fShaders.size(); ++i)
             surfaces.emplace_back(*scene->Shapes()[i], *graph, fShaders[i]);
         std::vector<double> layerSums(layers.size());
-        for (int y = tile.fTop; y < std::min(tile.fBottom, fRegion.bottom); ++y)
+        for (int y = tile.fTop; y < std::min(tile.fBottom, fRegion.bottom); ++y) {
+            if (IsCancelled(fJob.cancel))
+                return false;
             for (int x = tile.fLeft; x < tile.fRight; ++x) {
                 PixelSum sum;
                 std::fill(layerSums.begin(), layerSums.end(), 0);
@@ -241,6 +244,8 @@ private:
                 for (size_t i = 0; i < layers.size(); ++i)
                     layers[i][pixel] = static_cast<float>(layerSums[i] / fJob.samples);
             }
+        }
+        return true;
     }
 
     void Trace(const TVector3& direction, const std::vector<Surface>& surfaces, PixelSum& sum,

@@ -28,7 +28,7 @@ struct RenderJob {
     int threads = 0;                          ///< 0 for one a processor
     std::function<void(double)> onProgress
         = {}; ///< gets the done share, 0 to 1; from any thread, one at a time
-    const std::atomic<bool>* cancel = nullptr; ///< looked at between tiles
+    const std::atomic<bool>* cancel = nullptr; ///< looked at between rows of tiles
 };
 
 /// Renders the scene of a document: what the camera sees, each element by its shader, or by the output where it has

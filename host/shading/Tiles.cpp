@@ -12,7 +12,7 @@ std::mutex gGraphMutex;
 /// The tiles of a job while they are shaded.
 class TileRun {
 public:
-    TileRun(const TileJob& job, const std::function<void(const Tile&)>& shade) : fJob(job), fShade(shade)
+    TileRun(const TileJob& job, const ShadeTileFunction& shade) : fJob(job), fShade(shade)
     {
         const Tile region = job.region.value_or(Tile{0, 0, job.width, job.height});
         fFirstColumn = region.fLeft / job.side;
@@ -34,11 +34,10 @@ public:
 
     void Shade(int number)
     {
-        if (fJob.cancel != nullptr && *fJob.cancel) {
+        if (IsCancelled(fJob.cancel) || !fShade(TileAt(number))) {
             fIsCut = true;
             return;
         }
-        fShade(TileAt(number));
         const std::lock_guard lock(fMutex);
         ++fDone;
         if (fJob.onProgress)
@@ -47,7 +46,7 @@ public:
 
 private:
     const TileJob& fJob;
-    const std::function<void(const Tile&)>& fShade;
+    const ShadeTileFunction& fShade;
     int fFirstColumn;
     int fFirstRow;
     int fColumns;
@@ -78,14 +77,14 @@ OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const 
     return OwnGraph(new Graph(library, document, scene, needed));
 }
 
-bool ForEachTile(const TileJob& job, const std::function<void(const Tile&)>& shade)
+bool ForEachTile(const TileJob& job, const ShadeTileFunction& shade)
 {
     TileRun run(job, shade);
     RunParallel(run.Count(), std::max(job.threads, 0), [&run](int number) { run.Shade(number); });
     return run.IsDone();
 }
 
-bool ForEachTileInOrder(const TileJob& job, int most, const std::function<void(const Tile&)>& shade,
+bool ForEachTileInOrder(const TileJob& job, int most, const ShadeTileFunction& shade,
     const std::function<void(const Tile&)>& finish)
 {
     TileRun run(job, shade);

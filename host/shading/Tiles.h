@@ -36,18 +36,24 @@ struct TileJob {
     int side;                                      ///< of a tile
     int threads;                                   ///< 0 for one a processor
     const std::function<void(double)>& onProgress; ///< gets the done share; from any thread, one at a time
-    const std::atomic<bool>* cancel;               ///< looked at between tiles; may be null
+    const std::atomic<bool>* cancel;               ///< ends the job when it turns true; may be null
     std::optional<Tile> region = {}; ///< the only tiles are those that meet it, whole; empty for all
 };
 
+inline bool IsCancelled(const std::atomic<bool>* cancel) { return cancel != nullptr && *cancel; }
+
+/// Shades a tile. Returns false when it was cancelled before the end: a shader may take a second for a tile, so each
+/// row asks.
+using ShadeTileFunction = std::function<bool(const Tile&)>;
+
 /// Shades all tiles, several at a time, in rows of tiles from the top.
 /// @return false when cancelled before the end
-bool ForEachTile(const TileJob& job, const std::function<void(const Tile&)>& shade);
+bool ForEachTile(const TileJob& job, const ShadeTileFunction& shade);
 
 /// Also hands each tile that was shaded to `finish`: in order, one at a time, from any thread, while further tiles are
 /// shaded.
 /// @param most  tiles between the begin of their shading and the end of their finish
-bool ForEachTileInOrder(const TileJob& job, int most, const std::function<void(const Tile&)>& shade,
+bool ForEachTileInOrder(const TileJob& job, int most, const ShadeTileFunction& shade,
     const std::function<void(const Tile&)>& finish);
 
 } // namespace fernwick
