@@ -1,6 +1,7 @@
+#include "host/parameters/Kinds.h"
+#include "host/shading/Description.h"
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
-#include "tools/Kinds.h"
 #include "tools/LibraryOption.h"
 #include "tools/Names.h"
 #include <fmt/core.h>
@@ -11,7 +12,7 @@ constexpr const char* kLine = "{:<18}{:<16}{:<38}{}\n"; // name, outputs, identi
 
 void PrintClass(const fernwick::ParameterTable& table, const std::string& identifier)
 {
-    fmt::print(kLine, table.fName, KindsText(table.fOutputKinds), identifier, table.fPurpose);
+    fmt::print(kLine, table.fName, fernwick::KindsText(table.fOutputKinds), identifier, table.fPurpose);
 }
 
 void PrintTables()
@@ -33,9 +34,9 @@ void PrintJson()
 {
     fernwick::Json list = {{"classes", fernwick::Json::array()}, {"sources", fernwick::Json::array()}};
     for (const fernwick::ParameterTable& table : fernwick::AllClasses())
-        list["classes"].push_back(EntryOf(table, false));
+        list["classes"].push_back(fernwick::EntryOf(table, false));
     for (const fernwick::SourceKind& source : fernwick::AllSources())
-        list["sources"].push_back(EntryOf(source.fTable, true));
+        list["sources"].push_back(fernwick::EntryOf(source.fTable, true));
     fmt::print("{}\n", list.dump(2));
 }
 

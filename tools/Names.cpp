@@ -2,7 +2,6 @@
 #include "host/json/Nearest.h"
 #include "host/sources/Sources.h"
 #include "tools/Commands.h"
-#include "tools/Kinds.h"
 #include <fmt/core.h>
 
 const fernwick::ParameterTable* FindTable(std::string_view name)
@@ -36,16 +35,4 @@ std::vector<std::string> SourceNames()
     for (const fernwick::SourceKind& source : fernwick::AllSources())
         names.push_back(source.fTable.fName);
     return names;
-}
-
-fernwick::Json EntryOf(const fernwick::ParameterTable& table, bool isSource)
-{
-    fernwick::Json entry
-        = {{"name", table.fName}, {"purpose", table.fPurpose}, {"outputs", KindNames(table.fOutputKinds)}};
-    if (isSource)
-        return entry;
-    entry["identifiers"] = fernwick::Json::array();
-    for (const GUID& classID : table.fClassIDs)
-        entry["identifiers"].push_back(fernwick::GuidText(classID));
-    return entry;
 }

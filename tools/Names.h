@@ -1,5 +1,4 @@
 #pragma once
-#include "host/json/JsonNode.h"
 #include "host/parameters/ParameterTable.h"
 
 /// The table of a class or source; null when there is none of this name.
@@ -12,6 +11,3 @@ const fernwick::ParameterTable& RequireTable(const std::string& name);
 std::vector<std::string> ClassAndSourceNames();
 
 std::vector<std::string> SourceNames();
-
-/// What answers in JSON begin with: name, purpose, outputs and, of a class, its identifiers.
-fernwick::Json EntryOf(const fernwick::ParameterTable& table, bool isSource);

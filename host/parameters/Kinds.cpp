@@ -1,6 +1,8 @@
-#include "tools/Kinds.h"
+#include "host/parameters/Kinds.h"
 #include <fmt/format.h>
 #include <span>
+
+namespace fernwick {
 
 namespace {
 
@@ -49,3 +51,5 @@ std::string Joined(const std::vector<std::string>& names)
 {
     return names.empty() ? "none" : fmt::format("{}", fmt::join(names, ", "));
 }
+
+} // namespace fernwick

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace fernwick {
+
 /// What a shader offers, such as `value, color`; `none` for nothing.
 std::string KindsText(int32_t kinds);
 std::vector<std::string> KindNames(int32_t kinds);
@@ -12,3 +14,5 @@ std::vector<std::string> NeedNames(const ShadingFlags& flags);
 
 /// Names in a row, with commas; `none` for no name.
 std::string Joined(const std::vector<std::string>& names);
+
+} // namespace fernwick

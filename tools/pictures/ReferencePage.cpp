@@ -1,7 +1,7 @@
 #include "tools/pictures/ReferencePage.h"
+#include "host/parameters/Kinds.h"
 #include "host/sources/Sources.h"
 #include "tools/FieldLines.h"
-#include "tools/Kinds.h"
 #include <fmt/format.h>
 
 namespace {
@@ -15,7 +15,7 @@ std::string ClassTable(const fernwick::ParameterTable& table, const ReferenceFac
     text += fmt::format("| Class identifier | {} |\n",
         identifiers.empty() ? "none: the library has no route to the class"
                             : fmt::format("{}", fmt::join(identifiers, "<br>")));
-    text += fmt::format("| Outputs | {} |\n", KindsText(table.fOutputKinds));
+    text += fmt::format("| Outputs | {} |\n", fernwick::KindsText(table.fOutputKinds));
     if (!facts.fNeeds.empty())
         text += fmt::format("| Needs | {} |\n", facts.fNeeds);
     return text + fmt::format("| Record | `{}Params`, {} bytes |\n", table.fName, table.fRecordSize);
@@ -62,7 +62,7 @@ std::string ReferenceIndex()
                        "| Class | Outputs | Purpose |\n| --- | --- | --- |\n";
     for (const fernwick::ParameterTable& table : fernwick::AllClasses())
         page += fmt::format(
-            "| [{0}]({0}.md) | {1} | {2} |\n", table.fName, KindsText(table.fOutputKinds), table.fPurpose);
+            "| [{0}]({0}.md) | {1} | {2} |\n", table.fName, fernwick::KindsText(table.fOutputKinds), table.fPurpose);
     return page
         + "\nGraphs plug [sources](sources.md) of the host into them: plain colours, pictures, checks and "
           "ramps.\n";
@@ -75,6 +75,6 @@ std::string SourcesPage()
           "answer from UV alone.\n";
     for (const fernwick::SourceKind& source : fernwick::AllSources())
         page += fmt::format("\n## {}\n\n{} Outputs: {}.\n\n{}", source.fTable.fName, source.fTable.fPurpose,
-            KindsText(source.fTable.fOutputKinds), FieldsTable(source.fTable, source.fDefaults));
+            fernwick::KindsText(source.fTable.fOutputKinds), FieldsTable(source.fTable, source.fDefaults));
     return page;
 }

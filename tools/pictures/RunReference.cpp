@@ -1,7 +1,7 @@
 #include "host/files/OutputFile.h"
 #include "host/library/Library.h"
+#include "host/parameters/Kinds.h"
 #include "host/shading/MakeShader.h"
-#include "tools/Kinds.h"
 #include "tools/LibraryOption.h"
 #include "tools/PictureCommands.h"
 #include "tools/ReportSummary.h"
@@ -35,7 +35,7 @@ std::string PageOf(const fernwick::ParameterTable& table, const fernwick::Librar
         throw fernwick::LibraryError(library.Path().string() + ": doesn't make the class " + table.fName);
     ShadingFlags flags;
     shader->GetShadingFlags(flags);
-    facts.fNeeds = Joined(NeedNames(flags));
+    facts.fNeeds = fernwick::Joined(fernwick::NeedNames(flags));
     facts.fRecord = shader->Exchanger().GetExtensionDataBuffer();
     return ReferencePage(table, facts);
 }
