@@ -108,13 +108,12 @@ std::string BytesOf(const std::string& file)
 /// Bakes all that one command line asks for.
 class OntoBaker {
 public:
-    OntoBaker(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
+    OntoBaker(fernwick::Library& library, const fernwick::GraphDocument& document,
         fernwick::DocumentFiles& files, const fernwick::GraphDocument* ground, const OntoOptions& onto,
         const BakeOptions& options, const std::string& name, bool isFirst)
-        : fLibrary(library), fReports(reports), fGround(ground), fOnto(onto), fOptions(options), fName(name),
-          fIsFirst(isFirst), fSplit(Split(onto.onto)),
-          fModel(PutOnto(document, files, fSplit.model, fSplit.node)), fJob(JobOf(options)),
-          fSet(static_cast<size_t>(onto.uvSet)),
+        : fLibrary(library), fGround(ground), fOnto(onto), fOptions(options), fName(name), fIsFirst(isFirst),
+          fSplit(Split(onto.onto)), fModel(PutOnto(document, files, fSplit.model, fSplit.node)),
+          fJob(JobOf(options)), fSet(static_cast<size_t>(onto.uvSet)),
           fSurvey(SurveyUVs(UVMeshesOf(fModel, fSet), fJob.width, fJob.height))
     {
         if (fSurvey.fTiles.empty())
@@ -150,7 +149,6 @@ public:
 
 private:
     fernwick::Library& fLibrary;
-    ReportSummary& fReports;
     const fernwick::GraphDocument* fGround;
     const OntoOptions& fOnto;
     const BakeOptions& fOptions;
@@ -176,7 +174,7 @@ private:
         const fernwick::ModelTexels texels(fLibrary, model, fSet, tile, fJob.width, fJob.height);
         fernwick::ModelCoverage coverage;
         const fernwick::GraphDocument* const ground = options.over.empty() ? nullptr : fGround;
-        BakeToFile(fLibrary, fReports, model.fDocument, ground, options, fName, fIsFirst,
+        BakeToFile(fLibrary, model.fDocument, ground, options, fName, fIsFirst,
             [&](fernwick::BakeJob job, const fernwick::BakeSink& sink) {
                 job.surface = &texels;
                 fernwick::MarginStage stage(texels, job, fOnto.margin, sink);
@@ -262,12 +260,11 @@ void RequireSense(const OntoOptions& onto, const BakeOptions& options)
                 "{} makes a picture too; put {{output}} into the name of the picture", row.option));
 }
 
-void BakeOntoModel(fernwick::Library& library, ReportSummary& reports,
-    const fernwick::GraphDocument& document, fernwick::DocumentFiles& files,
-    const fernwick::GraphDocument* ground, const OntoOptions& onto, const BakeOptions& options,
-    const std::string& name, bool isFirst)
+void BakeOntoModel(fernwick::Library& library, const fernwick::GraphDocument& document,
+    fernwick::DocumentFiles& files, const fernwick::GraphDocument* ground, const OntoOptions& onto,
+    const BakeOptions& options, const std::string& name, bool isFirst)
 {
     WithName(name, [&] {
-        return OntoBaker(library, reports, document, files, ground, onto, options, name, isFirst);
+        return OntoBaker(library, document, files, ground, onto, options, name, isFirst);
     }).Run();
 }

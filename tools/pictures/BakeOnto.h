@@ -12,7 +12,6 @@ void RequireSense(const OntoOptions& onto, const BakeOptions& options);
 /// @param ground   what `--over` names; null for nothing
 /// @param name     what users call the document
 /// @param isFirst  of its frames: what all of them share is told with it
-void BakeOntoModel(fernwick::Library& library, ReportSummary& reports,
-    const fernwick::GraphDocument& document, fernwick::DocumentFiles& files,
-    const fernwick::GraphDocument* ground, const OntoOptions& onto, const BakeOptions& options,
-    const std::string& name, bool isFirst);
+void BakeOntoModel(fernwick::Library& library, const fernwick::GraphDocument& document,
+    fernwick::DocumentFiles& files, const fernwick::GraphDocument* ground, const OntoOptions& onto,
+    const BakeOptions& options, const std::string& name, bool isFirst);

@@ -127,7 +127,7 @@ void RequireTarget(const BakeOptions& options)
         RequireTarget(PictureOf(options, channel));
 }
 
-void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
+void BakeToFile(fernwick::Library& library, const fernwick::GraphDocument& document,
     const fernwick::GraphDocument* ground, const BakeOptions& options, const std::string& name, bool isFirst,
     const BakeRunner& run)
 {
@@ -146,7 +146,7 @@ void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwi
         files.emplace_back(options, job, channel);
     // Of all together, before anything lies under them: one of several may well be black.
     PictureDoubts doubts;
-    RunShown(job, reports, name, [&] {
+    RunShown(job, name, [&] {
         const fernwick::BakeSink sink = [&](const fernwick::BakeBand& band) {
             for (size_t i = 0; i < band.fPictures.size() && doubts.IsEmpty(); ++i)
                 doubts.Add(band.fPictures[i]);

@@ -3,7 +3,6 @@
 #include "host/library/Library.h"
 #include "host/shading/Bake.h"
 #include "tools/BakeOptions.h"
-#include "tools/ReportSummary.h"
 
 /// The job that the options describe. It is cancelled by Ctrl-C.
 fernwick::BakeJob JobOf(const BakeOptions& options);
@@ -29,6 +28,6 @@ using BakeRunner = std::function<bool(const fernwick::BakeJob&, const fernwick::
 /// @param name     what users call the document
 /// @param isFirst  of its frames: it is told when the pictures are empty
 /// @param run      null for `fernwick::Bake`
-void BakeToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
+void BakeToFile(fernwick::Library& library, const fernwick::GraphDocument& document,
     const fernwick::GraphDocument* ground, const BakeOptions& options, const std::string& name,
     bool isFirst = true, const BakeRunner& run = {});

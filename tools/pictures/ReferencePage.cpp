@@ -61,8 +61,8 @@ std::string ReferenceIndex()
                        "parameters with their defaults, what it asks of the host, and an example.\n\n"
                        "| Class | Outputs | Purpose |\n| --- | --- | --- |\n";
     for (const fernwick::ParameterTable& table : fernwick::AllClasses())
-        page += fmt::format(
-            "| [{0}]({0}.md) | {1} | {2} |\n", table.fName, fernwick::KindsText(table.fOutputKinds), table.fPurpose);
+        page += fmt::format("| [{0}]({0}.md) | {1} | {2} |\n", table.fName,
+            fernwick::KindsText(table.fOutputKinds), table.fPurpose);
     return page
         + "\nGraphs plug [sources](sources.md) of the host into them: plain colours, pictures, checks and "
           "ramps.\n";

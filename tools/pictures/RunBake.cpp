@@ -2,6 +2,7 @@
 #include "tools/LibraryOption.h"
 #include "tools/Outcome.h"
 #include "tools/PictureCommands.h"
+#include "tools/ReportSummary.h"
 #include "tools/Tell.h"
 #include "tools/pictures/BakeOnto.h"
 #include "tools/pictures/GroundDocument.h"
@@ -27,7 +28,7 @@ void RunBake(const BakeCommandOptions& options)
     const auto ground = options.bake.over.empty() ? nullptr : MakeGround(options.bake.over);
     TellAlike(shots, graph->HasKeys() || (ground && ground->HasKeys()));
     fernwick::Library library(FindLibrary(options.library));
-    ReportSummary reports(library.HostUtilities().Debug());
+    const ReportSummary reports(library.HostUtilities().Debug());
     fernwick::DocumentFiles models;
     ForEachShot(shots, [&](const Shot& shot) {
         models.BeginFrame();
@@ -39,9 +40,9 @@ void RunBake(const BakeCommandOptions& options)
             under = ground->At(shot.frame);
         const fernwick::GraphDocument* const laidUnder = under ? &*under : nullptr;
         if (options.onto.onto.empty())
-            BakeToFile(library, reports, document, laidUnder, optionsOf(shot), shot.label, shot.isFirst);
+            BakeToFile(library, document, laidUnder, optionsOf(shot), shot.label, shot.isFirst);
         else
-            BakeOntoModel(library, reports, document, models, laidUnder, options.onto, optionsOf(shot),
-                shot.label, shot.isFirst);
+            BakeOntoModel(library, document, models, laidUnder, options.onto, optionsOf(shot), shot.label,
+                shot.isFirst);
     });
 }

@@ -3,6 +3,7 @@
 #include "tools/LibraryOption.h"
 #include "tools/Outcome.h"
 #include "tools/PictureCommands.h"
+#include "tools/ReportSummary.h"
 #include "tools/Tell.h"
 #include "tools/pictures/PictureDoubts.h"
 #include "tools/pictures/PictureJob.h"
@@ -53,7 +54,7 @@ void RunRender(const RenderOptions& options)
     const auto graph = OpenGraph(options.graph);
     TellAlike(shots, graph->HasKeys());
     fernwick::Library library(FindLibrary(options.library));
-    ReportSummary reports(library.HostUtilities().Debug());
+    const ReportSummary reports(library.HostUtilities().Debug());
     const auto save
         = [&picture](const fernwick::Picture& made, const PictureDoubts& doubts, const std::string& file) {
               doubts.TellOddNumbers(file, picture.layout);
@@ -65,7 +66,7 @@ void RunRender(const RenderOptions& options)
         if (shot.isFirst)
             TellBeforeWork(document);
         fernwick::Picture made
-            = RunShown(job, reports, shot.label, [&] { return fernwick::Render(library, document, job); });
+            = RunShown(job, shot.label, [&] { return fernwick::Render(library, document, job); });
         const PictureDoubts doubts(made);
         if (shot.isFirst)
             doubts.TellEmptySlots(document);

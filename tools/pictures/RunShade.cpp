@@ -2,6 +2,7 @@
 #include "tools/LibraryOption.h"
 #include "tools/Outcome.h"
 #include "tools/PictureCommands.h"
+#include "tools/ReportSummary.h"
 #include "tools/Tell.h"
 #include "tools/pictures/BakeToFile.h"
 #include "tools/pictures/GroundDocument.h"
@@ -15,11 +16,10 @@ namespace {
 
 constexpr int kSamples = 9; // a pixel
 
-void PrintStatisticsOf(fernwick::Library& library, ReportSummary& reports,
-    const fernwick::GraphDocument& document, const fernwick::BakeJob& job)
+void PrintStatisticsOf(
+    fernwick::Library& library, const fernwick::GraphDocument& document, const fernwick::BakeJob& job)
 {
     PrintStatistics(library, document, job.width, job.height, [&] {
-        reports.Forget();
         if (*job.cancel)
             throw Interrupted();
     });
@@ -45,13 +45,13 @@ void RequireShadeSense(const ShadeOptions& options)
             ".exr of a shape holds the channels of --layers");
 }
 
-void RenderToFile(fernwick::Library& library, ReportSummary& reports, const fernwick::GraphDocument& document,
-    const ShadeOptions& options)
+void RenderToFile(
+    fernwick::Library& library, const fernwick::GraphDocument& document, const ShadeOptions& options)
 {
     const PictureOptions& picture = options.bake.picture;
     fernwick::RenderJob job = RenderJobOf(picture, kSamples);
-    const fernwick::Picture rendered = RunShown(
-        job, reports, options.settings.name, [&] { return fernwick::Render(library, document, job); });
+    const fernwick::Picture rendered
+        = RunShown(job, options.settings.name, [&] { return fernwick::Render(library, document, job); });
     const PictureDoubts doubts(rendered);
     doubts.TellEmptySlots(document);
     doubts.TellOddNumbers(picture.file, picture.layout);
@@ -72,21 +72,20 @@ void RunShade(const ShadeOptions& options)
         Tell(notice);
     TellDoubts(document.Doubts());
     fernwick::Library library(FindLibrary(options.library));
-    ReportSummary reports(library.HostUtilities().Debug());
+    const ReportSummary reports(library.HostUtilities().Debug());
     if (!options.sample.empty()) {
         const TVector2 uv = *ReadSample(options.sample);
         PrintSample(library, document, uv[0], uv[1]);
     }
     if (options.withStatistics)
-        PrintStatisticsOf(library, reports, document, job);
+        PrintStatisticsOf(library, document, job);
     if (options.bake.picture.file.empty())
         return;
     std::optional<fernwick::GraphDocument> ground;
     if (!options.bake.over.empty())
         ground = MakeGround(options.bake.over)->At(fernwick::kFirstFrame);
     if (options.settings.shape != kUVSquareShape)
-        RenderToFile(library, reports, document, options);
+        RenderToFile(library, document, options);
     else
-        BakeToFile(
-            library, reports, document, ground ? &*ground : nullptr, options.bake, options.settings.name);
+        BakeToFile(library, document, ground ? &*ground : nullptr, options.bake, options.settings.name);
 }

@@ -4,7 +4,6 @@
 #include "host/shading/Bake.h"
 #include "host/shading/Render.h"
 #include "tools/Outcome.h"
-#include "tools/ReportSummary.h"
 #include "tools/pictures/ProgressBar.h"
 
 /// Does some work; what it throws of a graph gets `name` before it.
@@ -25,14 +24,10 @@ template <class Work> auto WithName(const std::string& name, const Work& work)
 /// Runs a job with a progress bar. Throws `Interrupted`, and what the job throws with `name` before it.
 /// @param job   told to show how far it is; one that `make` runs
 /// @param make  gives what the job makes, or true; nothing, or false, when it was cancelled
-template <class Job, class Make>
-auto RunShown(Job& job, ReportSummary& reports, const std::string& name, const Make& make)
+template <class Job, class Make> auto RunShown(Job& job, const std::string& name, const Make& make)
 {
     ProgressBar bar(fernwick::Printable(name));
-    job.onProgress = [&](double share) {
-        reports.Forget();
-        bar.Show(share);
-    };
+    job.onProgress = [&](double share) { bar.Show(share); };
     auto made = WithName(name, make);
     if (!made || *job.cancel)
         throw Interrupted();
