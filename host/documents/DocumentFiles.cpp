@@ -1,5 +1,6 @@
 #include "host/documents/DocumentFiles.h"
 #include "host/documents/ModelShape.h"
+#include "host/geometry/Mesh.h"
 #include <fmt/format.h>
 
 namespace fernwick {
@@ -41,9 +42,46 @@ void DocumentFiles::BeginFrame()
     fSources.BeginFrame();
 }
 
+void DocumentFiles::Give(const std::filesystem::path& file, std::shared_ptr<const GivenPicture> picture)
+{
+    fPictures[file.lexically_normal()] = std::move(picture);
+}
+
+void DocumentFiles::Give(const std::filesystem::path& file, std::shared_ptr<const Geometry> mesh)
+{
+    fMeshes[file.lexically_normal()] = std::move(mesh);
+}
+
+SceneFile DocumentFiles::Open(const std::filesystem::path& file, const SceneFileOptions& options) const
+{
+    const auto found = fMeshes.find(file.lexically_normal());
+    if (found == fMeshes.end())
+        return ReadSceneFile(file, options);
+    if (options.fZUp || options.fScale != 1)
+        throw SceneFileError(
+            "a mesh that is given has its own axes and lengths; leave \"up\" and \"scale\" out");
+    SceneFile scene;
+    scene.fElements.push_back({.fName = "Mesh",
+        .fPlace = options.fPlace,
+        .fGeometry = found->second,
+        .fUVSets = found->second->Mesh()->UVSetCount()});
+    return scene;
+}
+
+const GivenPicture* DocumentFiles::PictureFor(std::span<const FieldSetting> settings) const
+{
+    const GivenPicture* picture = nullptr;
+    for (const FieldSetting& setting : settings)
+        if (const auto* const file = std::get_if<std::filesystem::path>(&setting.fValue)) {
+            const auto found = fPictures.find(file->lexically_normal());
+            picture = found != fPictures.end() ? found->second.get() : nullptr;
+        }
+    return picture;
+}
+
 SceneFile DocumentFiles::ReadScene(const std::filesystem::path& file, const SceneFileOptions& options)
 {
-    return fScenes.Get(KeyOf(file, options), [&] { return ReadSceneFile(file, options); });
+    return fScenes.Get(KeyOf(file, options), [&] { return Open(file, options); });
 }
 
 ModelShape DocumentFiles::ReadShape(
@@ -51,7 +89,7 @@ ModelShape DocumentFiles::ReadShape(
 {
     const std::string key = KeyOf(file, options) + (radius ? fmt::format("\n{}", *radius) : "");
     return fShapes.Get(key, [&] {
-        const SceneFile model = ReadSceneFile(file, options);
+        const SceneFile model = Open(file, options);
         ModelShape shape = {MergeMeshes(model.fElements, radius), model.fNotices};
         if (shape.fGeometry == nullptr)
             throw SceneFileError(file.string() + " can't be taken for a shape: it has no mesh");
@@ -65,7 +103,11 @@ MCCountedPtr<IShellShader> DocumentFiles::MakeSource(
     std::string key = kind.fTable.fName;
     for (const FieldSetting& setting : settings)
         key += '\n' + setting.fField->fName + ' ' + ValueText(*setting.fField, setting.fValue);
-    return fSources.Get(key, [&] { return fernwick::MakeSource(kind, settings); });
+    return fSources.Get(key, [&] {
+        const GivenPicture* const picture = PictureFor(settings);
+        return picture != nullptr ? MakePictureSource(*picture, settings)
+                                  : fernwick::MakeSource(kind, settings);
+    });
 }
 
 } // namespace fernwick

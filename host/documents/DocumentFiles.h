@@ -1,5 +1,6 @@
 #pragma once
 #include "host/documents/SceneFile.h"
+#include "host/sources/GivenPicture.h"
 #include "host/sources/Sources.h"
 #include <map>
 
@@ -14,6 +15,11 @@ struct ModelShape {
 /// What the files that a document names hold, read once and kept for as long as each frame asks for it.
 class DocumentFiles {
 public:
+    /// Gives pixels, or a mesh, in the place of the file that documents name `file`. A mesh is an element of a scene
+    /// that has no other. To be called before anything is read.
+    void Give(const std::filesystem::path& file, std::shared_ptr<const GivenPicture> picture);
+    void Give(const std::filesystem::path& file, std::shared_ptr<const Geometry> mesh);
+
     /// Begins a frame: what the last one didn't ask for is forgotten.
     void BeginFrame();
 
@@ -35,9 +41,14 @@ private:
         template <class Make> const Thing& Get(const std::string& key, const Make& make);
     };
 
+    std::map<std::filesystem::path, std::shared_ptr<const GivenPicture>> fPictures;
+    std::map<std::filesystem::path, std::shared_ptr<const Geometry>> fMeshes;
     Kept<SceneFile> fScenes;
     Kept<ModelShape> fShapes;
     Kept<MCCountedPtr<IShellShader>> fSources;
+
+    SceneFile Open(const std::filesystem::path& file, const SceneFileOptions& options) const;
+    const GivenPicture* PictureFor(std::span<const FieldSetting> settings) const;
 };
 
 } // namespace fernwick

@@ -24,6 +24,8 @@ public:
     GraphSequence(Json document, const std::filesystem::path& file);
 
     bool HasKeys() const { return !fKeys.IsEmpty(); }
+    /// What its documents read, to give it what a program has instead of files.
+    DocumentFiles& Files() { return fFiles; }
     /// The document at a frame. Throws `GraphError`.
     GraphDocument At(double frame);
 

@@ -176,8 +176,8 @@ OntoModel PutOnto(const GraphDocument& document, DocumentFiles& files, const std
             "the graph has no \"scene\" with an element to bake onto; name a model before the #");
     SceneDescription scene = document.Scene().value_or(SceneDescription());
     std::error_code ignored;
-    const bool isItsFile
-        = !model.empty() && !scene.fFile.empty() && std::filesystem::equivalent(model, scene.fFile, ignored);
+    const bool isItsFile = !model.empty() && !scene.fFile.empty()
+        && (model == scene.fFile || std::filesystem::equivalent(model, scene.fFile, ignored));
     std::vector<std::shared_ptr<const Geometry>> shapes;
     if (!model.empty() && !isItsFile) {
         SceneFile file = files.ReadScene(model);

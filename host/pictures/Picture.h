@@ -1,6 +1,7 @@
 #pragma once
 #include "frame/Colors.h"
 #include "host/pictures/PictureFormat.h"
+#include <span>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,12 @@ public:
 
     TMCColorRGBA& At(int x, int y) { return fPixels[Index(x, y)]; }
     const TMCColorRGBA& At(int x, int y) const { return fPixels[Index(x, y)]; }
+
+    /// All pixels, row by row from the top.
+    std::span<const TMCColorRGBA> Pixels() const { return fPixels; }
+    /// Of what was added, by name as in the shape, the numbers.
+    const std::vector<std::string>& ChannelNames() const { return fShape.channels; }
+    const std::vector<std::vector<float>>& Channels() const { return fChannels; }
 
     /// Adds a channel of floats, row by row from the top, under a name such as "second.R". Only EXR files hold it.
     void AddChannel(std::string name, std::vector<float> values);

@@ -221,7 +221,27 @@ TMCColorRGBA Mixed(TMCColorRGBA left, TMCColorRGBA right, float share)
     return left += right;
 }
 
+/// Where the channels of a given picture lie.
+Channels ChannelsOf(const GivenPicture& picture)
+{
+    const bool isGrey = picture.fChannels < 3;
+    const bool hasAlpha = picture.fChannels % 2 == 0;
+    return {isGrey ? std::array{0, 0, 0} : std::array{0, 1, 2}, hasAlpha ? picture.fChannels - 1 : -1,
+        picture.fChannels};
+}
+
 } // namespace
+
+PictureSource::PictureSource(const Settings& settings, const GivenPicture& picture)
+    : fWidth(picture.fWidth), fHeight(picture.fHeight)
+{
+    const bool isEncoded
+        = settings.fEncoding == kEncodedAsUsual ? !picture.fIsOfFloats : settings.fEncoding == kEncodedSRGB;
+    const Decoding decoding = {ChannelsOf(picture), isEncoded, settings.fAlpha == kAlphaPremultiplied};
+    fPixels.reserve(picture.fNumbers.size() / static_cast<size_t>(picture.fChannels));
+    for (size_t i = 0; i < picture.fNumbers.size(); i += static_cast<size_t>(picture.fChannels))
+        fPixels.push_back(decoding.ColorOf(&picture.fNumbers[i]));
+}
 
 PictureSource::PictureSource(const Settings& settings)
 {

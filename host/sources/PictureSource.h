@@ -1,4 +1,5 @@
 #pragma once
+#include "host/sources/GivenPicture.h"
 #include "host/sources/SourceBase.h"
 #include <filesystem>
 
@@ -34,8 +35,15 @@ public:
     /// Reads the file, in any of the usual formats that OpenImageIO knows, up to 16384 by 16384 pixels. One that is cut off or
     /// damaged is refused. Throws `SourceError`.
     explicit PictureSource(const Settings& settings);
+    /// Takes a picture in the place of the file.
+    PictureSource(const Settings& settings, const GivenPicture& picture);
 
     TMCColorRGBA ColorAt(const TVector2& uv) const override;
+
+    int Width() const { return fWidth; }
+    int Height() const { return fHeight; }
+    /// Row by row from the top.
+    const std::vector<TMCColorRGBA>& Pixels() const { return fPixels; }
 
 private:
     int fWidth = 0;

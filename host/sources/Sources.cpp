@@ -8,12 +8,17 @@ namespace fernwick {
 
 namespace {
 
-template <class Source> MCCountedPtr<IShellShader> Make(std::span<const FieldSetting> settings)
+template <class Source> typename Source::Settings RecordOf(std::span<const FieldSetting> settings)
 {
     typename Source::Settings record;
     for (const FieldSetting& setting : settings)
         WriteField(setting, &record);
-    return MCCountedPtr<IShellShader>(MakeCounted<Source>(record).Get());
+    return record;
+}
+
+template <class Source> MCCountedPtr<IShellShader> Make(std::span<const FieldSetting> settings)
+{
+    return MCCountedPtr<IShellShader>(MakeCounted<Source>(RecordOf<Source>(settings)).Get());
 }
 
 struct Maker {
@@ -38,6 +43,13 @@ MCCountedPtr<IShellShader> MakeSource(const SourceKind& kind, std::span<const Fi
     return std::find_if(std::begin(kMakers), std::end(kMakers), [&kind](const Maker& maker) {
         return maker.name == kind.fTable.fName;
     })->make(settings);
+}
+
+MCCountedPtr<IShellShader> MakePictureSource(
+    const GivenPicture& picture, std::span<const FieldSetting> settings)
+{
+    return MCCountedPtr<IShellShader>(
+        MakeCounted<PictureSource>(RecordOf<PictureSource>(settings), picture).Get());
 }
 
 } // namespace fernwick

@@ -6,6 +6,8 @@
 
 namespace fernwick {
 
+struct GivenPicture;
+
 /// A source that can't be made of its settings. The text starts with the name of the setting.
 class SourceError : public std::runtime_error {
 public:
@@ -30,5 +32,9 @@ const SourceKind* FindSource(std::string_view name);
 
 /// Makes a source of a kind out of `AllSources`. Throws `SourceError`.
 MCCountedPtr<IShellShader> MakeSource(const SourceKind& kind, std::span<const FieldSetting> settings);
+
+/// Makes a picture source that takes a picture in the place of the file that the settings name.
+MCCountedPtr<IShellShader> MakePictureSource(
+    const GivenPicture& picture, std::span<const FieldSetting> settings);
 
 } // namespace fernwick
