@@ -1,7 +1,6 @@
 #include "host/shading/Tiles.h"
 #include "host/threads/Parallel.h"
 #include <algorithm>
-#include <mutex>
 
 namespace fernwick {
 
@@ -76,6 +75,8 @@ OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const 
     const std::lock_guard lock(gGraphMutex);
     return OwnGraph(new Graph(library, document, scene, needed));
 }
+
+std::unique_lock<std::mutex> LockGraphs() { return std::unique_lock(gGraphMutex); }
 
 bool ForEachTile(const TileJob& job, const ShadeTileFunction& shade)
 {

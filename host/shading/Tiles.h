@@ -3,6 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 namespace fernwick {
@@ -21,6 +22,9 @@ using OwnGraph = std::unique_ptr<Graph, GraphRelease>;
 OwnGraph MakeGraph(const Library& library, const GraphDocument& document);
 OwnGraph MakeGraph(const Library& library, const GraphDocument& document, const MCCountedPtr<Scene>& scene,
     const std::vector<bool>& needed = {});
+
+/// Held while objects of the library are made or released by other means than `MakeGraph`.
+std::unique_lock<std::mutex> LockGraphs();
 
 /// A part of a picture in pixels, such as a tile; the ends aren't in it.
 struct Tile {

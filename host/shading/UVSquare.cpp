@@ -3,10 +3,14 @@
 
 namespace fernwick {
 
-UVSquare::UVSquare(const Graph& graph) : fInstance(graph.Instance())
+UVSquare::UVSquare(const Graph& graph)
+    : UVSquare(graph.SceneOrNull() != nullptr ? &graph.SceneOrNull()->ShadedObject() : nullptr)
+{ }
+
+UVSquare::UVSquare(SceneElement* element) : fInstance(element)
 {
-    if (graph.SceneOrNull() != nullptr)
-        fToWorld = graph.SceneOrNull()->ShadedObject().Transform();
+    if (element != nullptr)
+        fToWorld = element->Transform();
     fNormal = Turned({0, 0, 1});
     fDerivU = Turned({1, 0, 0});
     fDerivV = Turned({0, 1, 0});

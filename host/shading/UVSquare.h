@@ -4,12 +4,16 @@
 namespace fernwick {
 
 class Graph;
+class SceneElement;
 
-/// The UV square from (0, 0, 0) to (1, 1, 0) on the shaded object, where the graph's scene has put it.
+/// The UV square from (0, 0, 0) to (1, 1, 0) on an element, where its scene has put it.
 class UVSquare {
 public:
+    /// The square on the shaded object.
     /// @param graph  outlives the square and its samples
     explicit UVSquare(const Graph& graph);
+    /// @param element  outlives the square and its samples; null for none, and the square lies in the world as it is
+    explicit UVSquare(SceneElement* element);
 
     /// The sample at U and V: the point (U, V, 0) with the normal (0, 0, 1) and the X and Y axes as derivatives.
     ShadingIn SampleAt(float u, float v) const

@@ -109,6 +109,9 @@ class Sequence:
 def read_json(path: str) -> str:
     """The text of a graph's file, read and parsed as the command does. Raises GraphError, which names the file."""
 
+widest_margin: int
+longest_side_onto: int  # of a picture of a model, in pixels
+
 def bake(
     document: Document,
     width: int,
@@ -183,9 +186,11 @@ def validation_checks() -> list[tuple[str, str]]:
     """The names of all checks, and what each protects."""
 
 def validate(
-    path: str, checks: Several[str], class_name: str, seed: int, records: int, time_limit: float, progress: Progress
-) -> list[tuple[str, list[dict[str, str]]]]:
-    """Findings of each check. Raises LibraryError when the library can't be loaded."""
+    path: str, check: str, class_name: str, seed: int, records: int, time_limit: float
+) -> list[dict[str, str]]:
+    """Findings of one check, each in a copy of this process, which must have one thread: to be called in a process that
+    has done nothing else, such as `python -m fernwick._validator`. With an empty name only looks whether the library
+    can be loaded. Raises LibraryError when it can't be, KeyError without such a check or class."""
 
 def take_reports() -> list[str]:
     """What shaders have reported since the last call, each text once."""

@@ -1,0 +1,86 @@
+#include "python/native/Graphs.h"
+#include "host/shading/Answers.h"
+#include "host/shading/BakeReading.h"
+#include "python/native/Pictures.h"
+#include "python/native/Rooms.h"
+#include "python/native/Serve.h"
+#include <pybind11/stl.h>
+
+namespace py = pybind11;
+
+namespace {
+
+using State = std::shared_ptr<SequenceState>;
+
+State MakeSequence(const std::string& json, const std::string& name, const std::string& folder,
+    const std::map<std::string, const PyPicture*>& pictures,
+    const std::map<std::string, const PyMesh*>& meshes)
+{
+    const State state = std::make_shared<SequenceState>(fernwick::ParseJson(json), name, folder);
+    for (const auto& [file, picture] : pictures)
+        state->fSequence.Files().Give(state->fFolder / file, picture->fPicture);
+    for (const auto& [file, mesh] : meshes) {
+        const std::filesystem::path path = state->fFolder / file;
+        state->fSequence.Files().Give(path, mesh->fGeometry);
+        state->fMeshes[mesh->fGeometry.get()] = path;
+    }
+    return state;
+}
+
+PyDocument At(const State& state, double frame)
+{
+    std::optional<fernwick::GraphDocument> document;
+    Serve(py::none(), [&](Control&) {
+        const std::lock_guard lock(state->fMutex);
+        document = state->fSequence.At(frame);
+    });
+    return {std::move(*document), state};
+}
+
+std::vector<std::string> OutputsOf(const PyDocument& document)
+{
+    std::vector<std::string> outputs;
+    for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
+        try {
+            const fernwick::ReadChannel channel[] = {{named.channel, 0}};
+            fernwick::BakeReading::Part(channel, document.fGraph.OutputKinds());
+            outputs.emplace_back(named.name);
+        } catch (const fernwick::BakeError&) { }
+    return outputs;
+}
+
+std::vector<std::string> OperationsOf(const PyDocument& document)
+{
+    std::vector<std::string> operations;
+    for (const fernwick::ShadingOperation& operation : fernwick::ShadingOperations())
+        if ((document.fGraph.OutputKinds() & static_cast<uint32_t>(operation.fKind)) != 0)
+            operations.emplace_back(operation.fName);
+    return operations;
+}
+
+} // namespace
+
+void AddGraphs(py::module_& module)
+{
+    py::class_<PyDocument>(module, "Document")
+        .def_property_readonly("outputs", &OutputsOf)
+        .def_property_readonly("operations", &OperationsOf)
+        .def_property_readonly("doubts", [](const PyDocument& document) { return document.fGraph.Doubts(); })
+        .def_property_readonly("notices",
+            [](const PyDocument& document) {
+                const auto& scene = document.fGraph.Scene();
+                return scene ? scene->fNotices : std::vector<std::string>();
+            })
+        .def_property_readonly("cameras", [](const PyDocument& document) {
+            const auto& scene = document.fGraph.Scene();
+            return scene ? CameraNames(*scene) : std::vector<std::string>();
+        });
+    py::class_<SequenceState, State>(module, "Sequence")
+        .def(py::init(&MakeSequence), py::arg("json"), py::arg("name"), py::arg("folder"),
+            py::arg("pictures"), py::arg("meshes"))
+        .def_property_readonly("has_keys", [](const State& state) { return state->fSequence.HasKeys(); })
+        .def("at", &At, py::arg("frame"));
+    module.def(
+        "read_json", [](const std::string& path) { return fernwick::ReadGraphFile(path).dump(); },
+        py::arg("path"));
+}

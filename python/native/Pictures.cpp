@@ -1,0 +1,127 @@
+#include "python/native/Pictures.h"
+#include "host/pictures/PictureWriter.h"
+#include "host/sources/PictureSource.h"
+#include "python/native/Arrays.h"
+#include "python/native/Rooms.h"
+#include "python/native/Serve.h"
+#include <limits>
+#include <map>
+
+namespace py = pybind11;
+
+namespace {
+
+template <class Number>
+std::shared_ptr<const fernwick::GivenPicture> Given(
+    const py::array& pixels, int width, int height, int channels)
+{
+    const auto* const numbers = static_cast<const Number*>(pixels.data());
+    return std::make_shared<const fernwick::GivenPicture>(
+        width, height, channels, std::span(numbers, static_cast<size_t>(pixels.size())));
+}
+
+std::shared_ptr<const fernwick::GivenPicture> Given(const py::array& pixels)
+{
+    constexpr py::ssize_t kLongestSide = 65536;
+    const py::ssize_t channels = pixels.ndim() == 3 ? pixels.shape(2) : 1;
+    if (pixels.ndim() < 2 || pixels.ndim() > 3 || channels < 1 || channels > 4)
+        throw py::value_error("pixels: expected the shape (height, width) or (height, width, 1 to 4)");
+    for (const py::ssize_t side : {pixels.shape(0), pixels.shape(1)})
+        if (side < 1 || side > kLongestSide)
+            throw py::value_error("pixels: expected 1 to 65536 pixels a side");
+    const auto width = static_cast<int>(pixels.shape(1));
+    const auto height = static_cast<int>(pixels.shape(0));
+    if (py::isinstance<py::array_t<uint8_t>>(pixels))
+        return Given<uint8_t>(pixels, width, height, static_cast<int>(channels));
+    if (py::isinstance<py::array_t<uint16_t>>(pixels))
+        return Given<uint16_t>(pixels, width, height, static_cast<int>(channels));
+    if (py::isinstance<py::array_t<float>>(pixels))
+        return Given<float>(pixels, width, height, static_cast<int>(channels));
+    throw py::type_error("pixels: expected numbers of the type uint8, uint16 or float32");
+}
+
+/// An array of its own, in rows.
+py::array Copied(const py::array& pixels)
+{
+    auto copy = py::reinterpret_steal<py::array>(
+        py::module_::import("numpy").attr("array")(pixels, py::arg("order") = "C").release());
+    py::detail::array_proxy(copy.ptr())->flags &= ~py::detail::npy_api::NPY_ARRAY_WRITEABLE_;
+    return copy;
+}
+
+template <class Number>
+Number Chosen(const std::map<std::string, Number>& choices, const std::string& name, const char* argument)
+{
+    if (const auto found = choices.find(name); found != choices.end())
+        return found->second;
+    std::string text = std::string(argument) + ": expected one of";
+    for (const auto& [choice, number] : choices)
+        text += (number == choices.begin()->second ? " \"" : ", \"") + choice + '"';
+    throw py::value_error(text + ", got \"" + name + '"');
+}
+
+py::array Read(const std::string& path, const std::string& encoding, const std::string& alpha)
+{
+    using namespace fernwick;
+    PictureSettings settings{path};
+    settings.fEncoding = Chosen<int32_t>(
+        {{"", kEncodedAsUsual}, {"srgb", kEncodedSRGB}, {"linear", kEncodedLinear}}, encoding, "encoding");
+    settings.fAlpha = Chosen<int32_t>(
+        {{"", kAlphaAsUsual}, {"straight", kAlphaStraight}, {"premultiplied", kAlphaPremultiplied}}, alpha,
+        "alpha");
+    auto pixels = std::make_unique<std::vector<TMCColorRGBA>>();
+    py::ssize_t width = 0;
+    py::ssize_t height = 0;
+    try {
+        Serve(py::none(), [&](Control&) {
+            PictureSource picture(settings);
+            width = picture.Width();
+            height = picture.Height();
+            *pixels = std::move(picture).Pixels();
+        });
+    } catch (const SourceError& error) {
+        std::string_view text = error.what();
+        constexpr std::string_view kSetting = "file: ";
+        text.remove_prefix(text.starts_with(kSetting) ? kSetting.size() : 0);
+        throw FileError(std::string(text));
+    }
+    const float* const numbers = &pixels->data()->fRed;
+    return Own({height, width, 4}, std::move(pixels), numbers);
+}
+
+void Write(const std::string& path, const Floats& pixels, const std::string& content, int bits, bool straight,
+    bool tiled, const std::string& compression, int threads)
+{
+    using namespace fernwick;
+    if (pixels.ndim() != 3 || pixels.shape(2) != 4 || pixels.size() == 0)
+        throw py::value_error("pixels: expected the shape (height, width, 4)");
+    const PictureContent kind
+        = Chosen<PictureContent>({{"color", PictureContent::kColor}, {"normal", PictureContent::kNormal},
+                                     {"value", PictureContent::kValue}},
+            content, "content");
+    const PictureLayout layout{bits, straight, tiled, compression};
+    const PictureShape shape
+        = PictureShape::Whole(static_cast<int>(pixels.shape(1)), static_cast<int>(pixels.shape(0)), kind);
+    const std::span all(
+        reinterpret_cast<const TMCColorRGBA*>(pixels.data()), static_cast<size_t>(pixels.size()) / 4);
+    Serve(py::none(), [&](Control&) {
+        RequireFit(path, layout);
+        PictureWriter writer(path, shape, layout, threads);
+        writer.Write(all);
+        writer.Finish();
+    });
+}
+
+} // namespace
+
+PyPicture::PyPicture(const py::array& pixels) : fArray(Copied(pixels)), fPicture(Given(fArray)) { }
+
+void AddPictures(py::module_& module)
+{
+    py::class_<PyPicture>(module, "Picture")
+        .def(py::init<const py::array&>(), py::arg("pixels"))
+        .def("array", [](const PyPicture& picture) { return picture.fArray; });
+    module.def("read_picture", &Read, py::arg("path"), py::arg("encoding"), py::arg("alpha"));
+    module.def("write_picture", &Write, py::arg("path"), py::arg("pixels"), py::arg("content"),
+        py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"));
+}

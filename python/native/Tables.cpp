@@ -1,0 +1,117 @@
+#include "host/documents/GraphSequence.h"
+#include "host/json/FieldReader.h"
+#include "host/shading/Answers.h"
+#include "host/shading/BakeChannels.h"
+#include "host/shading/Description.h"
+#include "host/shading/SurfaceLayers.h"
+#include "host/shading/Tiles.h"
+#include "host/sources/Sources.h"
+#include "python/native/LoadedLibrary.h"
+#include "python/native/Rooms.h"
+#include <algorithm>
+#include <pybind11/stl.h>
+
+namespace py = pybind11;
+
+namespace {
+
+using fernwick::Json;
+
+const fernwick::ParameterTable& TableOf(const std::string& name)
+{
+    if (const fernwick::SourceKind* const source = fernwick::FindSource(name))
+        return source->fTable;
+    if (const fernwick::ParameterTable* const table = fernwick::FindClass(name))
+        return *table;
+    throw py::key_error(name);
+}
+
+std::string Describe(const std::string& name)
+{
+    const fernwick::ParameterTable& table = TableOf(name);
+    if (fernwick::FindSource(name) != nullptr)
+        return DescriptionOf(table, nullptr).dump();
+    const fernwick::Library& library = LoadedLibrary();
+    const auto lock = fernwick::LockGraphs();
+    return DescriptionOf(table, MakeSpecimen(library, table).Get()).dump();
+}
+
+Json JsonOf(const std::vector<fernwick::Row>& rows)
+{
+    Json json = Json::array();
+    for (const fernwick::Row& row : rows) {
+        Json entry = {{"name", row.fField.fName}, {"counts", row.fCounts}, {"field", EntryOf(row.fField)}};
+        if (!row.fRows.empty())
+            entry["rows"] = JsonOf(row.fRows);
+        json.push_back(std::move(entry));
+    }
+    return json;
+}
+
+/// A field over frames: reads a document of that field alone.
+void CheckKeys(const fernwick::ParameterTable& table, const std::string& address, const Json& value)
+{
+    const std::string shader = "shader";
+    const bool isSource = fernwick::FindSource(table.fName) != nullptr;
+    const Json document
+        = {{"shaders", {{shader, {{isSource ? "source" : "class", table.fName}, {address, value}}}}},
+            {"output", shader}};
+    try {
+        fernwick::GraphSequence(document, "", "").At(fernwick::kFirstFrame);
+    } catch (const fernwick::GraphError& error) {
+        const std::string_view text = error.what();
+        const std::string place = shader + '.';
+        throw fernwick::GraphError(std::string(text.starts_with(place) ? text.substr(place.size()) : text));
+    }
+}
+
+void CheckField(const std::string& name, const std::string& address, const std::string& json,
+    const std::vector<std::string>& shaders)
+{
+    const fernwick::ParameterTable& table = TableOf(name);
+    const Json value = fernwick::ParseJson(json);
+    if (value.is_object() && value.contains("keys"))
+        return CheckKeys(table, address, value);
+    fernwick::ShaderNames names;
+    for (const std::string& shader : shaders)
+        names.emplace(shader, names.size());
+    const std::filesystem::path folder;
+    std::vector<fernwick::FieldSetting> settings;
+    fernwick::FieldReader(table, names, folder).Read(address, fernwick::JsonNode(value, address), settings);
+}
+
+std::map<std::string, std::vector<std::string>> Operations()
+{
+    std::map<std::string, std::vector<std::string>> operations;
+    for (const fernwick::ShadingOperation& operation : fernwick::ShadingOperations())
+        operations[std::string(operation.fName)].assign(operation.fNumbers.begin(), operation.fNumbers.end());
+    return operations;
+}
+
+template <class Rows, class NameOf> std::vector<std::string> Names(const Rows& rows, const NameOf& nameOf)
+{
+    std::vector<std::string> names;
+    for (const auto& row : rows)
+        names.emplace_back(nameOf(row));
+    return names;
+}
+
+} // namespace
+
+void AddTables(py::module_& module)
+{
+    module.def("class_names",
+        [] { return Names(fernwick::AllClasses(), [](const auto& table) { return table.fName; }); });
+    module.def("source_names",
+        [] { return Names(fernwick::AllSources(), [](const auto& kind) { return kind.fTable.fName; }); });
+    module.def("describe", &Describe, py::arg("name"));
+    module.def(
+        "layout", [](const std::string& name) { return JsonOf(TableOf(name).fRows).dump(); },
+        py::arg("name"));
+    module.def("check_field", &CheckField, py::arg("table"), py::arg("address"), py::arg("json"),
+        py::arg("shaders"));
+    module.def("channel_names",
+        [] { return Names(fernwick::BakeChannels(), [](const auto& channel) { return channel.name; }); });
+    module.def("layer_groups", &fernwick::SurfaceLayerGroups);
+    module.def("operations", &Operations);
+}
