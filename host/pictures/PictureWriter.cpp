@@ -109,6 +109,11 @@ std::unique_ptr<PictureEncoder> MakeEncoder(
 
 } // namespace
 
+void EncodeBytes(std::span<const TMCColorRGBA> pixels, PictureContent content, uint8_t* numbers)
+{
+    PutIntegers(pixels, content, numbers);
+}
+
 struct PictureWriter::State {
     std::filesystem::path path;
     PictureShape shape;

@@ -33,7 +33,8 @@ def library_path() -> str:
 def class_names() -> list[str]: ...
 def source_names() -> list[str]: ...
 def describe(name: str) -> str:
-    """The same JSON as `fernwick describe NAME --json`; defaults need the library. KeyError without such a name.
+    """The same JSON as `fernwick describe NAME --json`; before the library is loaded without defaults and needs.
+    KeyError without such a name.
 
     Each field has name, type, label, help, default, and where it has them unit, minimum, maximum, loose, choices,
     onlyWith, derived. Elements of arrays are fields of their own, such as fRange[3].
@@ -181,6 +182,9 @@ def write_picture(
     compression: str,
     threads: int,
 ) -> None: ...
+
+def encode(pixels: Floats, content: str) -> NDArray[np.uint8]:
+    """The integers that a PNG of 8 bits holds of pixels of the shape (height, width, 4)."""
 
 def validation_checks() -> list[tuple[str, str]]:
     """The names of all checks, and what each protects."""

@@ -36,6 +36,8 @@ fernwick::Library& LoadedLibrary()
     return gLoaded->library;
 }
 
+fernwick::Library* LibraryOrNull() { return gLoaded != nullptr ? &gLoaded->library : nullptr; }
+
 void AddLibrary(py::module_& module)
 {
     module.def("set_library", &SetLibrary, py::arg("path"));

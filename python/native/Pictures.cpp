@@ -89,27 +89,42 @@ py::array Read(const std::string& path, const std::string& encoding, const std::
     return Own({height, width, 4}, std::move(pixels), numbers);
 }
 
+fernwick::PictureContent ContentOf(const std::string& name)
+{
+    using enum fernwick::PictureContent;
+    return Chosen<fernwick::PictureContent>(
+        {{"color", kColor}, {"normal", kNormal}, {"value", kValue}}, name, "content");
+}
+
+/// The pixels of an array that has four numbers each.
+std::span<const TMCColorRGBA> PixelsOf(const Floats& pixels)
+{
+    if (pixels.ndim() != 3 || pixels.shape(2) != 4 || pixels.size() == 0)
+        throw py::value_error("pixels: expected the shape (height, width, 4)");
+    return {reinterpret_cast<const TMCColorRGBA*>(pixels.data()), static_cast<size_t>(pixels.size()) / 4};
+}
+
 void Write(const std::string& path, const Floats& pixels, const std::string& content, int bits, bool straight,
     bool tiled, const std::string& compression, int threads)
 {
-    using namespace fernwick;
-    if (pixels.ndim() != 3 || pixels.shape(2) != 4 || pixels.size() == 0)
-        throw py::value_error("pixels: expected the shape (height, width, 4)");
-    const PictureContent kind
-        = Chosen<PictureContent>({{"color", PictureContent::kColor}, {"normal", PictureContent::kNormal},
-                                     {"value", PictureContent::kValue}},
-            content, "content");
-    const PictureLayout layout{bits, straight, tiled, compression};
-    const PictureShape shape
-        = PictureShape::Whole(static_cast<int>(pixels.shape(1)), static_cast<int>(pixels.shape(0)), kind);
-    const std::span all(
-        reinterpret_cast<const TMCColorRGBA*>(pixels.data()), static_cast<size_t>(pixels.size()) / 4);
+    const std::span<const TMCColorRGBA> all = PixelsOf(pixels);
+    const fernwick::PictureShape shape = fernwick::PictureShape::Whole(
+        static_cast<int>(pixels.shape(1)), static_cast<int>(pixels.shape(0)), ContentOf(content));
+    const fernwick::PictureLayout layout{bits, straight, tiled, compression};
     Serve(py::none(), [&](Control&) {
-        RequireFit(path, layout);
-        PictureWriter writer(path, shape, layout, threads);
+        fernwick::RequireFit(path, layout);
+        fernwick::PictureWriter writer(path, shape, layout, threads);
         writer.Write(all);
         writer.Finish();
     });
+}
+
+py::array Encode(const Floats& pixels, const std::string& content)
+{
+    const std::span<const TMCColorRGBA> all = PixelsOf(pixels);
+    py::array_t<uint8_t> bytes({pixels.shape(0), pixels.shape(1), pixels.shape(2)});
+    EncodeBytes(all, ContentOf(content), bytes.mutable_data());
+    return bytes;
 }
 
 } // namespace
@@ -124,4 +139,5 @@ void AddPictures(py::module_& module)
     module.def("read_picture", &Read, py::arg("path"), py::arg("encoding"), py::arg("alpha"));
     module.def("write_picture", &Write, py::arg("path"), py::arg("pixels"), py::arg("content"),
         py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"));
+    module.def("encode", &Encode, py::arg("pixels"), py::arg("content"));
 }

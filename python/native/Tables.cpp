@@ -1,4 +1,3 @@
-#include "host/documents/GraphSequence.h"
 #include "host/json/FieldReader.h"
 #include "host/shading/Answers.h"
 #include "host/shading/BakeChannels.h"
@@ -29,11 +28,11 @@ const fernwick::ParameterTable& TableOf(const std::string& name)
 std::string Describe(const std::string& name)
 {
     const fernwick::ParameterTable& table = TableOf(name);
-    if (fernwick::FindSource(name) != nullptr)
+    const fernwick::Library* const library = LibraryOrNull();
+    if (library == nullptr || fernwick::FindSource(name) != nullptr)
         return DescriptionOf(table, nullptr).dump();
-    const fernwick::Library& library = LoadedLibrary();
     const auto lock = fernwick::LockGraphs();
-    return DescriptionOf(table, MakeSpecimen(library, table).Get()).dump();
+    return DescriptionOf(table, MakeSpecimen(*library, table).Get()).dump();
 }
 
 Json JsonOf(const std::vector<fernwick::Row>& rows)
@@ -48,30 +47,11 @@ Json JsonOf(const std::vector<fernwick::Row>& rows)
     return json;
 }
 
-/// A field over frames: reads a document of that field alone.
-void CheckKeys(const fernwick::ParameterTable& table, const std::string& address, const Json& value)
-{
-    const std::string shader = "shader";
-    const bool isSource = fernwick::FindSource(table.fName) != nullptr;
-    const Json document
-        = {{"shaders", {{shader, {{isSource ? "source" : "class", table.fName}, {address, value}}}}},
-            {"output", shader}};
-    try {
-        fernwick::GraphSequence(document, "", "").At(fernwick::kFirstFrame);
-    } catch (const fernwick::GraphError& error) {
-        const std::string_view text = error.what();
-        const std::string place = shader + '.';
-        throw fernwick::GraphError(std::string(text.starts_with(place) ? text.substr(place.size()) : text));
-    }
-}
-
 void CheckField(const std::string& name, const std::string& address, const std::string& json,
     const std::vector<std::string>& shaders)
 {
     const fernwick::ParameterTable& table = TableOf(name);
     const Json value = fernwick::ParseJson(json);
-    if (value.is_object() && value.contains("keys"))
-        return CheckKeys(table, address, value);
     fernwick::ShaderNames names;
     for (const std::string& shader : shaders)
         names.emplace(shader, names.size());
