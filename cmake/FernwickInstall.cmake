@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, in three components: library, headers, command. The module's folder is the one in
+# What `cmake --install` puts where, in components: library, headers, command and, where it is built, python. The module's folder is the one in
 # which the command looks for it, so the libraries lie in lib/ on every system.
 include(CMakePackageConfigHelpers)
 set(package lib/cmake/Fernwick_shaders)
@@ -40,6 +40,14 @@ install(DIRECTORY docs/ DESTINATION ${documents}/docs COMPONENT command
     FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN *.schema.json)
 install(DIRECTORY examples DESTINATION ${documents} COMPONENT command PATTERN CMakeLists.txt EXCLUDE)
 install(FILES docs/graph.schema.json DESTINATION share/fernwick COMPONENT command)
+
+# The Python package, where Debian's interpreter looks for packages.
+if(TARGET fernwick_native)
+    set(python lib/python3/dist-packages/fernwick)
+    install(TARGETS fernwick_native LIBRARY DESTINATION ${python} COMPONENT python)
+    install(DIRECTORY ${PROJECT_BINARY_DIR}/python/fernwick/ DESTINATION ${python} COMPONENT python
+        FILES_MATCHING PATTERN *.py PATTERN *.pyi PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+endif()
 
 if(NOT CMAKE_CROSSCOMPILING)
     # The built command writes the reference, its own manual page and what completes its command lines. Debian keeps

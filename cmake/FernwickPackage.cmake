@@ -1,5 +1,5 @@
-# `cpack -G DEB` in the build tree makes a Debian package of each component: the library alone, its headers, and the
-# command with the documents.
+# `cpack -G DEB` in the build tree makes a Debian package of each component: the library alone, its headers, the command
+# with the documents, and the Python package.
 set(CPACK_PACKAGE_NAME fernwick)
 set(CPACK_PACKAGE_CONTACT "Fernwick_shaders engineers <engineers@fernwick.example>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -32,6 +32,13 @@ if(TARGET fernwick)
  Describes every class, bakes graphs of shaders into pictures, renders them on scenes, and validates any build of the
  library. With guides, a reference and examples."
         ${needs_library})
+endif()
+if(TARGET fernwick_native)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+    debian_package(python python3-fernwick python "Fernwick shaders in Python
+ Builds graphs of shaders, bakes and renders them into NumPy arrays, and shades arrays of samples."
+        "${needs_library}, python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS fernwick) # which makes the classes without a route
 endif()
 execute_process(COMMAND gzip -9n --stdout ${PROJECT_SOURCE_DIR}/packaging/changelog
     OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.gz COMMAND_ERROR_IS_FATAL ANY)

@@ -55,6 +55,9 @@ constexpr Room kHouse[] = {
     {"tools/pictures",
         "host/files host/library host/parameters host/json host/sources host/documents host/pictures "
         "host/shading tools"},
+    {"python/native",
+        "frame host/library host/parameters host/json host/sources host/geometry host/scene host/documents "
+        "host/pictures host/shading host/validation"},
 };
 
 /// The innermost room that holds a file of the tree, given from its root; null when none does.
@@ -94,7 +97,7 @@ std::string_view IncludedBy(std::string_view line)
 TEST(Includes, LeadOnlyToRoomsBelow)
 {
     int read = 0;
-    for (const char* const top : {"frame", "optics", "shaders", "module", "host", "tools"})
+    for (const char* const top : {"frame", "optics", "shaders", "module", "host", "tools", "python"})
         for (const fs::path& path : fs::recursive_directory_iterator(fs::path(FERNWICK_SOURCE) / top)) {
             if (path.extension() != ".h" && path.extension() != ".cpp")
                 continue;

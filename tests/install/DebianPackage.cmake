@@ -1,5 +1,5 @@
 # cmake -DBUILD=tree -DWORK=folder -P DebianPackage.cmake
-# Makes the three Debian packages and looks at what they hold and need.
+# Makes the Debian packages and looks at what they hold and need.
 function(run result)
     execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE output)
     set(${result} "${output}" PARENT_SCOPE)
@@ -43,4 +43,12 @@ holds(fernwick "[^\n]*fernwick-shaders \\(= [0-9.]+\\)[^\n]*libopenimageio[^\n]*
     share/doc/fernwick/docs/graph.schema.json share/doc/fernwick/examples/key.json
     share/fernwick/graph.schema.json share/man/man1/fernwick.1
     share/bash-completion/completions/fernwick share/zsh/vendor-completions/_fernwick)
+holds(python3-fernwick
+    "[^\n]*fernwick-shaders \\(= [0-9.]+\\)[^\n]*libopenimageio[^\n]*python3 \\(<< 3.12\\)[^\n]*python3-numpy"
+    lib/python3/dist-packages/fernwick/__init__.py lib/python3/dist-packages/fernwick/py.typed
+    lib/python3/dist-packages/fernwick/_shaders.pyi
+    lib/python3/dist-packages/fernwick/_native.cpython-311-x86_64-linux-gnu.so)
+if(contents MATCHES "__pycache__")
+    message(FATAL_ERROR "python3-fernwick holds what Python has compiled:\n${contents}")
+endif()
 file(REMOVE_RECURSE ${WORK})
