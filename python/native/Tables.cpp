@@ -1,3 +1,4 @@
+#include "host/documents/HexColor.h"
 #include "host/json/FieldReader.h"
 #include "host/shading/Answers.h"
 #include "host/shading/BakeChannels.h"
@@ -7,7 +8,7 @@
 #include "host/sources/Sources.h"
 #include "python/native/LoadedLibrary.h"
 #include "python/native/Rooms.h"
-#include <algorithm>
+#include <array>
 #include <pybind11/stl.h>
 
 namespace py = pybind11;
@@ -68,6 +69,14 @@ std::map<std::string, std::vector<std::string>> Operations()
     return operations;
 }
 
+std::optional<std::array<float, 4>> HexColor(const std::string& text)
+{
+    const auto color = fernwick::ReadHexColor(text);
+    if (!color)
+        return std::nullopt;
+    return std::array{color->fRed, color->fGreen, color->fBlue, color->fAlpha};
+}
+
 template <class Rows, class NameOf> std::vector<std::string> Names(const Rows& rows, const NameOf& nameOf)
 {
     std::vector<std::string> names;
@@ -94,4 +103,5 @@ void AddTables(py::module_& module)
         [] { return Names(fernwick::BakeChannels(), [](const auto& channel) { return channel.name; }); });
     module.def("layer_groups", &fernwick::SurfaceLayerGroups);
     module.def("operations", &Operations);
+    module.def("hex_color", &HexColor, py::arg("text"));
 }
