@@ -51,7 +51,7 @@ def check_field(table: str, address: str, json: str, shaders: Several[str]) -> N
     shaders: the names that a slot may take.
     """
 
-def hex_color(text: str) -> tuple[float, float, float, float] | None:
+def hex_color(text: str) -> list[float] | None:
     """A colour as the web writes it, such as #c83c14: linear light and a straight alpha. None for any other text."""
 
 def channel_names() -> list[str]:
