@@ -33,7 +33,8 @@ struct SceneFile {
     std::vector<std::string> fMaterials; ///< names of all
 };
 
-/// What is told the share of a file that is read, 0 to 1. It is destroyed when the file is read.
+/// What is told the share of a file that is read, 0 to 1. It is destroyed when the file is read. What it throws ends the
+/// reading, which throws then too.
 using SceneFileProgress = std::function<void(double share)>;
 
 /// From now on asks for each file that `ReadSceneFile` begins who is told of its progress. To be called before other

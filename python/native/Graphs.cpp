@@ -62,6 +62,7 @@ std::vector<std::string> OperationsOf(const PyDocument& document)
 
 void AddGraphs(py::module_& module)
 {
+    fernwick::ShowSceneFiles([](const std::filesystem::path&) { return [](double) { ThrowIfCancelled(); }; });
     py::class_<PyDocument>(module, "Document")
         .def_property_readonly("outputs", &OutputsOf)
         .def_property_readonly("operations", &OperationsOf)

@@ -3,11 +3,15 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 
 namespace py = pybind11;
 
 namespace {
+
+/// Of the work that this thread does; null for none.
+thread_local const Control* gControl = nullptr;
 
 constexpr std::chrono::milliseconds kBetweenQuestions{20};
 
@@ -24,6 +28,12 @@ void Attend(const py::object& progress, double share, double& told)
 
 } // namespace
 
+void ThrowIfCancelled()
+{
+    if (gControl != nullptr && gControl->fCancel)
+        throw std::runtime_error("cancelled");
+}
+
 void Serve(const py::object& progress, const std::function<void(Control&)>& work)
 {
     Control control;
@@ -36,6 +46,7 @@ void Serve(const py::object& progress, const std::function<void(Control&)>& work
         std::condition_variable ended;
         bool isDone = false;
         std::thread worker([&] {
+            gControl = &control;
             try {
                 work(control);
             } catch (...) {
