@@ -2,6 +2,7 @@
 #include "host/documents/ModelShape.h"
 #include "host/geometry/Mesh.h"
 #include <fmt/format.h>
+#include <set>
 
 namespace fernwick {
 
@@ -25,8 +26,8 @@ std::string KeyOf(const std::filesystem::path& file, const SceneFileOptions& opt
 template <class Thing> void DocumentFiles::Kept<Thing>::BeginFrame() { before = std::exchange(now, {}); }
 
 template <class Thing>
-template <class Make>
-const Thing& DocumentFiles::Kept<Thing>::Get(const std::string& key, const Make& make)
+template <class MakeThing>
+const Thing& DocumentFiles::Kept<Thing>::Get(const std::string& key, const MakeThing& make)
 {
     if (const auto found = now.find(key); found != now.end())
         return found->second;
@@ -68,15 +69,32 @@ SceneFile DocumentFiles::Open(const std::filesystem::path& file, const SceneFile
     return scene;
 }
 
-const GivenPicture* DocumentFiles::PictureFor(std::span<const FieldSetting> settings) const
+DocumentFiles::Source DocumentFiles::Make(
+    const SourceKind& kind, std::span<const FieldSetting> settings) const
 {
-    const GivenPicture* picture = nullptr;
+    std::filesystem::path file;
     for (const FieldSetting& setting : settings)
-        if (const auto* const file = std::get_if<std::filesystem::path>(&setting.fValue)) {
-            const auto found = fPictures.find(file->lexically_normal());
-            picture = found != fPictures.end() ? found->second.get() : nullptr;
-        }
-    return picture;
+        if (const auto* const named = std::get_if<std::filesystem::path>(&setting.fValue))
+            file = *named;
+    if (const auto found = fPictures.find(file.lexically_normal()); found != fPictures.end())
+        return {MakePictureSource(*found->second, settings), {}};
+    Source source = {fernwick::MakeSource(kind, settings), {}};
+    if (!file.empty())
+        source.fFiles.push_back(file);
+    return source;
+}
+
+std::vector<std::filesystem::path> DocumentFiles::Asked() const
+{
+    std::set<std::filesystem::path> files;
+    const auto add = [&files](const auto& kept) {
+        for (const auto& [key, thing] : kept.now)
+            files.insert(thing.fFiles.begin(), thing.fFiles.end());
+    };
+    add(fScenes);
+    add(fShapes);
+    add(fSources);
+    return {files.begin(), files.end()};
 }
 
 SceneFile DocumentFiles::ReadScene(const std::filesystem::path& file, const SceneFileOptions& options)
@@ -90,7 +108,7 @@ ModelShape DocumentFiles::ReadShape(
     const std::string key = KeyOf(file, options) + (radius ? fmt::format("\n{}", *radius) : "");
     return fShapes.Get(key, [&] {
         const SceneFile model = Open(file, options);
-        ModelShape shape = {MergeMeshes(model.fElements, radius), model.fNotices};
+        ModelShape shape = {MergeMeshes(model.fElements, radius), model.fNotices, model.fFiles};
         if (shape.fGeometry == nullptr)
             throw SceneFileError(file.string() + " can't be taken for a shape: it has no mesh");
         return shape;
@@ -103,11 +121,7 @@ MCCountedPtr<IShellShader> DocumentFiles::MakeSource(
     std::string key = kind.fTable.fName;
     for (const FieldSetting& setting : settings)
         key += '\n' + setting.fField->fName + ' ' + ValueText(*setting.fField, setting.fValue);
-    return fSources.Get(key, [&] {
-        const GivenPicture* const picture = PictureFor(settings);
-        return picture != nullptr ? MakePictureSource(*picture, settings)
-                                  : fernwick::MakeSource(kind, settings);
-    });
+    return fSources.Get(key, [&] { return Make(kind, settings); }).fShader;
 }
 
 } // namespace fernwick

@@ -9,7 +9,8 @@ namespace fernwick {
 /// A model as one shape.
 struct ModelShape {
     std::shared_ptr<const Geometry> fGeometry;
-    std::vector<std::string> fNotices; ///< what the file lacks and what stands in for it
+    std::vector<std::string> fNotices;              ///< what the file lacks and what stands in for it
+    std::vector<std::filesystem::path> fFiles = {}; ///< that were opened
 };
 
 /// What the files that a document names hold, read once and kept for as long as each frame asks for it.
@@ -23,6 +24,9 @@ public:
     /// Begins a frame: what the last one didn't ask for is forgotten.
     void BeginFrame();
 
+    /// The files that this frame has asked for, with those that they name, in order; without what was given.
+    std::vector<std::filesystem::path> Asked() const;
+
     /// The same as `ReadSceneFile`.
     SceneFile ReadScene(const std::filesystem::path& file, const SceneFileOptions& options = {});
     /// All meshes of a file as one (see `MergeMeshes`). Throws `SceneFileError`.
@@ -32,23 +36,28 @@ public:
     MCCountedPtr<IShellShader> MakeSource(const SourceKind& kind, std::span<const FieldSetting> settings);
 
 private:
+    struct Source {
+        MCCountedPtr<IShellShader> fShader;
+        std::vector<std::filesystem::path> fFiles;
+    };
+
     /// Things by what they are made of.
     template <class Thing> struct Kept {
         std::map<std::string, Thing> now;    ///< asked for in this frame
         std::map<std::string, Thing> before; ///< only in the last one
 
         void BeginFrame();
-        template <class Make> const Thing& Get(const std::string& key, const Make& make);
+        template <class MakeThing> const Thing& Get(const std::string& key, const MakeThing& make);
     };
 
     std::map<std::filesystem::path, std::shared_ptr<const GivenPicture>> fPictures;
     std::map<std::filesystem::path, std::shared_ptr<const Geometry>> fMeshes;
     Kept<SceneFile> fScenes;
     Kept<ModelShape> fShapes;
-    Kept<MCCountedPtr<IShellShader>> fSources;
+    Kept<Source> fSources;
 
     SceneFile Open(const std::filesystem::path& file, const SceneFileOptions& options) const;
-    const GivenPicture* PictureFor(std::span<const FieldSetting> settings) const;
+    Source Make(const SourceKind& kind, std::span<const FieldSetting> settings) const;
 };
 
 } // namespace fernwick

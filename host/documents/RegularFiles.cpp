@@ -50,6 +50,8 @@ Assimp::IOStream* RegularFiles::Open(const char* file, const char* mode)
     if (!Exists(file))
         return nullptr;
     std::unique_ptr<Assimp::IOStream> opened(DefaultIOSystem::Open(file, mode));
+    if (opened != nullptr && std::find(fOpened.begin(), fOpened.end(), file) == fOpened.end())
+        fOpened.emplace_back(file);
     if (opened == nullptr || file != fScene)
         return opened.release();
     return new CountedFile(std::move(opened), fShow);

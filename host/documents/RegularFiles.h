@@ -1,7 +1,9 @@
 #pragma once
 #include <assimp/DefaultIOSystem.h>
+#include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace fernwick {
 
@@ -14,9 +16,13 @@ public:
     bool Exists(const char* file) const override;
     Assimp::IOStream* Open(const char* file, const char* mode) override;
 
+    /// The files that were opened, each once, in order.
+    const std::vector<std::filesystem::path>& Opened() const { return fOpened; }
+
 private:
     std::string fScene;
     std::function<void(double)> fShow;
+    std::vector<std::filesystem::path> fOpened;
 };
 
 } // namespace fernwick

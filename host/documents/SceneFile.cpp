@@ -494,9 +494,11 @@ SceneFile ReadSceneFile(const std::filesystem::path& file, const SceneFileOption
         throw SceneFileError(file.string() + " can't be read: " + reason);
     const SceneFileProgress show = gBeginFile ? gBeginFile(file) : [](double) {};
     Assimp::Importer importer;
-    importer.SetIOHandler(
-        new RegularFiles(file.string(), [&show](double share) { show(kShareRead * share); }));
-    return ReadWith(importer, file, options, show);
+    auto* const files = new RegularFiles(file.string(), [&show](double share) { show(kShareRead * share); });
+    importer.SetIOHandler(files); // which it owns
+    SceneFile scene = ReadWith(importer, file, options, show);
+    scene.fFiles = files->Opened();
+    return scene;
 }
 
 SceneFile ReadSceneFile(

@@ -31,6 +31,7 @@ struct SceneFile {
     std::vector<ElementDescription> fElements;
     std::vector<std::string> fNotices;   ///< what the file lacks or holds damaged, and what stands in for it
     std::vector<std::string> fMaterials; ///< names of all
+    std::vector<std::filesystem::path> fFiles = {}; ///< that were opened: the file and those that it names
 };
 
 /// What is told the share of a file that is read, 0 to 1. It is destroyed when the file is read. What it throws ends the

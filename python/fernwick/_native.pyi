@@ -94,6 +94,7 @@ class Document:
 
     outputs: list[str]  # the channels that can be baked
     operations: list[str]  # that the output offers
+    files: list[str]  # that were read for it, with those that they name
     doubts: list[str]  # what may be a slip
     notices: list[str]  # what its scene's files lack
     cameras: list[str]
@@ -185,6 +186,27 @@ def write_picture(
     compression: str,
     threads: int,
 ) -> None: ...
+
+class RowWriter:
+    """A picture file that is written from the top, some rows at a time; arguments as of `write_picture`. The file appears
+    when it is finished, whole, and not at all when it is abandoned or forgotten."""
+
+    def __init__(
+        self,
+        path: str,
+        width: int,
+        height: int,
+        content: str,
+        bits: int,
+        straight: bool,
+        tiled: bool,
+        compression: str,
+        threads: int,
+    ) -> None: ...
+    def write(self, rows: Floats) -> None:
+        """rows: (some, width, 4). Raises PictureError, ValueError."""
+    def finish(self) -> None: ...
+    def abandon(self) -> None: ...
 
 def encode(pixels: Floats, content: str) -> NDArray[np.uint8]:
     """The integers that a PNG of 8 bits holds of pixels of the shape (height, width, 4)."""

@@ -30,11 +30,13 @@ State MakeSequence(const std::string& json, const std::string& name, const std::
 PyDocument At(const State& state, double frame)
 {
     std::optional<fernwick::GraphDocument> document;
+    std::vector<std::filesystem::path> files;
     Serve(py::none(), [&](Control&) {
         const std::lock_guard lock(state->fMutex);
         document = state->fSequence.At(frame);
+        files = state->fSequence.Files().Asked();
     });
-    return {std::move(*document), state};
+    return {std::move(*document), std::move(files), state};
 }
 
 std::vector<std::string> OutputsOf(const PyDocument& document)
@@ -66,6 +68,10 @@ void AddGraphs(py::module_& module)
     py::class_<PyDocument>(module, "Document")
         .def_property_readonly("outputs", &OutputsOf)
         .def_property_readonly("operations", &OperationsOf)
+        .def_property_readonly("files",
+            [](const PyDocument& document) {
+                return std::vector<std::string>(document.fFiles.begin(), document.fFiles.end());
+            })
         .def_property_readonly("doubts", [](const PyDocument& document) { return document.fGraph.Doubts(); })
         .def_property_readonly("notices",
             [](const PyDocument& document) {

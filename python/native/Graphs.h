@@ -21,5 +21,6 @@ struct SequenceState {
 /// A graph at one frame.
 struct PyDocument {
     fernwick::GraphDocument fGraph;
+    std::vector<std::filesystem::path> fFiles; ///< that were read for it, at this frame or one before
     std::shared_ptr<SequenceState> fState;
 };

@@ -4,7 +4,7 @@
 #include "python/native/Arrays.h"
 #include "python/native/Rooms.h"
 #include "python/native/Serve.h"
-#include <limits>
+#include <fmt/format.h>
 #include <map>
 
 namespace py = pybind11;
@@ -119,6 +119,52 @@ void Write(const std::string& path, const Floats& pixels, const std::string& con
     });
 }
 
+/// A picture file that is written from the top, some rows at a time.
+class RowWriter {
+public:
+    RowWriter(const std::string& path, int width, int height, const std::string& content, int bits,
+        bool straight, bool tiled, const std::string& compression, int threads)
+        : fWidth(width), fRowsLeft(height),
+          fWriter(std::make_unique<fernwick::PictureWriter>(path,
+              fernwick::PictureShape::Whole(width, height, ContentOf(content)),
+              fernwick::PictureLayout{bits, straight, tiled, compression}, threads))
+    { }
+
+    void Write(const Floats& rows)
+    {
+        const std::span<const TMCColorRGBA> pixels = PixelsOf(rows);
+        if (rows.shape(1) != fWidth || rows.shape(0) > fRowsLeft)
+            throw py::value_error(fmt::format("rows: expected up to {} of {} pixels, got {} of {}", fRowsLeft,
+                fWidth, rows.shape(0), rows.shape(1)));
+        fernwick::PictureWriter& writer = Open();
+        fRowsLeft -= rows.shape(0);
+        Serve(py::none(), [&](Control&) { writer.Write(pixels); });
+    }
+
+    void Finish()
+    {
+        if (fRowsLeft > 0)
+            throw py::value_error(fmt::format("the picture isn't whole: {} rows are missing", fRowsLeft));
+        fernwick::PictureWriter& writer = Open();
+        Serve(py::none(), [&](Control&) { writer.Finish(); });
+        fWriter.reset();
+    }
+
+    void Abandon() { fWriter.reset(); }
+
+private:
+    py::ssize_t fWidth;
+    py::ssize_t fRowsLeft;
+    std::unique_ptr<fernwick::PictureWriter> fWriter; // null when it is finished or abandoned
+
+    fernwick::PictureWriter& Open() const
+    {
+        if (!fWriter)
+            throw py::value_error("the picture is closed");
+        return *fWriter;
+    }
+};
+
 py::array Encode(const Floats& pixels, const std::string& content)
 {
     const std::span<const TMCColorRGBA> all = PixelsOf(pixels);
@@ -140,4 +186,12 @@ void AddPictures(py::module_& module)
     module.def("write_picture", &Write, py::arg("path"), py::arg("pixels"), py::arg("content"),
         py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"));
     module.def("encode", &Encode, py::arg("pixels"), py::arg("content"));
+    py::class_<RowWriter>(module, "RowWriter")
+        .def(py::init<const std::string&, int, int, const std::string&, int, bool, bool, const std::string&,
+                 int>(),
+            py::arg("path"), py::arg("width"), py::arg("height"), py::arg("content"), py::arg("bits"),
+            py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"))
+        .def("write", &RowWriter::Write, py::arg("rows"))
+        .def("finish", &RowWriter::Finish)
+        .def("abandon", &RowWriter::Abandon);
 }
