@@ -42,8 +42,8 @@ public:
 
     int Width() const { return fWidth; }
     int Height() const { return fHeight; }
-    /// Row by row from the top.
-    const std::vector<TMCColorRGBA>& Pixels() const { return fPixels; }
+    /// Row by row from the top; the source has none left.
+    std::vector<TMCColorRGBA> TakePixels() { return std::move(fPixels); }
 
 private:
     int fWidth = 0;

@@ -92,15 +92,17 @@ private:
 fernwick::OntoModel PutOnto(const PyDocument& document, const Model& model, const std::string& node)
 {
     SequenceState& state = *document.fState;
-    const std::lock_guard lock(state.fMutex);
-    state.fModels.BeginFrame();
-    if (const auto* const file = std::get_if<std::string>(&model))
+    if (const auto* const file = std::get_if<std::string>(&model)) {
+        const std::lock_guard lock(state.fMutex);
+        state.fModels.BeginFrame();
         return fernwick::PutOnto(document.fGraph, state.fModels, *file, node);
+    }
     const auto& geometry = std::get<const PyMesh*>(model)->fGeometry;
     const auto given = state.fMeshes.find(geometry.get());
     const std::filesystem::path name = given != state.fMeshes.end() ? given->second : "mesh";
-    state.fModels.Give(name, geometry);
-    return fernwick::PutOnto(document.fGraph, state.fModels, name, node);
+    fernwick::DocumentFiles files;
+    files.Give(name, geometry);
+    return fernwick::PutOnto(document.fGraph, files, name, node);
 }
 
 std::vector<fernwick::UVTile> TilesOf(const fernwick::OntoModel& onto, int set, int width, int height)

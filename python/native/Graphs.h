@@ -13,7 +13,7 @@ struct SequenceState {
     std::mutex fMutex;
     std::filesystem::path fFolder;
     fernwick::GraphSequence fSequence;
-    fernwick::DocumentFiles fModels;
+    fernwick::DocumentFiles fModels; ///< that it is baked onto
     std::map<const fernwick::Geometry*, std::filesystem::path>
         fMeshes; ///< given ones, and the files they stand for
 };

@@ -77,7 +77,7 @@ py::array Read(const std::string& path, const std::string& encoding, const std::
             PictureSource picture(settings);
             width = picture.Width();
             height = picture.Height();
-            *pixels = std::move(picture).Pixels();
+            *pixels = picture.TakePixels();
         });
     } catch (const SourceError& error) {
         std::string_view text = error.what();

@@ -163,6 +163,6 @@ void AddSamples(py::module_& module)
 {
     module.def("shade", &Shade, py::arg("document"), py::arg("operation"), py::arg("element"),
         py::arg("count"), py::arg("uv"), py::arg("point"), py::arg("normal"), py::arg("point_local"),
-        py::arg("normal_local"), py::arg("deriv_u"), py::arg("deriv_v"), py::arg("numbers"),
+        py::arg("normal_local"), py::arg("deriv_u"), py::arg("deriv_v"), py::arg("numbers").noconvert(),
         py::arg("progress"));
 }
