@@ -1,8 +1,12 @@
 #include "host/threads/Parallel.h"
+#include <map>
+#include <memory>
+#include <mutex>
 #include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
 #include <tbb/parallel_pipeline.h>
 #include <tbb/task_arena.h>
+#include <vector>
 
 namespace fernwick {
 
@@ -19,11 +23,49 @@ public:
     Finishing& operator=(const Finishing&) = delete;
 };
 
+/// An arena for so many threads, for as long as this lives. TBB keeps some kilobytes of each that there ever was, so they
+/// are used again.
+class LentArena {
+public:
+    explicit LentArena(int threads) : fThreads(threads)
+    {
+        const std::lock_guard lock(gMutex);
+        std::vector<Arena>& idle = Idle()[threads];
+        if (idle.empty())
+            idle.push_back(std::make_unique<tbb::task_arena>(threads));
+        fArena = std::move(idle.back());
+        idle.pop_back();
+    }
+    ~LentArena()
+    {
+        const std::lock_guard lock(gMutex);
+        Idle()[fThreads].push_back(std::move(fArena));
+    }
+    LentArena(const LentArena&) = delete;
+    LentArena& operator=(const LentArena&) = delete;
+
+    tbb::task_arena& operator*() const { return *fArena; }
+
+private:
+    using Arena = std::unique_ptr<tbb::task_arena>;
+
+    static inline std::mutex gMutex;
+    int fThreads;
+    Arena fArena;
+
+    /// By number of threads; they live as long as the process.
+    static std::map<int, std::vector<Arena>>& Idle()
+    {
+        static auto* const idle = new std::map<int, std::vector<Arena>>;
+        return *idle;
+    }
+};
+
 template <class Work> void RunInArena(int threads, const Work& work)
 {
     const int count = ThreadCount(threads);
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, static_cast<size_t>(count));
-    tbb::task_arena(count).execute(work);
+    (*LentArena(count)).execute(work);
 }
 
 } // namespace
