@@ -5,6 +5,8 @@
 #include <mutex>
 #include <stdexcept>
 #include <thread>
+#include <unistd.h>
+#include <vector>
 
 namespace py = pybind11;
 
@@ -14,6 +16,91 @@ namespace {
 thread_local const Control* gControl = nullptr;
 
 constexpr std::chrono::milliseconds kBetweenQuestions{20};
+
+/// A thread that works for one caller after the other. It ends with the process.
+class Worker {
+public:
+    Worker()
+    {
+        std::thread([this] { Run(); }).detach();
+    }
+
+    /// @param work  throws nothing
+    void Start(std::function<void()> work)
+    {
+        const std::lock_guard lock(fMutex);
+        fWork = std::move(work);
+        fChanged.notify_all();
+    }
+
+    bool IsDoneAfter(std::chrono::milliseconds time)
+    {
+        std::unique_lock lock(fMutex);
+        return fChanged.wait_for(lock, time, [this] { return !fWork; });
+    }
+
+private:
+    std::mutex fMutex;
+    std::condition_variable fChanged;
+    std::function<void()> fWork; // empty when it is done
+
+    [[noreturn]] void Run()
+    {
+        for (std::unique_lock lock(fMutex);;) {
+            fChanged.wait(lock, [this] { return static_cast<bool>(fWork); });
+            lock.unlock();
+            fWork();
+            lock.lock();
+            fWork = nullptr;
+            fChanged.notify_all();
+        }
+    }
+};
+
+/// The workers that nobody needs just now. Embree keeps some bytes for each thread that ever called it, so threads are
+/// used again; a process that was forked has none of them.
+struct IdleWorkers {
+    std::mutex mutex;
+    pid_t process = getpid();
+    std::vector<Worker*> workers; // that live as long as the process
+};
+
+/// A worker for as long as this lives.
+class Lent {
+public:
+    Lent()
+    {
+        IdleWorkers& idle = Idle();
+        const std::lock_guard lock(idle.mutex);
+        if (idle.process != getpid()) {
+            idle.workers.clear();
+            idle.process = getpid();
+        }
+        if (idle.workers.empty())
+            idle.workers.push_back(new Worker);
+        fWorker = idle.workers.back();
+        idle.workers.pop_back();
+    }
+    ~Lent()
+    {
+        IdleWorkers& idle = Idle();
+        const std::lock_guard lock(idle.mutex);
+        idle.workers.push_back(fWorker);
+    }
+    Lent(const Lent&) = delete;
+    Lent& operator=(const Lent&) = delete;
+
+    Worker* operator->() const { return fWorker; }
+
+private:
+    Worker* fWorker;
+
+    static IdleWorkers& Idle()
+    {
+        static auto* const idle = new IdleWorkers;
+        return *idle;
+    }
+};
 
 /// Lets Python do what waits for it: handlers of signals, and who wants to know how far the work is.
 void Attend(const py::object& progress, double share, double& told)
@@ -42,35 +129,27 @@ void Serve(const py::object& progress, const std::function<void(Control&)>& work
     double told = 0;
     {
         const py::gil_scoped_release released;
-        std::mutex mutex;
-        std::condition_variable ended;
-        bool isDone = false;
-        std::thread worker([&] {
+        Lent worker;
+        worker->Start([&] {
             gControl = &control;
             try {
                 work(control);
             } catch (...) {
                 failure = std::current_exception();
             }
-            const std::lock_guard lock(mutex);
-            isDone = true;
-            ended.notify_one();
+            gControl = nullptr;
         });
-        for (std::unique_lock lock(mutex);
-             !ended.wait_for(lock, kBetweenQuestions, [&] { return isDone; });) {
-            lock.unlock();
-            if (!interruption) {
-                const py::gil_scoped_acquire acquired;
-                try {
-                    Attend(progress, control.fShare, told);
-                } catch (...) {
-                    interruption = std::current_exception();
-                    control.fCancel = true;
-                }
+        while (!worker->IsDoneAfter(kBetweenQuestions)) {
+            if (interruption)
+                continue;
+            const py::gil_scoped_acquire acquired;
+            try {
+                Attend(progress, control.fShare, told);
+            } catch (...) {
+                interruption = std::current_exception();
+                control.fCancel = true;
             }
-            lock.lock();
         }
-        worker.join();
     }
     if (interruption)
         std::rethrow_exception(interruption);
