@@ -60,6 +60,9 @@ def channel_names() -> list[str]:
 def layer_groups() -> list[str]:
     """What can be rendered beside the colour, such as second and normal."""
 
+def layers(groups: Several[str]) -> list[str]:
+    """The layers of some groups as pictures name them, such as second.R, in the order of the numbers of `render`."""
+
 def operations() -> dict[str, list[str]]:
     """The operations of shaders, value, color, vector and surface, and the names of the numbers each answers."""
 
@@ -194,17 +197,19 @@ class RowWriter:
     def __init__(
         self,
         path: str,
-        width: int,
+        width: int,  # of the whole picture
         height: int,
+        region: Region,  # the only part that there is
         content: str,
+        layers: Several[str],  # names of the layers beside the colours, which only an .exr holds
         bits: int,
         straight: bool,
         tiled: bool,
         compression: str,
         threads: int,
     ) -> None: ...
-    def write(self, rows: Floats) -> None:
-        """rows: (some, width, 4). Raises PictureError, ValueError."""
+    def write(self, rows: Floats, layers: Several[Floats]) -> None:
+        """rows: (some, width, 4); of each layer (some, width). Raises PictureError, ValueError."""
     def finish(self) -> None: ...
     def abandon(self) -> None: ...
 

@@ -6,6 +6,7 @@
 #include "python/native/Serve.h"
 #include <fmt/format.h>
 #include <map>
+#include <pybind11/stl.h>
 
 namespace py = pybind11;
 
@@ -119,26 +120,45 @@ void Write(const std::string& path, const Floats& pixels, const std::string& con
     });
 }
 
+/// The shape of a picture, of which a region is written.
+fernwick::PictureShape ShapeOf(int width, int height, const std::optional<std::array<int, 4>>& region,
+    const std::string& content, const std::vector<std::string>& layers)
+{
+    fernwick::PictureShape shape = fernwick::PictureShape::Whole(width, height, ContentOf(content));
+    if (region)
+        shape.region = {(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
+    shape.channels = layers;
+    return shape;
+}
+
 /// A picture file that is written from the top, some rows at a time.
 class RowWriter {
 public:
-    RowWriter(const std::string& path, int width, int height, const std::string& content, int bits,
-        bool straight, bool tiled, const std::string& compression, int threads)
-        : fWidth(width), fRowsLeft(height),
-          fWriter(std::make_unique<fernwick::PictureWriter>(path,
-              fernwick::PictureShape::Whole(width, height, ContentOf(content)),
-              fernwick::PictureLayout{bits, straight, tiled, compression}, threads))
+    RowWriter(const std::string& path, int width, int height, const std::optional<std::array<int, 4>>& region,
+        const std::string& content, const std::vector<std::string>& layers, int bits, bool straight,
+        bool tiled, const std::string& compression, int threads)
+        : RowWriter(path, ShapeOf(width, height, region, content, layers),
+            {bits, straight, tiled, compression}, threads)
     { }
 
-    void Write(const Floats& rows)
+    void Write(const Floats& rows, const std::vector<Floats>& layers)
     {
         const std::span<const TMCColorRGBA> pixels = PixelsOf(rows);
         if (rows.shape(1) != fWidth || rows.shape(0) > fRowsLeft)
             throw py::value_error(fmt::format("rows: expected up to {} of {} pixels, got {} of {}", fRowsLeft,
                 fWidth, rows.shape(0), rows.shape(1)));
+        if (layers.size() != fLayers)
+            throw py::value_error(fmt::format("layers: expected {}, got {}", fLayers, layers.size()));
+        std::vector<std::vector<float>> numbers;
+        for (const Floats& layer : layers) {
+            if (layer.ndim() != 2 || layer.shape(0) != rows.shape(0) || layer.shape(1) != fWidth)
+                throw py::value_error(
+                    fmt::format("layers: expected each of the shape ({}, {})", rows.shape(0), fWidth));
+            numbers.emplace_back(layer.data(), layer.data() + layer.size());
+        }
         fernwick::PictureWriter& writer = Open();
         fRowsLeft -= rows.shape(0);
-        Serve(py::none(), [&](Control&) { writer.Write(pixels); });
+        Serve(py::none(), [&](Control&) { writer.Write(pixels, numbers); });
     }
 
     void Finish()
@@ -155,7 +175,14 @@ public:
 private:
     py::ssize_t fWidth;
     py::ssize_t fRowsLeft;
+    size_t fLayers;
     std::unique_ptr<fernwick::PictureWriter> fWriter; // null when it is finished or abandoned
+
+    RowWriter(const std::string& path, const fernwick::PictureShape& shape,
+        const fernwick::PictureLayout& layout, int threads)
+        : fWidth(shape.region.Width()), fRowsLeft(shape.region.Height()), fLayers(shape.channels.size()),
+          fWriter(std::make_unique<fernwick::PictureWriter>(path, shape, layout, threads))
+    { }
 
     fernwick::PictureWriter& Open() const
     {
@@ -187,11 +214,13 @@ void AddPictures(py::module_& module)
         py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"));
     module.def("encode", &Encode, py::arg("pixels"), py::arg("content"));
     py::class_<RowWriter>(module, "RowWriter")
-        .def(py::init<const std::string&, int, int, const std::string&, int, bool, bool, const std::string&,
+        .def(py::init<const std::string&, int, int, const std::optional<std::array<int, 4>>&,
+                 const std::string&, const std::vector<std::string>&, int, bool, bool, const std::string&,
                  int>(),
-            py::arg("path"), py::arg("width"), py::arg("height"), py::arg("content"), py::arg("bits"),
-            py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"))
-        .def("write", &RowWriter::Write, py::arg("rows"))
+            py::arg("path"), py::arg("width"), py::arg("height"), py::arg("region"), py::arg("content"),
+            py::arg("layers"), py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"),
+            py::arg("threads"))
+        .def("write", &RowWriter::Write, py::arg("rows"), py::arg("layers"))
         .def("finish", &RowWriter::Finish)
         .def("abandon", &RowWriter::Abandon);
 }

@@ -102,6 +102,12 @@ void AddTables(py::module_& module)
     module.def("channel_names",
         [] { return Names(fernwick::BakeChannels(), [](const auto& channel) { return channel.name; }); });
     module.def("layer_groups", &fernwick::SurfaceLayerGroups);
+    module.def(
+        "layers",
+        [](const std::vector<std::string>& groups) {
+            return Names(fernwick::SurfaceLayersOf(groups), [](const auto& layer) { return layer.fName; });
+        },
+        py::arg("groups"));
     module.def("operations", &Operations);
     module.def("hex_color", &HexColor, py::arg("text"));
 }
