@@ -1,0 +1,17 @@
+"""Cloth in ten lines: python3 cloth.py FOLDER writes cloth.png."""
+
+import sys
+
+import matplotlib.pyplot as plt
+
+import fernwick
+
+cloth = fernwick.Weave(fRepeatU=5, fRepeatV=5, fRoundAcross=True, fRoundAlong=True)
+cloth.fWarpWidth = cloth.fWeftWidth = [6] * 5
+cloth.fWarpSubShader = fernwick.Color("#c83c14")
+cloth.fWeftSubShader = fernwick.Color("#f0e0b0")
+picture = fernwick.Graph(cloth).bake(512, output="lit")
+plt.imshow(fernwick.to_srgb(picture), extent=(0, 1, 0, 1))
+plt.xlabel("U")
+plt.ylabel("V")
+plt.savefig(f"{sys.argv[1]}/cloth.png", dpi=80)
