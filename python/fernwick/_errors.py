@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import difflib
+import os
 import sys
 import warnings
 from collections.abc import Iterable
@@ -42,7 +43,7 @@ class ShaderWarning(UserWarning):
     __module__ = "fernwick"
 
 
-_PACKAGE = str(Path(__file__).parent)
+_PACKAGE = str(Path(__file__).parent) + os.sep
 
 
 def warn(texts: Iterable[str], category: type[Warning]) -> None:

@@ -454,7 +454,9 @@ class Graph:
         name = f"{Path(self._name).name}: " if self._name else ""
         return f"<Graph {name}{output}: {kind}, {count}, frame {self._frame:g}>"
 
-    def _take(self, text: str, folder: Path, name: str, files: dict[str, File], frame: float) -> None:
+    def _take(
+        self, text: str, folder: Path, name: str, files: dict[str, File], frame: float, is_quiet: bool = False
+    ) -> None:
         self._text = text
         self._folder = folder
         self._name = name
@@ -463,12 +465,14 @@ class Graph:
         meshes = {token: file._handle for token, file in files.items() if isinstance(file, Mesh)}
         self._sequence = _native.Sequence(text, name, str(folder), pictures, meshes)
         self._told = _Told()
-        self._show(frame)
+        self._show(frame, is_quiet)
 
-    def _show(self, frame: float) -> None:
+    def _show(self, frame: float, is_quiet: bool = False) -> None:
         self._frame = _arguments.number("frame", frame)
         self._document = self._sequence.at(self._frame)
-        warn(self._told.new([*self._document.doubts, *self._document.notices]), GraphWarning)
+        untold = self._told.new([*self._document.doubts, *self._document.notices])
+        if not is_quiet:
+            warn(untold, GraphWarning)
 
     def _operation(self, operation: str | None) -> str:
         if operation is not None:
@@ -492,7 +496,7 @@ class _Told:
 
 def _remake(text: str, folder: Path, name: str, files: dict[str, File], frame: float) -> Graph:
     graph = Graph.__new__(Graph)
-    graph._take(text, folder, name, files, frame)
+    graph._take(text, folder, name, files, frame, is_quiet=True)  # it was told where it was made
     return graph
 
 

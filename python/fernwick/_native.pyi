@@ -156,7 +156,7 @@ def render(
     threads: int,
     progress: Progress,
 ) -> dict[str, Floats]:
-    """"color", (height, width, 4), and each group of layers, (height, width) or (height, width, numbers)."""
+    """ "color", (height, width, 4), and each group of layers, (height, width) or (height, width, numbers)."""
 
 def shade(
     document: Document,
