@@ -54,6 +54,12 @@ def number(name: str, value: Any, minimum: float = -math.inf, *, above: bool = F
     return converted
 
 
+def frame(name: str, value: Any) -> float:
+    """A number of a frame, an int where it is whole."""
+    converted = number(name, value)
+    return int(converted) if converted.is_integer() else converted
+
+
 def flag(name: str, value: object) -> bool:
     if value is True or value is False or type(value).__name__ == "bool_":
         return bool(value)

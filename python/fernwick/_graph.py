@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import os
 import threading
 from collections.abc import Iterator, Mapping
 from pathlib import Path
@@ -88,8 +89,8 @@ class Graph:
         return graph
 
     def save(self, path: PathLike) -> None:
-        """Writes the document as JSON. Relative file names stay as they are, so they are found if the file lies in
-        `folder`.
+        """Writes the document as JSON, a file that appears whole or not at all. Relative file names stay as they are, so
+        they are found if it lies in `folder`.
 
         Raises ValueError for a graph that holds arrays or meshes, which no file can: save those by themselves and name
         the files in the document, or pickle the graph.
@@ -98,7 +99,9 @@ class Graph:
             raise ValueError(
                 f"the graph holds what no JSON can: {', '.join(self._files)}; save it as files, or pickle it"
             )
-        Path(_arguments.path("path", path)).write_text(pretty(self.to_dict()) + "\n", encoding="utf-8")
+        file = os.path.realpath(_arguments.path("path", path))
+        Path(f"{file}.part").write_text(pretty(self.to_dict()) + "\n", encoding="utf-8")
+        os.replace(f"{file}.part", file)
 
     def to_dict(self) -> dict[str, Any]:
         """The document, a copy. Arrays and meshes stand in it by their names in `files`."""
@@ -122,6 +125,7 @@ class Graph:
 
     @property
     def frame(self) -> float:
+        """Of values that change over frames; an int where it is whole."""
         return self._frame
 
     @property
@@ -468,7 +472,7 @@ class Graph:
         self._show(frame, is_quiet)
 
     def _show(self, frame: float, is_quiet: bool = False) -> None:
-        self._frame = _arguments.number("frame", frame)
+        self._frame = _arguments.frame("frame", frame)
         self._document = self._sequence.at(self._frame)
         untold = self._told.new([*self._document.doubts, *self._document.notices])
         if not is_quiet:

@@ -27,7 +27,7 @@ class Keyed:
         self, keys: Mapping[int, Any] | Mapping[float, Any] | Iterable[tuple[float, Any]], between: str | None = None
     ) -> None:
         pairs: Iterable[tuple[float, Any]] = keys.items() if isinstance(keys, Mapping) else keys
-        self._keys = tuple((_frame(frame), value) for frame, value in pairs)
+        self._keys = tuple((_arguments.frame("keys", frame), value) for frame, value in pairs)
         self._between = None if between is None else _arguments.choice("between", between, BETWEEN)
         frames = [frame for frame, _ in self._keys]
         if not frames:
@@ -58,8 +58,3 @@ class Keyed:
     def __repr__(self) -> str:
         keys = ", ".join(f"{frame}: {value!r}" for frame, value in self._keys)
         return f"Keyed({{{keys}}}" + (f", between={self._between!r})" if self._between else ")")
-
-
-def _frame(value: Any) -> float:
-    frame = _arguments.number("keys", value)
-    return int(frame) if frame == int(frame) else frame

@@ -85,8 +85,7 @@ class Shader(Pluggable):
             return Record(self, address, row)
         if address not in self._settings:
             return self._table.default(address)
-        value = self._settings[address]
-        return value.array if isinstance(value, Pixels) else value
+        return _outward(self._settings[address])
 
     def __setitem__(self, address: str, value: Any) -> None:
         row = self._table.at(address)
@@ -211,6 +210,9 @@ def _reaches(start: Shader, target: Shader) -> bool:
 
 
 def _outward(value: Any) -> Any:
+    """A value as users have given it."""
+    if isinstance(value, Keyed):
+        return value.map(_outward)
     return value.array if isinstance(value, Pixels) else value
 
 

@@ -16,7 +16,6 @@ from . import _native
 from ._errors import hint
 from ._library import library
 
-Number = int | float
 Default = None | bool | int | float | str | tuple[Any, ...]
 
 

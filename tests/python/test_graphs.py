@@ -64,6 +64,7 @@ def test_the_document_of_a_shader_and_its_scene():
     assert eval(repr(scene.elements[1]), vars(fernwick)) == scene.elements[1]
     assert graph.render(24, 16).shape == (16, 24, 4)
     assert not np.array_equal(graph.render(24, 16), graph.at(9).render(24, 16))
+    assert [repr(each.frame) for each in graph.frames(1, 2.5, 0.5)] == ["1", "1.5", "2", "2.5"]
 
 
 def test_names_that_were_given_come_before_those_that_are_made():
