@@ -6,8 +6,7 @@ import matplotlib.pyplot as plt
 
 import fernwick
 
-cloth = fernwick.Weave(fRepeatU=5, fRepeatV=5, fRoundAcross=True, fRoundAlong=True)
-cloth.fWarpWidth = cloth.fWeftWidth = [6] * 5
+cloth = fernwick.Weave(fRepeatU=5, fRepeatV=5, fRoundAcross=True, fWarpWidth=[6] * 5, fWeftWidth=[6] * 5)
 cloth.fWarpSubShader = fernwick.Color("#c83c14")
 cloth.fWeftSubShader = fernwick.Color("#f0e0b0")
 picture = fernwick.Graph(cloth).bake(512, output="lit")

@@ -196,6 +196,9 @@ def test_warnings_point_at_the_line_and_come_once():
         list(graph.frames(1, 3))
     assert [(each.category, each.filename) for each in caught] == [(GraphWarning, __file__)]
     assert "fRepeatU" in str(caught[0].message) and graph.doubts == (str(caught[0].message),)
+    with pytest.warns(fernwick.ShaderWarning, match="no element of that name") as told:
+        Graph(fernwick.Curvature(fSurfaceName="Nobody"), Scene([])).bake(8)
+    assert told[0].filename == __file__
 
 
 def test_an_array_can_be_larger_than_what_is_shaded_of_it():

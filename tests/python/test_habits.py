@@ -129,7 +129,8 @@ def test_nothing_is_left_after_ten_thousand_rounds():
     for name_before, name_after in zip(before[0], after[0]):
         assert abs(name_after - name_before) < 100
     assert after[1] - before[1] < 200
-    assert after[2] - before[2] < 8 << 20
+    if "asan" not in os.environ.get("LD_PRELOAD", ""):  # which keeps what is freed for a while
+        assert after[2] - before[2] < 8 << 20
 
 
 def test_arrays_live_on_without_their_graph():
