@@ -2,7 +2,6 @@
 #include "host/threads/Parallel.h"
 #include <algorithm>
 #include <bit>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <zlib.h>
@@ -33,7 +32,8 @@ void Append32(Bytes& bytes, uint32_t number)
 
 enum Filter : unsigned char { kNone, kSub, kUp, kAverage, kPaeth };
 
-unsigned char Predicted(Filter filter, int left, int above, int aboveLeft)
+/// The byte that a filter expects. Numbers of 16 bits are enough, and processors take eight at a time.
+unsigned char Predicted(Filter filter, int16_t left, int16_t above, int16_t aboveLeft)
 {
     switch (filter) {
     case kNone:
@@ -47,12 +47,12 @@ unsigned char Predicted(Filter filter, int left, int above, int aboveLeft)
     case kPaeth:
         break;
     }
-    const int toLeft = std::abs(above - aboveLeft);
-    const int toAbove = std::abs(left - aboveLeft);
-    const int toAboveLeft = std::abs(left + above - 2 * aboveLeft);
-    if (toLeft <= toAbove && toLeft <= toAboveLeft)
-        return static_cast<unsigned char>(left);
-    return static_cast<unsigned char>(toAbove <= toAboveLeft ? above : aboveLeft);
+    const auto size = [](int number) { return static_cast<int16_t>(number < 0 ? -number : number); };
+    const int16_t toLeft = size(above - aboveLeft);
+    const int16_t toAbove = size(left - aboveLeft);
+    const int16_t toAboveLeft = size(left + above - 2 * aboveLeft);
+    const int16_t notLeft = toAbove <= toAboveLeft ? above : aboveLeft;
+    return static_cast<unsigned char>(toLeft <= std::min(toAbove, toAboveLeft) ? left : notLeft);
 }
 
 /// What one row is after a filter, behind the filter's number.
@@ -74,18 +74,20 @@ using ApplyFilter = void (*)(const unsigned char*, const unsigned char*, size_t,
 constexpr ApplyFilter kFilters[] = {Apply<kNone>, Apply<kSub>, Apply<kUp>, Apply<kAverage>, Apply<kPaeth>};
 
 /// The sum of the distances from 0 of bytes that wrap around: the smaller, the better they compress.
-uint64_t Cost(const unsigned char* bytes, size_t size)
+/// @param bytes  up to 32 MiB, whose sum fits; adding up in 64 bits takes twice as long
+uint32_t Cost(std::span<const unsigned char> bytes)
 {
-    uint64_t sum = 0;
-    for (size_t i = 0; i < size; ++i)
-        sum += static_cast<uint64_t>(std::abs(static_cast<signed char>(bytes[i])));
+    uint32_t sum = 0;
+    for (const unsigned char byte : bytes)
+        sum += std::min(byte, static_cast<unsigned char>(-byte));
     return sum;
 }
 
 /// One stretch of rows on its way into the file.
 struct Stretch {
     Bytes filtered;
-    Bytes compressed;
+    Bytes room;   // for what is compressed
+    size_t size;  // of what is compressed
     uint32_t sum; // Adler-32 of what was filtered
 };
 
@@ -97,13 +99,13 @@ void Compress(Stretch& stretch, std::span<const unsigned char> before, bool isLa
     const size_t known = std::min(before.size(), kWindow);
     deflateSetDictionary(&stream, before.data() + before.size() - known, static_cast<uInt>(known));
     constexpr size_t kMarkOfEnd = 16; // bytes, more than an empty block takes
-    stretch.compressed.resize(deflateBound(&stream, stretch.filtered.size()) + kMarkOfEnd);
+    stretch.room.resize(deflateBound(&stream, stretch.filtered.size()) + kMarkOfEnd);
     stream.next_in = stretch.filtered.data();
     stream.avail_in = static_cast<uInt>(stretch.filtered.size());
-    stream.next_out = stretch.compressed.data();
-    stream.avail_out = static_cast<uInt>(stretch.compressed.size());
+    stream.next_out = stretch.room.data();
+    stream.avail_out = static_cast<uInt>(stretch.room.size());
     deflate(&stream, isLast ? Z_FINISH : Z_SYNC_FLUSH);
-    stretch.compressed.resize(stream.total_out);
+    stretch.size = stream.total_out;
     deflateEnd(&stream);
     stretch.sum = static_cast<uint32_t>(
         adler32_z(adler32_z(0, nullptr, 0), stretch.filtered.data(), stretch.filtered.size()));
@@ -116,7 +118,9 @@ public:
           fIsFine(encoding.numbers == PictureNumbers::kUint16), fUnit(fIsFine ? 8 : 4),
           fRowSize(static_cast<size_t>(encoding.shape.region.Width()) * fUnit),
           fRowsLeft(static_cast<size_t>(encoding.shape.region.Height())),
-          fRowsOfStretch(std::max<size_t>(kStretch / fRowSize, 1)), fRows(fUnit + fRowSize)
+          fRowsOfStretch(std::max<size_t>(kStretch / fRowSize, 1)),
+          fRowsAtATime(std::min(kStretchesAtATime * fRowsOfStretch, fRowsLeft)),
+          fRows((fRowsAtATime + 1) * (fUnit + fRowSize)), fStretches((fRowsAtATime - 1) / fRowsOfStretch + 1)
     {
         Start(encoding.shape);
     }
@@ -126,7 +130,7 @@ public:
         const auto* bytes = static_cast<const unsigned char*>(numbers);
         for (int y = 0; y < rows; ++y, bytes += fRowSize) {
             AddRow(bytes);
-            if (fWaiting == kStretchesAtATime * fRowsOfStretch || fWaiting == fRowsLeft)
+            if (fWaiting == fRowsAtATime || fWaiting == fRowsLeft)
                 WriteStretches();
         }
     }
@@ -147,9 +151,11 @@ private:
     size_t fRowSize;
     size_t fRowsLeft; // that aren't in the file
     size_t fRowsOfStretch;
+    size_t fRowsAtATime;
     size_t fWaiting = 0; // rows
     Bytes fRows;         // the row before those that wait and these, each with a pixel of zeros before it
-    Bytes fBefore;       // what was filtered before, as far as deflate looks back
+    std::vector<Stretch> fStretches;
+    Bytes fBefore; // what was filtered before, as far as deflate looks back
     uLong fSum = adler32_z(0, nullptr, 0);
 
     void WriteChunk(const char (&type)[5], std::span<const unsigned char> content)
@@ -173,8 +179,7 @@ private:
 
     void AddRow(const unsigned char* bytes)
     {
-        fRows.resize((++fWaiting + 1) * (fUnit + fRowSize));
-        unsigned char* const row = fRows.data() + fWaiting * (fUnit + fRowSize) + fUnit;
+        unsigned char* const row = fRows.data() + ++fWaiting * (fUnit + fRowSize) + fUnit;
         std::memcpy(row, bytes, fRowSize);
         if (fIsFine && std::endian::native == std::endian::little)
             for (size_t i = 0; i < fRowSize; i += 2)
@@ -189,10 +194,12 @@ private:
         Bytes trial(size);
         for (size_t y = first; y < end; ++y) {
             unsigned char* const best = &filtered[(y - first) * size];
-            uint64_t least = UINT64_MAX;
+            uint32_t least = UINT32_MAX;
             for (const ApplyFilter filter : kFilters) {
+                if (least == 0)
+                    break;
                 filter(RowAt(y + 1), RowAt(y), fRowSize, fUnit, trial.data());
-                const uint64_t cost = Cost(trial.data() + 1, fRowSize);
+                const uint32_t cost = Cost(std::span(trial).subspan(1));
                 if (cost >= least)
                     continue;
                 least = cost;
@@ -205,7 +212,7 @@ private:
     void WriteStretches()
     {
         const bool isLast = fWaiting == fRowsLeft;
-        std::vector<Stretch> stretches((fWaiting - 1) / fRowsOfStretch + 1);
+        const std::span stretches = std::span(fStretches).first((fWaiting - 1) / fRowsOfStretch + 1);
         const auto count = static_cast<int>(stretches.size());
         RunParallel(count, fThreads, [&](int i) {
             const size_t first = static_cast<size_t>(i) * fRowsOfStretch;
@@ -218,14 +225,13 @@ private:
                 stretches[place], i == 0 ? fBefore : stretches[place - 1].filtered, isLast && i == count - 1);
         });
         for (const Stretch& stretch : stretches) {
-            WriteChunk("IDAT", stretch.compressed);
+            WriteChunk("IDAT", std::span(stretch.room).first(stretch.size));
             fSum = adler32_combine(fSum, stretch.sum, static_cast<z_off_t>(stretch.filtered.size()));
         }
-        fBefore = std::move(stretches.back().filtered);
+        fBefore.swap(stretches.back().filtered);
         std::copy_n(RowAt(fWaiting), fRowSize, fRows.data() + fUnit);
         fRowsLeft -= fWaiting;
         fWaiting = 0;
-        fRows.resize(fUnit + fRowSize);
     }
 };
 

@@ -1,5 +1,6 @@
 #include "host/pictures/PictureWriter.h"
 #include "host/pictures/PictureEncoder.h"
+#include "host/pictures/SRGBBytes.h"
 #include "host/threads/Parallel.h"
 #include <OpenImageIO/color.h>
 #include <algorithm>
@@ -37,14 +38,30 @@ template <class Integer> Integer IntegerOf(float number)
     return static_cast<Integer>(Clamped(number) * kGreatest + 0.5f);
 }
 
-template <class Integer>
-void PutIntegers(std::span<const TMCColorRGBA> pixels, PictureContent content, Integer* numbers)
+/// @param encode  makes a number of the file of a red, green or blue
+template <class Integer, class Encode>
+void PutEncoded(std::span<const TMCColorRGBA> pixels, const Encode& encode, Integer* numbers)
 {
     for (const TMCColorRGBA& color : pixels) {
         for (const float channel : {color.fRed, color.fGreen, color.fBlue})
-            *numbers++ = IntegerOf<Integer>(Encoded(channel, content));
+            *numbers++ = encode(channel);
         *numbers++ = IntegerOf<Integer>(color.fAlpha);
     }
+}
+
+template <class Integer>
+void PutIntegers(std::span<const TMCColorRGBA> pixels, PictureContent content, Integer* numbers)
+{
+    PutEncoded(
+        pixels, [content](float number) { return IntegerOf<Integer>(Encoded(number, content)); }, numbers);
+}
+
+void PutBytes(std::span<const TMCColorRGBA> pixels, PictureContent content, uint8_t* numbers)
+{
+    if (content != PictureContent::kColor)
+        return PutIntegers(pixels, content, numbers);
+    PutEncoded(
+        pixels, [&bytes = SRGBBytes::Get()](float number) { return bytes.Of(number); }, numbers);
 }
 
 /// @param first  the place of the first pixel in the layers
@@ -132,7 +149,7 @@ struct PictureWriter::State {
     {
         switch (numbers) {
         case PictureNumbers::kByte:
-            return PutIntegers(pixels, shape.content, reinterpret_cast<uint8_t*>(row));
+            return PutBytes(pixels, shape.content, reinterpret_cast<uint8_t*>(row));
         case PictureNumbers::kUint16:
             return PutIntegers(pixels, shape.content, reinterpret_cast<uint16_t*>(row));
         case PictureNumbers::kFloat:

@@ -1,7 +1,9 @@
 #include "host/pictures/PictureWriter.h"
 #include "tests/support/BakeText.h"
 #include "tests/support/Shell.h"
+#include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
+#include <bit>
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -118,6 +120,35 @@ TEST_F(PictureWriterTest, EveryLayoutIsReadBackAndTheSameInBandsOnAnyNumberOfThr
     const auto texture = OIIO::ImageInput::open((fFolder / "whole.tx").string());
     EXPECT_TRUE(texture->seek_subimage(0, 6)); // down to a pixel
     EXPECT_EQ(texture->spec().width, 1);
+}
+
+TEST_F(PictureWriterTest, BytesOfColorsAreThoseOfTheFormula)
+{
+    constexpr float kOdd[] = {-1, -0.0f, 0, 1e-30f, 2, std::numeric_limits<float>::infinity(), NAN};
+    std::vector<float> numbers(std::begin(kOdd), std::end(kOdd));
+    constexpr uint32_t kStep = 1009; // of the floats' bits, which ascend as the numbers do
+    for (auto bits = std::bit_cast<uint32_t>(0x1p-14f); bits <= std::bit_cast<uint32_t>(1.0f); bits += kStep)
+        numbers.push_back(std::bit_cast<float>(bits));
+    const int width = 1000;
+    numbers.resize((numbers.size() / width + 1) * width);
+    std::vector<TMCColorRGBA> pixels;
+    for (const float number : numbers)
+        pixels.push_back({number, number, number, 1});
+    const int height = static_cast<int>(numbers.size()) / width;
+    PictureWriter writer(
+        fFolder / "a.png", PictureShape::Whole(width, height, PictureContent::kColor), {.bits = 8}, 2);
+    writer.Write(pixels);
+    writer.Finish();
+    OIIO::ImageSpec layout;
+    const std::vector<float> read = Numbers(fFolder / "a.png", layout);
+    size_t wrong = 0;
+    for (size_t i = 0; i < numbers.size(); ++i) {
+        const float held = numbers[i] >= 0 ? std::min(numbers[i], 1.0f) : 0;
+        const int byte = static_cast<int>(OIIO::linear_to_sRGB(held) * 255 + 0.5f);
+        for (size_t channel = 0; channel < 3; ++channel)
+            wrong += std::lround(read[i * 4 + channel] * 255) != byte;
+    }
+    EXPECT_EQ(wrong, 0u) << "of " << numbers.size() * 3;
 }
 
 TEST_F(PictureWriterTest, PartsJoinToTheWholeAndTellTheirPlace)
