@@ -3,11 +3,11 @@
 #include <array>
 #include <assimp/SpatialSort.h>
 #include <assimp/mesh.h>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <optional>
-#include <unordered_map>
+#include <vector>
 
 namespace fernwick {
 
@@ -46,66 +46,83 @@ struct Bounds {
 class CloseVertices {
 public:
     /// @param reach  how close others must be, above 0 and a ten-thousandth of the diagonal of the bounds
-    CloseVertices(const SortedVertices& sorted, const Bounds& bounds, float reach)
-        : fEntries(sorted.Entries()), fLow(bounds.low), fReach(reach), fSquare(reach * reach)
+    CloseVertices(const aiMesh& mesh, const SortedVertices& sorted, const Bounds& bounds, float reach)
+        : fPositions(mesh.mVertices), fEntries(sorted.Entries()), fLow(bounds.low), fReach(reach),
+          fSquare(reach * reach), fSlots(std::bit_ceil(2 * fEntries.size()), kNone)
     {
-        std::vector<uint32_t> cells;
-        cells.reserve(fEntries.size());
-        fCells.reserve(fEntries.size());
-        for (const auto& entry : fEntries) {
-            const std::array<int64_t, 3> place = PlaceOf(entry.mPosition, 0);
-            cells.push_back(fCells.emplace(KeyOf(place), static_cast<uint32_t>(fCells.size())).first->second);
+        // Cells get their numbers in the order of the file, where neighbours in space are mostly neighbours too.
+        std::vector<uint32_t> cells(mesh.mNumVertices);
+        for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
+            const uint64_t key = KeyOf(PlaceOf(mesh.mVertices[i], 0));
+            uint32_t& cell = fSlots[FindSlot(key)];
+            if (cell == kNone) {
+                cell = static_cast<uint32_t>(fKeys.size());
+                fKeys.push_back(key);
+            }
+            cells[i] = cell;
         }
-        fStarts.resize(fCells.size() + 1);
+        fStarts.resize(fKeys.size() + 1);
         for (const uint32_t cell : cells)
             ++fStarts[cell + 1];
         for (size_t i = 1; i < fStarts.size(); ++i)
             fStarts[i] += fStarts[i - 1];
         fMembers.resize(cells.size());
         std::vector<uint32_t> ends(fStarts.begin(), fStarts.end() - 1);
-        for (uint32_t rank = 0; rank < cells.size(); ++rank)
-            fMembers[ends[cells[rank]]++] = rank;
+        for (uint32_t rank = 0; rank < cells.size(); ++rank) {
+            const unsigned vertex = fEntries[rank].mIndex;
+            fMembers[ends[cells[vertex]]++] = {rank, vertex};
+        }
     }
 
-    /// The ranks of all that are close to a position, ascending.
-    void Find(uint32_t rank, std::vector<uint32_t>& found) const
+    /// Calls `visit` with each vertex and all that are close to it, itself among them, in the order of their ranks.
+    template <class Visit> void ForEach(const Visit& visit) const
     {
-        found.clear();
-        const auto& asked = fEntries[rank];
-        const std::array<int64_t, 3> first = PlaceOf(asked.mPosition, -1);
-        const std::array<int64_t, 3> last = PlaceOf(asked.mPosition, 1);
-        std::array<int64_t, 3> place;
-        for (place[0] = first[0]; place[0] <= last[0]; ++place[0])
-            for (place[1] = first[1]; place[1] <= last[1]; ++place[1])
-                for (place[2] = first[2]; place[2] <= last[2]; ++place[2])
-                    FindIn(KeyOf(place), asked, found);
-        if (first != last)
-            std::sort(found.begin(), found.end());
+        std::vector<Member> found;
+        std::vector<unsigned> close;
+        const aiVector3D* last = nullptr; // found around
+        for (const Member& member : fMembers) {
+            const aiVector3D& position = fPositions[member.vertex];
+            if (last == nullptr || position != *last) {
+                Find(member, found);
+                close.clear();
+                for (const Member& one : found)
+                    close.push_back(one.vertex);
+                last = &position;
+            }
+            visit(member.vertex, close);
+        }
     }
 
 private:
+    static constexpr uint32_t kNone = ~0u;
     static constexpr int kReachesPerCell = 8;
     static constexpr int kBits = 20; // of a key for each axis, where it stays below 10000 / 8
 
+    struct Member {
+        uint32_t rank;
+        unsigned vertex;
+    };
+
+    const aiVector3D* fPositions;
     const std::vector<SortedVertices::Entry>& fEntries;
     aiVector3D fLow;
     float fReach;
     float fSquare;
-    std::unordered_map<uint64_t, uint32_t> fCells; // numbers by key
-    std::vector<uint32_t> fStarts;                 // by cell, of its members; one more for the end
-    std::vector<uint32_t> fMembers;                // ranks, ascending in each cell
+    std::vector<uint32_t> fSlots;  // numbers of cells by the hashes of their keys, at most half of them taken
+    std::vector<uint64_t> fKeys;   // by cell
+    std::vector<uint32_t> fStarts; // by cell, of its members; one more for the end
+    std::vector<Member> fMembers;  // by cell, and by rank in each
 
     /// The cell of a position, or of one that lies a little more than the reach away.
     std::array<int64_t, 3> PlaceOf(const aiVector3D& position, int side) const
     {
         constexpr double kALittleMore = 1.001;
+        const double perCell = 1 / (kReachesPerCell * static_cast<double>(fReach));
         std::array<int64_t, 3> place;
         for (unsigned axis = 0; axis < 3; ++axis) {
             const double away
                 = static_cast<double>(position[axis]) - fLow[axis] + side * kALittleMore * fReach;
-            place[axis]
-                = static_cast<int64_t>(std::floor(away / (kReachesPerCell * static_cast<double>(fReach))))
-                + 1;
+            place[axis] = static_cast<int64_t>(away * perCell + 1); // above 0: no reach is as wide as a cell
         }
         return place;
     }
@@ -116,17 +133,46 @@ private:
             | static_cast<uint64_t>(place[2]);
     }
 
-    void FindIn(uint64_t key, const SortedVertices::Entry& asked, std::vector<uint32_t>& found) const
+    size_t FindSlot(uint64_t key) const
     {
-        const auto cell = fCells.find(key);
-        if (cell == fCells.end())
+        const uint64_t hash = key * 0x9E3779B97F4A7C15; // 2^64 divided by the golden ratio
+        size_t slot = (hash ^ hash >> 32) & (fSlots.size() - 1);
+        while (fSlots[slot] != kNone && fKeys[fSlots[slot]] != key)
+            slot = (slot + 1) & (fSlots.size() - 1);
+        return slot;
+    }
+
+    void Find(const Member& asked, std::vector<Member>& found) const
+    {
+        found.clear();
+        const std::array<int64_t, 3> first = PlaceOf(fPositions[asked.vertex], -1);
+        const std::array<int64_t, 3> last = PlaceOf(fPositions[asked.vertex], 1);
+        std::array<int64_t, 3> place;
+        for (place[0] = first[0]; place[0] <= last[0]; ++place[0])
+            for (place[1] = first[1]; place[1] <= last[1]; ++place[1])
+                for (place[2] = first[2]; place[2] <= last[2]; ++place[2])
+                    FindIn(fSlots[FindSlot(KeyOf(place))], asked, found);
+        if (first != last)
+            std::sort(found.begin(), found.end(),
+                [](const Member& left, const Member& right) { return left.rank < right.rank; });
+    }
+
+    void FindIn(uint32_t cell, const Member& asked, std::vector<Member>& found) const
+    {
+        if (cell == kNone)
             return;
-        for (uint32_t i = fStarts[cell->second]; i < fStarts[cell->second + 1]; ++i) {
-            const auto& entry = fEntries[fMembers[i]];
-            if (entry.mDistance < asked.mDistance + fReach && entry.mDistance >= asked.mDistance - fReach
-                && (entry.mPosition - asked.mPosition).SquareLength() < fSquare)
+        for (uint32_t i = fStarts[cell]; i < fStarts[cell + 1]; ++i)
+            if ((fPositions[fMembers[i].vertex] - fPositions[asked.vertex]).SquareLength() < fSquare
+                && IsAsFar(fMembers[i], asked))
                 found.push_back(fMembers[i]);
-        }
+    }
+
+    /// Whether Assimp, which looks only there, would find it. Its distances are rounded.
+    bool IsAsFar(const Member& member, const Member& asked) const
+    {
+        const float distance = fEntries[member.rank].mDistance;
+        const float middle = fEntries[asked.rank].mDistance;
+        return distance < middle + fReach && distance >= middle - fReach;
     }
 };
 
@@ -179,25 +225,16 @@ void AddSmoothNormals(aiMesh& mesh, float crease)
     const SortedVertices sorted(mesh);
     const Bounds bounds(mesh);
     const float reach = (bounds.high - bounds.low).Length() * kReach;
-    std::optional<CloseVertices> close; // no cell would hold what damaged numbers span
-    if (bounds.areNumbers && std::isnormal(reach))
-        close.emplace(sorted, bounds, reach);
     mesh.mNormals = new aiVector3D[mesh.mNumVertices];
-    std::vector<uint32_t> ranks;
-    std::vector<unsigned> found;
-    const aiVector3D* last = nullptr; // found around
-    for (uint32_t rank = 0; rank < sorted.Entries().size(); ++rank) {
-        const auto& entry = sorted.Entries()[rank];
-        if (!close)
-            sorted.FindPositions(entry.mPosition, reach, found);
-        else if (last == nullptr || entry.mPosition != *last) {
-            close->Find(rank, ranks);
-            found.clear();
-            for (const uint32_t one : ranks)
-                found.push_back(sorted.Entries()[one].mIndex);
-            last = &entry.mPosition;
-        }
-        mesh.mNormals[entry.mIndex] = SmoothNormal(entry.mIndex, found, faceNormals, leastCosine);
+    const auto smooth = [&](unsigned vertex, const std::vector<unsigned>& close) {
+        mesh.mNormals[vertex] = SmoothNormal(vertex, close, faceNormals, leastCosine);
+    };
+    if (bounds.areNumbers && std::isnormal(reach))
+        return CloseVertices(mesh, sorted, bounds, reach).ForEach(smooth);
+    std::vector<unsigned> close; // by Assimp: no cell would hold what damaged numbers span
+    for (const SortedVertices::Entry& entry : sorted.Entries()) {
+        sorted.FindPositions(entry.mPosition, reach, close);
+        smooth(entry.mIndex, close);
     }
 }
 
