@@ -26,7 +26,7 @@ from ._errors import (
     GraphWarning,
     LibraryError,
     ModelError,
-    PictureError,
+    FileError,
     RenderError,
     ShaderWarning,
 )
@@ -59,8 +59,8 @@ from ._views import Array, Record
 
 __all__ = [
     "Array", "BakeError", "Box", "Camera", "Check", "Choice", "ClassDescription", "Element", "Error", "Field",
-    "FieldDescription", "Finding", "Graph", "GraphError", "GraphWarning", "Keyed", "LibraryError", "Light", "Look",
-    "Mesh", "Model", "ModelError", "PathLike", "PictureError", "Plane", "Progress", "Record", "Region", "RenderError",
+    "FieldDescription", "FileError", "Finding", "Graph", "GraphError", "GraphWarning", "Keyed", "LibraryError", "Light", "Look",
+    "Mesh", "Model", "ModelError", "PathLike", "Plane", "Progress", "Record", "Region", "RenderError",
     "Report", "Saddle", "Scene", "SceneFile", "Shaded", "Shader", "ShaderWarning", "Sphere", "Torus", "__version__",
     "classes", "describe", "library", "load_picture", "save", "set_library", "sources", "to_srgb", "validate",
 ]  # fmt: skip

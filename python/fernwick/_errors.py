@@ -10,7 +10,7 @@ from collections.abc import Iterable
 from pathlib import Path
 
 from . import _native
-from ._native import BakeError, Error, GraphError, LibraryError, ModelError, PictureError, RenderError
+from ._native import BakeError, Error, FileError, GraphError, LibraryError, ModelError, RenderError
 
 __all__ = [
     "BakeError",
@@ -19,7 +19,7 @@ __all__ = [
     "GraphWarning",
     "LibraryError",
     "ModelError",
-    "PictureError",
+    "FileError",
     "RenderError",
     "ShaderWarning",
     "hint",
@@ -27,7 +27,7 @@ __all__ = [
     "warn",
 ]
 
-for _error in (BakeError, Error, GraphError, LibraryError, ModelError, PictureError, RenderError):
+for _error in (BakeError, Error, FileError, GraphError, LibraryError, ModelError, RenderError):
     _error.__module__ = "fernwick"  # where users find them, for tracebacks and pickles
 
 

@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import json
-import os
 import threading
 from collections.abc import Iterator, Mapping
 from pathlib import Path
@@ -92,16 +91,14 @@ class Graph:
         """Writes the document as JSON, a file that appears whole or not at all. Relative file names stay as they are, so
         they are found if it lies in `folder`.
 
-        Raises ValueError for a graph that holds arrays or meshes, which no file can: save those by themselves and name
-        the files in the document, or pickle the graph.
+        Raises FileError; and ValueError for a graph that holds arrays or meshes, which no file can: save those by
+        themselves and name the files in the document, or pickle the graph.
         """
         if self._files:
             raise ValueError(
                 f"the graph holds what no JSON can: {', '.join(self._files)}; save it as files, or pickle it"
             )
-        file = os.path.realpath(_arguments.path("path", path))
-        Path(f"{file}.part").write_text(pretty(self.to_dict()) + "\n", encoding="utf-8")
-        os.replace(f"{file}.part", file)
+        _native.write_file(_arguments.path("path", path), pretty(self.to_dict()) + "\n")
 
     def to_dict(self) -> dict[str, Any]:
         """The document, a copy. Arrays and meshes stand in it by their names in `files`."""

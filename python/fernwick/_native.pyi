@@ -19,7 +19,7 @@ class GraphError(Error, ValueError): ...
 class BakeError(Error, ValueError): ...
 class RenderError(Error, ValueError): ...
 class ModelError(Error, ValueError): ...
-class PictureError(Error, OSError): ...
+class FileError(Error, OSError): ...
 class LibraryError(Error, OSError): ...
 
 version: str
@@ -114,6 +114,9 @@ class Sequence:
     def at(self, frame: float) -> Document:
         """Raises GraphError."""
 
+def write_file(path: str, text: str) -> None:
+    """Writes a file, whole or not at all, as the host writes all of its files. Raises FileError."""
+
 def read_json(path: str) -> str:
     """The text of a graph's file, read and parsed as the command does. Raises GraphError, which names the file."""
 
@@ -177,7 +180,7 @@ def shade(
 
 def read_picture(path: str, encoding: str, alpha: str) -> Floats:
     """A picture as a `picture` source reads it: (height, width, 4). encoding: "", "srgb", "linear"; alpha: "",
-    "straight", "premultiplied". Raises PictureError."""
+    "straight", "premultiplied". Raises FileError."""
 
 def write_picture(
     path: str,
@@ -209,7 +212,7 @@ class RowWriter:
         threads: int,
     ) -> None: ...
     def write(self, rows: Floats, layers: Several[Floats]) -> None:
-        """rows: (some, width, 4); of each layer (some, width). Raises PictureError, ValueError."""
+        """rows: (some, width, 4); of each layer (some, width). Raises FileError, ValueError."""
     def finish(self) -> None: ...
     def abandon(self) -> None: ...
 

@@ -37,7 +37,7 @@ def save(
     :param compression: of an .exr, .tx or .tif, such as "piz"; "" for zip
     :param threads: 0 for one a processor
 
-    The file appears whole or not at all. Raises PictureError, ValueError and TypeError.
+    The file appears whole or not at all. Raises FileError, ValueError and TypeError.
     """
     name = _arguments.path("path", path)
     pixels = _picture(array)
@@ -70,7 +70,7 @@ def load_picture(path: _arguments.PathLike, encoding: str = "", alpha: str = "")
     :param encoding: what the file's integers are, "srgb" or "linear"; "" for what the file says
     :param alpha: "straight", or "premultiplied" where the file's colours are multiplied by it; "" for what the file says
 
-    Raises PictureError.
+    Raises FileError.
     """
     numpy()
     return _native.read_picture(

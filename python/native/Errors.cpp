@@ -30,6 +30,6 @@ void AddErrors(py::module_& module)
     Add<fernwick::BakeError>(module, "BakeError", error, PyExc_ValueError);
     Add<fernwick::RenderError>(module, "RenderError", error, PyExc_ValueError);
     Add<fernwick::SceneFileError>(module, "ModelError", error, PyExc_ValueError);
-    Add<fernwick::FileError>(module, "PictureError", error, PyExc_OSError);
+    Add<fernwick::FileError>(module, "FileError", error, PyExc_OSError);
     Add<fernwick::LibraryError>(module, "LibraryError", error, PyExc_OSError);
 }

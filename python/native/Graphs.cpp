@@ -1,4 +1,5 @@
 #include "python/native/Graphs.h"
+#include "host/files/OutputFile.h"
 #include "host/shading/Answers.h"
 #include "host/shading/BakeReading.h"
 #include "python/native/Pictures.h"
@@ -60,6 +61,12 @@ std::vector<std::string> OperationsOf(const PyDocument& document)
     return operations;
 }
 
+void WriteText(const std::string& path, const std::string& text)
+{
+    fernwick::MakeFolderOf(path);
+    fernwick::WriteFile(path, text);
+}
+
 } // namespace
 
 void AddGraphs(py::module_& module)
@@ -87,6 +94,7 @@ void AddGraphs(py::module_& module)
             py::arg("pictures"), py::arg("meshes"))
         .def_property_readonly("has_keys", [](const State& state) { return state->fSequence.HasKeys(); })
         .def("at", &At, py::arg("frame"));
+    module.def("write_file", &WriteText, py::arg("path"), py::arg("text"));
     module.def(
         "read_json", [](const std::string& path) { return fernwick::ReadGraphFile(path).dump(); },
         py::arg("path"));

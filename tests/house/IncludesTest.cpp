@@ -44,9 +44,9 @@ constexpr Room kHouse[] = {
         "frame host/files host/library host/parameters host/json host/sources host/geometry host/scene"},
     {"host/pictures", "frame host/files host/threads"},
     {"host/shading",
-        "frame module shaders/optics shaders/scene host/threads host/library host/parameters host/geometry "
-        "host/scene"
-        " host/documents host/pictures"},
+        "frame module shaders/optics shaders/scene host/threads host/library host/parameters host/json "
+        "host/sources "
+        "host/geometry host/scene host/documents host/pictures"},
     {"host/validation", "frame module host/library host/parameters"},
     {"tools",
         "frame host/files host/library host/parameters host/json host/sources host/documents host/pictures "
@@ -56,7 +56,8 @@ constexpr Room kHouse[] = {
         "host/files host/library host/parameters host/json host/sources host/documents host/pictures "
         "host/shading tools"},
     {"python/native",
-        "frame host/library host/parameters host/json host/sources host/geometry host/scene host/documents "
+        "frame host/files host/library host/parameters host/json host/sources host/geometry host/scene "
+        "host/documents "
         "host/pictures host/shading host/validation"},
 };
 

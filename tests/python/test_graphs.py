@@ -111,9 +111,9 @@ def test_names_that_were_given_come_before_those_that_are_made():
         (lambda: Mesh(*SQUARE, uvs=np.zeros((3, 2))), ValueError, "uvs: expected an array of shape (4, 2) or (2, 3, 2)"),
         (lambda: Mesh([[0, 0, np.inf]] * 3, [[0, 1, 2]]), ValueError, ""),
         (lambda: Mesh.load("nothing.obj"), fernwick.ModelError, "nothing.obj"),
-        (lambda: fernwick.load_picture("nothing.png"), fernwick.PictureError, "nothing.png"),
+        (lambda: fernwick.load_picture("nothing.png"), fernwick.FileError, "nothing.png"),
         (lambda: fernwick.save("a.png", np.zeros((2, 2), np.uint8)), TypeError, "array: expected floats"),
-        (lambda: fernwick.save("a.jpg", np.zeros((2, 2))), fernwick.PictureError, "a.jpg"),
+        (lambda: fernwick.save("a.jpg", np.zeros((2, 2))), fernwick.FileError, "a.jpg"),
         (lambda: fernwick.validate("nothing.so"), fernwick.LibraryError, "nothing.so"),
         (lambda: fernwick.validate(only="leeks"), ValueError, 'did you mean "leaks"?'),
         (lambda: fernwick.set_library("/nothing.so"), fernwick.LibraryError, ""),
@@ -209,3 +209,14 @@ def test_an_array_can_be_larger_than_what_is_shaded_of_it():
     assert np.array_equal(part, whole["color"][2:7, 3:11])
     assert np.array_equal(graph.bake(40, 30, threads=1), whole["color"])
     assert json.loads(run_command("list", "--json"))["classes"]
+
+
+@pytest.mark.parametrize("name", ["/dev/full", "folder"])
+def test_what_cannot_be_written_stays_what_it_was(tmp_path, name):
+    (tmp_path / "folder").mkdir()
+    path = tmp_path / name
+    kind = path.stat().st_mode
+    with pytest.raises(fernwick.FileError, match=name):
+        Graph(Checker()).save(path)
+    assert path.stat().st_mode == kind
+    assert list(tmp_path.iterdir()) == [tmp_path / "folder"]
