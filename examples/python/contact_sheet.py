@@ -7,6 +7,8 @@ import matplotlib.pyplot as plt
 
 import fernwick as fw
 
+folder = sys.argv[1] if len(sys.argv) > 1 else "."
+
 rust, checker, photo = fw.Color("#c83c14"), fw.Checker("#222", odd="#ddd"), fw.Picture("examples/backdrop.png")
 mixed = dict(fDistribution="Automatic", fSubShader=[fw.Ramp(), None, rust, checker, photo, *[None] * 7])
 named = dict(fLightName="Lamp", fObjectName="Lamp", fTargetName="Lamp", fCameraName="Eye", fSurfaceName="Ring")
@@ -34,4 +36,4 @@ for axis, name in zip(axes.flat, fw.classes()):
     axis.set_title(name, fontsize=8)
 for axis in axes.flat:
     axis.set_axis_off()
-figure.savefig(f"{sys.argv[1]}/contact_sheet.png", dpi=90)
+figure.savefig(f"{folder}/contact_sheet.png", dpi=90)

@@ -6,6 +6,8 @@ import numpy as np
 
 import fernwick as fw
 
+folder = sys.argv[1] if len(sys.argv) > 1 else "."
+
 # A tube along a trefoil knot: rings of points across its axis, U along it and V around.
 along, around = 480, 32
 u, v = np.meshgrid(np.linspace(0, 1, along + 1), np.linspace(0, 1, around + 1), indexing="ij")
@@ -37,5 +39,5 @@ scene = fw.Scene(
     background=(0.02, 0.02, 0.03),
 )
 picture = fw.Graph(cloth, scene).render(400, samples=16)
-fw.save(f"{sys.argv[1]}/knot.png", picture)
-fw.save(f"{sys.argv[1]}/knot.exr", picture)
+fw.save(f"{folder}/knot.png", picture)
+fw.save(f"{folder}/knot.exr", picture)

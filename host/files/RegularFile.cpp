@@ -1,4 +1,5 @@
 #include "host/files/RegularFile.h"
+#include <fstream>
 
 namespace fernwick {
 
@@ -7,7 +8,7 @@ std::string WhyNoFile(const std::filesystem::path& path)
     std::error_code failure;
     switch (std::filesystem::status(path, failure).type()) {
     case std::filesystem::file_type::regular:
-        return "";
+        return std::ifstream(path).is_open() ? "" : "it can't be opened; is it yours to read?";
     case std::filesystem::file_type::not_found:
         return "there is no such file";
     case std::filesystem::file_type::directory:

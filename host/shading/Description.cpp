@@ -51,10 +51,12 @@ Json EntryOf(const ParameterTable& table, bool isSource)
     return entry;
 }
 
-Json EntryOf(const Field& field)
+Json EntryOf(const Field& field, const void* record)
 {
     Json entry = {{"name", field.fName}, {"type", TypeName(field.fType)}, {"label", field.fLabel},
         {"help", field.fHelp}};
+    if (record != nullptr)
+        entry["default"] = JsonOf(ValueText(field, ReadField(field, record)));
     if (!field.fUnit.empty())
         entry["unit"] = field.fUnit;
     if (field.fMinimum)
@@ -87,12 +89,8 @@ Json DescriptionOf(const ParameterTable& table, ShaderWrapper* specimen)
     if (!isSource)
         description["recordSize"] = table.fRecordSize;
     description["fields"] = Json::array();
-    for (const Field& field : table.fFields) {
-        Json entry = EntryOf(field);
-        if (record != nullptr)
-            entry["default"] = JsonOf(ValueText(field, ReadField(field, record)));
-        description["fields"].push_back(std::move(entry));
-    }
+    for (const Field& field : table.fFields)
+        description["fields"].push_back(EntryOf(field, record));
     return description;
 }
 

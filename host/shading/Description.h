@@ -17,7 +17,8 @@ Json EntryOf(const ParameterTable& table, bool isSource);
 
 /// One field as programs read it: `name`, `type`, `label` and `help`, and where it has them `unit`, `minimum`,
 /// `maximum`, `loose`, `onlyWith`, `choices` and `derived`.
-Json EntryOf(const Field& field);
+/// @param record  one whose value is its `default`; null for none
+Json EntryOf(const Field& field, const void* record = nullptr);
 
 /// All that there is to tell of a class or source: what it is and, of a class, its `recordSize` and what of a sample it
 /// `needs`; then its `fields` with their `default`.

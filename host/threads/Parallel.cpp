@@ -2,7 +2,9 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <tbb/global_control.h>
+#include <tbb/info.h>
 #include <tbb/parallel_for.h>
 #include <tbb/parallel_pipeline.h>
 #include <tbb/task_arena.h>
@@ -64,7 +66,10 @@ private:
 template <class Work> void RunInArena(int threads, const Work& work)
 {
     const int count = ThreadCount(threads);
-    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, static_cast<size_t>(count));
+    // Jobs beside this one would have as few threads; only more than usual have to be allowed.
+    std::optional<tbb::global_control> limit;
+    if (count > tbb::info::default_concurrency())
+        limit.emplace(tbb::global_control::max_allowed_parallelism, static_cast<size_t>(count));
     (*LentArena(count)).execute(work);
 }
 

@@ -81,13 +81,15 @@ def choice(name: str, value: object, known: Sequence[str]) -> str:
     return value
 
 
-def choices(name: str, value: object, known: Sequence[str]) -> list[str]:
-    """One or several of known names, each once."""
+def choices(name: str, value: object, known: Sequence[str], *, none: bool = False) -> list[str]:
+    """One or several of known names, each once, or none where that means something."""
     if isinstance(value, str):
         return [choice(name, value, known)]
     if not isinstance(value, Iterable):
         raise TypeError(f"{name}: expected a name or several, got {shown(value)}")
     names = [choice(name, each, known) for each in value]
+    if not names and not none:
+        raise ValueError(f"{name}: expected a name or several, got none")
     if len(set(names)) < len(names):
         raise ValueError(f"{name}: expected each name once, got {names!r}")
     return names
@@ -102,7 +104,14 @@ def path(name: str, value: object) -> str:
         raise TypeError(f"{name}: expected a file's name, got {shown(value)}")
     if not converted or "\0" in converted:
         raise ValueError(f"{name}: expected a file's name, got {shown(value)}")
-    return converted
+    return utf8(name, converted)
+
+
+def utf8(name: str, text: str) -> str:
+    """A text that isn't one of half characters, as the names of some files are."""
+    if any("\ud800" <= letter <= "\udfff" for letter in text):
+        raise ValueError(f"{name}: expected a name in UTF-8, got {text!r}; give the file another one")
+    return text
 
 
 def size(width: object, height: object, of_model: bool = False) -> tuple[int, int]:
@@ -116,11 +125,12 @@ def region(value: object, width: int, height: int) -> tuple[int, int, int, int] 
     if value is None:
         return None
     try:
-        left, top, right, bottom = (integer("region", each, -(2**31), 2**31) for each in value)  # type: ignore[attr-defined]
+        edges = [operator.index(each) for each in value]  # type: ignore[attr-defined]
     except TypeError as error:
         raise TypeError(f"region: expected left, top, right and bottom as integers, got {shown(value)}") from error
-    except ValueError as error:
-        raise ValueError(f"region: expected left, top, right and bottom, got {shown(value)}") from error
+    if len(edges) != 4:
+        raise ValueError(f"region: expected left, top, right and bottom, got {shown(value)}")
+    left, top, right, bottom = edges
     if not (0 <= left < right <= width and 0 <= top < bottom <= height):
         raise ValueError(f"region: expected a pixel or more within {width} x {height}, got {shown(value)}")
     return left, top, right, bottom

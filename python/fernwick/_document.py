@@ -3,11 +3,13 @@
 from __future__ import annotations
 
 import itertools
+import json
 import re
 from collections.abc import Iterator, Mapping
 from pathlib import PurePath
 from typing import Any
 
+from . import _arguments, _native
 from ._errors import GraphError
 from ._keyed import Keyed
 from ._mesh import Mesh
@@ -30,6 +32,23 @@ class DocumentBuilder:
         self._taken: set[str] = set()
         self._reserved: frozenset[str] = frozenset()
         self._shaders: dict[str, Json] = {}
+
+    def document(self, document: object, scene: object) -> dict[str, Json] | str:
+        """The document of a shader, a mapping or a text, with a scene if one is given."""
+        self.reserve(document, scene)
+        members: dict[str, Json] | str
+        if isinstance(document, Shader):
+            members = self.of_shader(document)
+        elif isinstance(document, Mapping):
+            members = self.of_mapping(document)
+        elif isinstance(document, str):
+            members = document if scene is None else _parsed(document)
+        else:
+            hint = "; Graph.load reads files" if isinstance(document, PurePath) else ""
+            raise TypeError(f"document: expected a shader, a mapping or JSON, got {type(document).__name__}{hint}")
+        if scene is not None and not isinstance(members, str):
+            self.add_scene(members, scene)
+        return members
 
     def of_shader(self, output: Shader) -> dict[str, Json]:
         """The document of a shader and all that is plugged in below it."""
@@ -127,6 +146,14 @@ def _find_shaders(value: object, found: dict[int, Shader]) -> None:
     if isinstance(value, (list, tuple)):
         for member in value:
             _find_shaders(member, found)
+
+
+def _parsed(text: str) -> dict[str, Any]:
+    _native.Sequence(text, "", "", {}, {})  # its errors are those of all documents
+    document = json.loads(text)
+    if not isinstance(document, dict):
+        raise GraphError(f"the document: expected an object, got {_arguments.shown(document)}")
+    return document
 
 
 _FILE = re.compile(r"\.(file|path)(\.keys\[\d+\]\[1\])?$")  # places

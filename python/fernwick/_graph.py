@@ -59,19 +59,12 @@ class Graph:
         files: Mapping[str, Any] | None = None,
     ) -> None:
         builder = DocumentBuilder()
-        builder.reserve(document, scene)
-        members: dict[str, Any] | str
-        if isinstance(document, Shader):
-            members = builder.of_shader(document)
-        elif isinstance(document, Mapping):
-            members = builder.of_mapping(document)
-        elif isinstance(document, str):
-            members = document if scene is None else _parsed(document)
-        else:
-            hint = "; Graph.load reads files" if isinstance(document, Path) else ""
-            raise TypeError(f"document: expected a shader, a mapping or JSON, got {type(document).__name__}{hint}")
-        if scene is not None and not isinstance(members, str):
-            builder.add_scene(members, scene)
+        try:
+            members = builder.document(document, scene)
+        except RecursionError:
+            raise GraphError("the document holds itself, or it is too deep: 256 shaders are the most") from None
+        if files is not None and not isinstance(files, Mapping):
+            raise TypeError(f"files: expected what another graph has, got {_arguments.shown(files)}")
         for token, file in ({} if files is None else files).items():
             builder.files[token] = Pixels.of(file, f"files[{token!r}]") if is_array(file) else file
             if not isinstance(builder.files[token], (Pixels, Mesh)):
@@ -267,8 +260,9 @@ class Graph:
         target = _target(onto, _arguments.text("node", node))
         columns, rows = _arguments.size(width, height, target is not None)
         names = _arguments.choices("output", output, self.outputs)
-        if target is None and tile is not None:
-            raise ValueError("tile: only models have tiles; see onto")
+        for name, value, usual in (("tile", tile, None), ("uv_set", uv_set, 0), ("margin", margin, 16)):
+            if target is None and value != usual:
+                raise ValueError(f"{name}: is for models; see onto")
         ground = Graph(over) if isinstance(over, Shader) else over
         if ground is not None and not isinstance(ground, Graph):
             raise TypeError(f"over: expected a Graph or a shader, got {type(over).__name__}")
@@ -371,7 +365,7 @@ class Graph:
         """
         columns, rows = _arguments.size(width, height)
         groups = _native.layer_groups()
-        wanted = groups if layers == "all" else _arguments.choices("layers", () if layers is None else layers, groups)
+        wanted = groups if layers == "all" else _arguments.choices("layers", () if layers is None else layers, groups, none=True)
         view = _arguments.text("camera", camera)
         if view:
             _arguments.choice("camera", view, self.cameras)
@@ -499,14 +493,6 @@ def _remake(text: str, folder: Path, name: str, files: dict[str, File], frame: f
     graph = Graph.__new__(Graph)
     graph._take(text, folder, name, files, frame, is_quiet=True)  # it was told where it was made
     return graph
-
-
-def _parsed(text: str) -> dict[str, Any]:
-    _native.Sequence(text, "", "", {}, {})  # its errors are those of all documents
-    document = json.loads(text)
-    if not isinstance(document, dict):
-        raise GraphError(f"the document: expected an object, got {_arguments.shown(document)}")
-    return document
 
 
 def _target(onto: PathLike | Mesh | None, node: str) -> str | _native.Mesh | None:

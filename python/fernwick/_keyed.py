@@ -26,7 +26,10 @@ class Keyed:
     def __init__(
         self, keys: Mapping[int, Any] | Mapping[float, Any] | Iterable[tuple[float, Any]], between: str | None = None
     ) -> None:
-        pairs: Iterable[tuple[float, Any]] = keys.items() if isinstance(keys, Mapping) else keys
+        try:
+            pairs = [(frame, value) for frame, value in (keys.items() if isinstance(keys, Mapping) else keys)]
+        except (TypeError, ValueError):
+            raise TypeError(f"keys: expected values by frame, got {_arguments.shown(keys)}") from None
         self._keys = tuple((_arguments.frame("keys", frame), value) for frame, value in pairs)
         self._between = None if between is None else _arguments.choice("between", between, BETWEEN)
         frames = [frame for frame, _ in self._keys]

@@ -76,8 +76,10 @@ def frozen(array: Any) -> Any:
 
 
 def own(array: Any, dtype: Any = None) -> Any:
-    """A contiguous, read-only copy."""
-    return frozen(numpy().array(array, dtype=dtype, order="C", copy=True))
+    """A contiguous copy that nobody can make writable."""
+    np = numpy()
+    copy = np.ascontiguousarray(array, dtype=dtype)
+    return np.frombuffer(copy.tobytes(), copy.dtype).reshape(copy.shape) if copy.size else frozen(copy.copy())
 
 
 def _contiguous(array: Any, dtype: str) -> Any:

@@ -41,7 +41,7 @@ def plain(value: Any, place: str, special: Special) -> Json:
         members = {}
         for key, member in value.items():
             if not isinstance(key, str):
-                raise TypeError(f"{place}: expected texts as keys, got {key!r}")
+                raise TypeError(f"{place or 'the document'}: expected texts as keys, got {key!r}")
             members[key] = plain(member, f"{place}.{key}" if place else key, special)
         return members
     if isinstance(value, (list, tuple)):

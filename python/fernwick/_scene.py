@@ -29,7 +29,7 @@ class _Part:
         members: dict[str, Any] = {} if self._kind is None else {"kind": self._kind}
         for each in dataclasses.fields(self):
             value = getattr(self, each.name)
-            if value is not None and not (each.metadata.get("empty") and len(value) == 0):
+            if value is not None and not (each.metadata.get("empty") and _is_empty(value)):
                 members[_camel(each.name)] = value
         return members
 
@@ -40,9 +40,13 @@ class _Part:
             is_needed = each.default is dataclasses.MISSING and each.default_factory is dataclasses.MISSING
             if is_needed:
                 parts.append(repr(value))
-            elif value is not None and not (each.metadata.get("empty") and len(value) == 0):
+            elif value is not None and not (each.metadata.get("empty") and _is_empty(value)):
                 parts.append(f"{each.name}={value!r}")
         return f"{type(self).__name__}({', '.join(parts)})"
+
+
+def _is_empty(value: object) -> bool:
+    return isinstance(value, (Sequence, Mapping)) and not value
 
 
 def _camel(name: str) -> str:

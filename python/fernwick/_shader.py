@@ -5,7 +5,7 @@ from __future__ import annotations
 from collections.abc import Iterator
 from typing import TYPE_CHECKING, Any, ClassVar
 
-from . import _native
+from . import _arguments, _native
 from ._errors import GraphError, hint
 from ._keyed import Keyed
 from ._pixels import Pixels
@@ -59,7 +59,7 @@ class Shader(Pluggable):
                     f'{type(self).__name__}() got an unexpected keyword argument "{keyword}"'
                     + hint(keyword, [row.keyword for row in table.rows.values()])
                 )
-            self[address] = value
+            self._set_field(address, value, is_new=True)
 
     @property
     def name(self) -> str | None:
@@ -72,10 +72,14 @@ class Shader(Pluggable):
             raise TypeError(f"{type(self).__name__}: name: expected a text or None, got {name!r}")
         if name == "":
             raise GraphError(f"{type(self).__name__}: name: expected a text that isn't empty")
+        if name is not None:
+            _arguments.utf8(f"{type(self).__name__}: name", name)
         object.__setattr__(self, "_name", name)
 
     def __getitem__(self, address: str) -> Any:
         """The value at an address, such as "fRange[3]": what was set there, or the default."""
+        if not isinstance(address, str):
+            raise TypeError(f"{type(self).__name__}: expected the address of a field, got {address!r}")
         row = self._table.at(address)
         if row is None:
             raise KeyError(f'{type(self).__name__} has no field "{address}"{hint(address, self._table.leaves)}')
@@ -88,13 +92,17 @@ class Shader(Pluggable):
         return _outward(self._settings[address])
 
     def __setitem__(self, address: str, value: Any) -> None:
+        self._set_field(address, value)
+
+    def _set_field(self, address: str, value: Any, *, is_new: bool = False) -> None:
+        """Sets a field of a shader, which nothing can hold yet when it is new."""
         row = self._table.at(address)
         place = f"{type(self).__name__}.{address}"
         if row is None:
             known = self._table.leaves + list(self._table.rows)
             raise GraphError(f"{place}: there is no such field{hint(address, known)}")
         value = settle(row, value, place)
-        if any(_reaches(shader, self) for shader in plugged_in(value)):
+        if not is_new and any(_reaches(shader, self) for shader in plugged_in(value)):
             raise GraphError(f"{place}: the shader would plug in itself")
         for each in at_each_key(value):
             self._check(address, each)
@@ -205,7 +213,7 @@ def _reaches(start: Shader, target: Shader) -> bool:
             return True
         if id(shader) not in seen:
             seen.add(id(shader))
-            waiting += shader.shaders
+            waiting += [each for value in shader._settings.values() for each in plugged_in(value)]
     return False
 
 

@@ -193,6 +193,8 @@ def describe(name: str | type | object) -> ClassDescription:
             raise TypeError(f"name: expected a class's name, got {type(name).__name__}")
         name = table.name
     known = classes() + sources()
+    if name not in known and name.lower() in sources():
+        name = name.lower()  # a source goes by its class here
     if name not in known:
         raise KeyError(f'there is no class "{name}"{hint(name, known)}')
     return _described(name)

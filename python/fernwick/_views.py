@@ -28,6 +28,9 @@ class View:
         for name, value in (("_shader", shader), ("_address", address), ("_row", row)):
             object.__setattr__(self, name, value)
 
+    def __reduce__(self) -> tuple[Any, ...]:
+        return type(self), (self._shader, self._address, self._row)
+
     def values(self) -> Any:
         """As they are now, apart from the shader."""
         raise NotImplementedError
@@ -54,7 +57,9 @@ class Array(View, Sequence[Item]):
             return [self[i] for i in range(*index.indices(len(self)))]
         return self._shader[self._at(index)]
 
-    def __setitem__(self, index: int, value: Any) -> None:
+    def __setitem__(self, index: int | slice, value: Any) -> None:
+        if isinstance(index, slice):
+            raise TypeError(f"{self._address}: elements are set one by one, or all at once")
         self._shader[self._at(index)] = value
 
     def __delitem__(self, index: int) -> None:

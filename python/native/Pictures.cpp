@@ -112,11 +112,14 @@ void Write(const std::string& path, const Floats& pixels, const std::string& con
     const fernwick::PictureShape shape = fernwick::PictureShape::Whole(
         static_cast<int>(pixels.shape(1)), static_cast<int>(pixels.shape(0)), ContentOf(content));
     const fernwick::PictureLayout layout{bits, straight, tiled, compression};
-    Serve(py::none(), [&](Control&) {
-        fernwick::RequireFit(path, layout);
+    Serve(py::none(), [&](Control& control) {
         fernwick::PictureWriter writer(path, shape, layout, threads);
-        writer.Write(all);
-        writer.Finish();
+        const auto width = static_cast<size_t>(shape.width);
+        const size_t pixelsAtATime = std::max<size_t>((1 << 16) / width, 1) * width; // some milliseconds
+        for (size_t first = 0; first < all.size() && !control.fCancel; first += pixelsAtATime)
+            writer.Write(all.subspan(first, std::min(pixelsAtATime, all.size() - first)));
+        if (!control.fCancel)
+            writer.Finish();
     });
 }
 

@@ -1,6 +1,7 @@
 #include "python/native/Serve.h"
 #include <chrono>
 #include <condition_variable>
+#include <cxxabi.h>
 #include <exception>
 #include <mutex>
 #include <stdexcept>
@@ -102,6 +103,32 @@ private:
     }
 };
 
+/// This thread without the interpreter's lock, for as long as this lives.
+class Unlocked {
+public:
+    Unlocked() { Unlock(); }
+    ~Unlocked() { Lock(); }
+    Unlocked(const Unlocked&) = delete;
+    Unlocked& operator=(const Unlocked&) = delete;
+
+    void Unlock() { fState = PyEval_SaveThread(); }
+
+    /// An interpreter that ends ends each other thread that asks for its lock, by unwinding it, which no destructor
+    /// bears. Such a thread waits here for the end of the process.
+    void Lock()
+    {
+        try {
+            PyEval_RestoreThread(fState);
+        } catch (const abi::__forced_unwind&) {
+            for (;;)
+                pause();
+        }
+    }
+
+private:
+    PyThreadState* fState;
+};
+
 /// Lets Python do what waits for it: handlers of signals, and who wants to know how far the work is.
 void Attend(const py::object& progress, double share, double& told)
 {
@@ -128,7 +155,7 @@ void Serve(const py::object& progress, const std::function<void(Control&)>& work
     std::exception_ptr interruption;
     double told = 0;
     {
-        const py::gil_scoped_release released;
+        Unlocked unlocked;
         Lent worker;
         worker->Start([&] {
             gControl = &control;
@@ -142,13 +169,14 @@ void Serve(const py::object& progress, const std::function<void(Control&)>& work
         while (!worker->IsDoneAfter(kBetweenQuestions)) {
             if (interruption)
                 continue;
-            const py::gil_scoped_acquire acquired;
+            unlocked.Lock();
             try {
                 Attend(progress, control.fShare, told);
             } catch (...) {
                 interruption = std::current_exception();
                 control.fCancel = true;
             }
+            unlocked.Unlock();
         }
     }
     if (interruption)

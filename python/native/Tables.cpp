@@ -48,11 +48,20 @@ Json JsonOf(const std::vector<fernwick::Row>& rows)
     return json;
 }
 
+Json ParseValue(const std::string& address, const std::string& json)
+{
+    try {
+        return fernwick::ParseJson(json);
+    } catch (const fernwick::GraphError& error) {
+        throw fernwick::GraphError(address + ": " + error.what());
+    }
+}
+
 void CheckField(const std::string& name, const std::string& address, const std::string& json,
     const std::vector<std::string>& shaders)
 {
     const fernwick::ParameterTable& table = TableOf(name);
-    const Json value = fernwick::ParseJson(json);
+    const Json value = ParseValue(address, json);
     fernwick::ShaderNames names;
     for (const std::string& shader : shaders)
         names.emplace(shader, names.size());

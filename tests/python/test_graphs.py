@@ -94,7 +94,7 @@ def test_names_that_were_given_come_before_those_that_are_made():
         (lambda: Graph(Checker()).bake(8, region=(0, 0, 9, 8)), ValueError, "region: expected a pixel or more within 8 x 8"),
         (lambda: Graph(Checker()).bake(8, samples=0), ValueError, "samples"),
         (lambda: Graph(Checker()).bake(8, onto="nothing.obj"), fernwick.ModelError, "nothing.obj"),
-        (lambda: Graph(Checker()).bake(8, tile=1001), ValueError, "tile: only models have tiles"),
+        (lambda: Graph(Checker()).bake(8, tile=1001), ValueError, "tile: is for models"),
         (lambda: Graph(Checker()).bake(8, onto=EXAMPLES / "vase.obj"), ValueError, "1001"),
         (lambda: Graph(Checker()).bake(8, over=3), TypeError, "over: expected a Graph"),
         (lambda: Graph(Checker()).bake(8, progress=3), TypeError, "progress"),
@@ -115,6 +115,7 @@ def test_names_that_were_given_come_before_those_that_are_made():
         (lambda: fernwick.save("a.png", np.zeros((2, 2), np.uint8)), TypeError, "array: expected floats"),
         (lambda: fernwick.save("a.jpg", np.zeros((2, 2))), fernwick.FileError, "a.jpg"),
         (lambda: fernwick.validate("nothing.so"), fernwick.LibraryError, "nothing.so"),
+        (lambda: fernwick.validate(only=[]), ValueError, "only: expected a name or several, got none"),
         (lambda: fernwick.validate(only="leeks"), ValueError, 'did you mean "leaks"?'),
         (lambda: fernwick.set_library("/nothing.so"), fernwick.LibraryError, ""),
     ],
@@ -209,6 +210,27 @@ def test_an_array_can_be_larger_than_what_is_shaded_of_it():
     assert np.array_equal(part, whole["color"][2:7, 3:11])
     assert np.array_equal(graph.bake(40, 30, threads=1), whole["color"])
     assert json.loads(run_command("list", "--json"))["classes"]
+
+
+def test_depth_has_an_end_with_a_reason():
+    chain = Checker()
+    for _ in range(250):
+        chain = fernwick.Gray(fSubShader=chain)
+    assert Graph(chain).bake(1).shape == (1, 1, 4)
+    for _ in range(600):
+        chain = fernwick.Gray(fSubShader=chain)
+    endless = {"shaders": {}, "output": "a"}
+    endless["scene"] = endless
+    for deep in (chain, endless):
+        with pytest.raises(GraphError, match="256 shaders"):
+            Graph(deep)
+
+
+def test_arrays_of_meshes_and_pictures_cannot_be_made_writable():
+    mesh = Mesh(*SQUARE, np.zeros((4, 2)))
+    for array in (mesh.vertices, mesh.triangles, mesh.uvs[0], Picture(np.ones((2, 2))).file):
+        with pytest.raises(ValueError, match="WRITEABLE|read-only"):
+            array.flags.writeable = True
 
 
 @pytest.mark.parametrize("name", ["/dev/full", "folder"])

@@ -97,6 +97,16 @@ def test_graphs_go_to_other_processes():
     assert np.array_equal(made, graph.bake())
 
 
+def test_a_process_may_end_while_a_thread_shades():
+    program = """
+import threading, time, fernwick
+graph = fernwick.Graph(fernwick.Iridescent())
+threading.Thread(target=lambda: [graph.bake(256, progress=id) for _ in range(1000)], daemon=True).start()
+time.sleep(0.3)
+"""
+    assert not run_python(program).stderr
+
+
 def resident():
     """Bytes of memory in use."""
     return int(Path("/proc/self/statm").read_text().split()[1]) * os.sysconf("SC_PAGE_SIZE")

@@ -195,3 +195,9 @@ def test_random_records_shade_as_in_the_command(tmp_path, shader):
         if mine.ndim == 2:
             wanted = wanted[..., 0]
         assert np.array_equal(mine, wanted, equal_nan=True)
+
+
+def test_views_copy_and_pickle_with_their_shader():
+    where = fernwick.Location(fAxes=[{"fEnabled": True, "fEdgeB": 2}, {}, {}])
+    for view in (where.fAxes, where.fAxes[0]):
+        assert copy.copy(view) == copy.deepcopy(view) == pickle.loads(pickle.dumps(view)) == view
