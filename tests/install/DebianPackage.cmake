@@ -44,7 +44,7 @@ holds(fernwick "[^\n]*fernwick-shaders \\(= [0-9.]+\\)[^\n]*libopenimageio[^\n]*
     share/fernwick/graph.schema.json share/man/man1/fernwick.1
     share/bash-completion/completions/fernwick share/zsh/vendor-completions/_fernwick)
 holds(python3-fernwick
-    "[^\n]*fernwick-shaders \\(= [0-9.]+\\)[^\n]*libopenimageio[^\n]*python3 \\(<< 3.12\\)[^\n]*python3-numpy"
+    "fernwick-shaders \\(= [0-9.]+\\), python3 \\(>= 3.11\\), python3 \\(<< 3.12\\), python3-numpy, [^\n]*libopenimageio[^\n]*"
     lib/python3/dist-packages/fernwick/__init__.py lib/python3/dist-packages/fernwick/py.typed
     lib/python3/dist-packages/fernwick/_shaders.pyi
     lib/python3/dist-packages/fernwick/_native.cpython-311-x86_64-linux-gnu.so)
