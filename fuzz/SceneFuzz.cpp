@@ -1,5 +1,6 @@
 // Bytes are a scene file, glTF when they start with a brace, else OBJ. It is refused with a SceneFileError, or it makes
 // a scene that rays can be cast into.
+#include "host/documents/GltfText.h"
 #include "host/documents/SceneFile.h"
 #include "host/scene/Instance.h"
 #include "host/scene/Scene.h"
@@ -15,22 +16,26 @@ namespace {
 /// There is one file, whatever others it refers to.
 class OneFile final : public Assimp::IOSystem {
 public:
-    OneFile(std::string name, const uint8_t* data, size_t size)
-        : fName(std::move(name)), fData(data), fSize(size)
-    { }
+    OneFile(std::string name, std::span<const uint8_t> bytes)
+        : fName(std::move(name)), fBytes(bytes.begin(), bytes.end())
+    {
+        if (IsGltf(fName))
+            OpenLineLoops(fBytes);
+    }
 
     bool Exists(const char* file) const override { return file == fName; }
     char getOsSeparator() const override { return '/'; }
     Assimp::IOStream* Open(const char* file, const char*) override
     {
-        return Exists(file) ? new Assimp::MemoryIOStream(fData, fSize) : nullptr;
+        return Exists(file)
+            ? new Assimp::MemoryIOStream(reinterpret_cast<uint8_t*>(fBytes.data()), fBytes.size())
+            : nullptr;
     }
     void Close(Assimp::IOStream* stream) override { delete stream; }
 
 private:
     std::string fName;
-    const uint8_t* fData;
-    size_t fSize;
+    std::vector<char> fBytes;
 };
 
 void CastRays(const SceneDescription& description)
@@ -63,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     const std::string name = data[0] == '{' ? "scene.gltf" : "scene.obj";
     static Assimp::Importer importer; // a new one costs more than reading
-    importer.SetIOHandler(new OneFile(name, data, size));
+    importer.SetIOHandler(new OneFile(name, {data, size}));
     try {
         SceneFile file = ReadSceneFile(name, importer);
         CastRays({.fElements = std::move(file.fElements)});

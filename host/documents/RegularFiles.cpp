@@ -1,4 +1,5 @@
 #include "host/documents/RegularFiles.h"
+#include "host/documents/GltfText.h"
 #include "host/files/RegularFile.h"
 #include <algorithm>
 #include <assimp/IOStream.hpp>
@@ -8,16 +9,18 @@ namespace fernwick {
 
 namespace {
 
-/// A file that tells how much of it is read.
+/// A scene that tells how much of it is read. Readers of glTF take its text at once.
 class CountedFile final : public Assimp::IOStream {
 public:
-    CountedFile(std::unique_ptr<IOStream> file, const std::function<void(double)>& show)
-        : fFile(std::move(file)), fShow(show)
+    CountedFile(std::unique_ptr<IOStream> file, bool isGltf, const std::function<void(double)>& show)
+        : fFile(std::move(file)), fIsGltf(isGltf), fShow(show)
     { }
 
     size_t Read(void* buffer, size_t size, size_t count) override
     {
         const size_t read = fFile->Read(buffer, size, count);
+        if (fIsGltf)
+            OpenLineLoops({static_cast<char*>(buffer), read * size});
         fRead += static_cast<double>(read * size);
         fShow(std::min(fRead / std::max(static_cast<double>(FileSize()), 1.0), 1.0));
         return read;
@@ -33,6 +36,7 @@ public:
 
 private:
     std::unique_ptr<IOStream> fFile;
+    bool fIsGltf;
     const std::function<void(double)>& fShow;
     double fRead = 0; // bytes, some of them more than once
 };
@@ -54,7 +58,7 @@ Assimp::IOStream* RegularFiles::Open(const char* file, const char* mode)
         fOpened.emplace_back(file);
     if (opened == nullptr || file != fScene)
         return opened.release();
-    return new CountedFile(std::move(opened), fShow);
+    return new CountedFile(std::move(opened), IsGltf(file), fShow);
 }
 
 } // namespace fernwick

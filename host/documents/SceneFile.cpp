@@ -1,5 +1,6 @@
 #include "host/documents/SceneFile.h"
 #include "frame/Numbers.h"
+#include "host/documents/GltfText.h"
 #include "host/documents/JoinVertices.h"
 #include "host/documents/RegularFiles.h"
 #include "host/documents/SmoothNormals.h"
@@ -13,7 +14,6 @@
 #include <assimp/scene.h>
 #include <cmath>
 #include <fmt/format.h>
-#include <initializer_list>
 #include <memory>
 #include <set>
 #include <span>
@@ -432,14 +432,6 @@ constexpr double kShareRead = 0.35;
 constexpr double kShareSmooth = 0.65;
 constexpr double kShareJoined = 0.75;
 
-bool HasEnding(const std::filesystem::path& file, std::initializer_list<std::string_view> endings)
-{
-    std::string ending = file.extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-        [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return std::find(endings.begin(), endings.end(), ending) != endings.end();
-}
-
 /// Gives all meshes normals, and joins their vertices.
 void Finish(aiScene& scene, const SceneFileProgress& show)
 {
@@ -471,7 +463,7 @@ SceneFile ReadWith(Assimp::Importer& importer, const std::filesystem::path& file
         throw SceneFileError(fmt::format("{} can't be read: {}", file.string(), WhyNotRead(importer)));
     Finish(*scene, show);
     try {
-        SceneFile read = SceneFileReader(*scene, HasEnding(file, {".gltf", ".glb"}), options)
+        SceneFile read = SceneFileReader(*scene, IsGltf(file), options)
                              .Read(*scene->mRootNode, file.filename().string());
         if (read.fElements.empty())
             throw SceneFileError("it holds no scene");

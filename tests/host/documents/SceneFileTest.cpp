@@ -215,6 +215,14 @@ TEST_F(SceneFileTest, DamagedScenesAreRefused)
         "accessors": [{"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3"}],
         "bufferViews": [{"buffer": 0, "byteLength": 36}], "buffers": [{"byteLength": 36, "uri": "part.bin"}]})")),
         testing::HasSubstr("pipe.gltf can't be read: "));
+    // A loop of lines, none of whose vertices is there.
+    EXPECT_THAT(
+        ErrorOf(Store("loop.gltf", R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
+        "nodes": [{"mesh": 0}], "meshes": [{"primitives": [{"attributes": {}, "indices": 0, "mode" : 2}]}],
+        "accessors": [{"bufferView": 0, "componentType": 5123, "count": 3, "type": "SCALAR"}],
+        "bufferViews": [{"buffer": 0, "byteLength": 6}],
+        "buffers": [{"byteLength": 6, "uri": "data:application/octet-stream;base64,AAABAAIA"}]})")),
+        testing::HasSubstr("loop.gltf can't be read: "));
     std::string nodes = R"({"name": "n0"})";
     for (int i = 1; i < 400; ++i)
         nodes += ", {\"children\": [" + std::to_string(i - 1) + "]}";
