@@ -81,4 +81,13 @@ constexpr ShadingOperation kOperations[] = {
 
 std::span<const ShadingOperation> ShadingOperations() { return kOperations; }
 
+std::vector<ShadingOperation> ShadingOperationsOf(uint32_t kinds)
+{
+    std::vector<ShadingOperation> offered;
+    for (const ShadingOperation& operation : kOperations)
+        if ((kinds & static_cast<uint32_t>(operation.fKind)) != 0)
+            offered.push_back(operation);
+    return offered;
+}
+
 } // namespace fernwick

@@ -3,6 +3,7 @@
 #include "frame/ShadingIn.h"
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace fernwick {
 
@@ -21,6 +22,9 @@ struct ShadingOperation {
 
 /// All operations, in order.
 std::span<const ShadingOperation> ShadingOperations();
+
+/// Those that an output of these kinds offers, in order.
+std::vector<ShadingOperation> ShadingOperationsOf(uint32_t kinds);
 
 /// The most numbers that an operation answers.
 constexpr size_t kMostNumbers = 26;

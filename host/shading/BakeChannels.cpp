@@ -22,6 +22,14 @@ constexpr NamedBakeChannel kChannels[] = {
 
 std::span<const NamedBakeChannel> BakeChannels() { return kChannels; }
 
+std::optional<BakeChannel> FindBakeChannel(std::string_view name)
+{
+    for (const NamedBakeChannel& named : kChannels)
+        if (named.name == name)
+            return named.channel;
+    return std::nullopt;
+}
+
 std::string_view NameOf(BakeChannel channel)
 {
     return std::find_if(std::begin(kChannels), std::end(kChannels), [channel](const NamedBakeChannel& named) {

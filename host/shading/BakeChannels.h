@@ -1,5 +1,6 @@
 #pragma once
 #include "host/pictures/PictureFormat.h"
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -27,6 +28,9 @@ struct NamedBakeChannel {
 
 /// All channels, in order.
 std::span<const NamedBakeChannel> BakeChannels();
+
+/// The channel of exactly this name; none when there is no such one.
+std::optional<BakeChannel> FindBakeChannel(std::string_view name);
 
 std::string_view NameOf(BakeChannel channel);
 PictureContent ContentOf(BakeChannel channel);

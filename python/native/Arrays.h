@@ -6,9 +6,6 @@
 
 using Floats = pybind11::array_t<float, pybind11::array::c_style>;
 
-/// An array of its own, not set.
-inline Floats MakeFloats(const std::vector<pybind11::ssize_t>& shape) { return Floats(shape); }
-
 /// A view of numbers that live as long as `owner`, which Python can't write.
 template <class Number>
 pybind11::array ReadOnly(

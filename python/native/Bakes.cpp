@@ -6,6 +6,7 @@
 #include "python/native/Arrays.h"
 #include "python/native/Graphs.h"
 #include "python/native/LoadedLibrary.h"
+#include "python/native/Region.h"
 #include "python/native/Rooms.h"
 #include "python/native/Serve.h"
 #include <fmt/format.h>
@@ -25,9 +26,8 @@ using Model = std::variant<std::string, const PyMesh*>;
 
 BakeChannel ChannelOf(const std::string& name)
 {
-    for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
-        if (named.name == name)
-            return named.channel;
+    if (const auto channel = fernwick::FindBakeChannel(name))
+        return *channel;
     throw fernwick::BakeError(fmt::format("there is no output \"{}\"", name));
 }
 
@@ -43,7 +43,7 @@ public:
             std::vector<py::ssize_t> shape = {region.Height(), region.Width()};
             if (!isNumber)
                 shape.push_back(4);
-            fArrays.push_back(MakeFloats(shape));
+            fArrays.push_back(Floats(shape));
             fTargets.push_back({fArrays.back().mutable_data(), isNumber});
         }
     }
@@ -127,8 +127,7 @@ fernwick::UVTile FindTile(const std::vector<fernwick::UVTile>& tiles, int number
 }
 
 /// Bakes onto a model.
-/// @return false when cancelled
-bool BakeOnto(const fernwick::Library& library, const fernwick::OntoModel& onto, int set, int tile,
+void BakeOnto(const fernwick::Library& library, const fernwick::OntoModel& onto, int set, int tile,
     int margin, BakeJob job, const BakedArrays& arrays)
 {
     const auto tiles = TilesOf(onto, set, job.width, job.height);
@@ -137,14 +136,14 @@ bool BakeOnto(const fernwick::Library& library, const fernwick::OntoModel& onto,
     job.surface = &texels;
     const fernwick::BakeSink store = [&arrays](const fernwick::BakeBand& band) { arrays.Store(band); };
     fernwick::MarginStage stage(texels, job, margin, store);
-    return Bake(
+    Bake(
         library, onto.fDocument, stage.Job(), [&stage](const fernwick::BakeBand& band) { stage.Take(band); });
 }
 
 std::vector<Floats> BakeArrays(const PyDocument& document, int width, int height,
-    const std::vector<std::string>& channels, int samples, const std::optional<std::array<int, 4>>& region,
-    bool isGreenDown, const PyDocument* over, const std::optional<Model>& onto, const std::string& node,
-    int set, int tile, int margin, int threads, const py::object& progress)
+    const std::vector<std::string>& channels, int samples, const Region& region, bool isGreenDown,
+    const PyDocument* over, const std::optional<Model>& onto, const std::string& node, int set, int tile,
+    int margin, int threads, const py::object& progress)
 {
     const fernwick::Library& library = LoadedLibrary();
     BakeJob job;
@@ -154,12 +153,10 @@ std::vector<Floats> BakeArrays(const PyDocument& document, int width, int height
     for (const std::string& channel : channels)
         job.channels.push_back(ChannelOf(channel));
     job.samples = samples;
-    if (region)
-        job.region = PictureRegion{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
+    job.region = PictureRegionOf(region);
     job.green = isGreenDown ? fernwick::GreenDirection::kDown : fernwick::GreenDirection::kUp;
     job.ground = over != nullptr ? &over->fGraph : nullptr;
     job.threads = threads;
-    RequireChannels(library, document.fGraph, job.channels);
     BakedArrays arrays(job, RegionOf(job));
     Serve(progress, [&](Control& control) {
         job.cancel = &control.fCancel;

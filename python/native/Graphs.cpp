@@ -55,9 +55,9 @@ std::vector<std::string> OutputsOf(const PyDocument& document)
 std::vector<std::string> OperationsOf(const PyDocument& document)
 {
     std::vector<std::string> operations;
-    for (const fernwick::ShadingOperation& operation : fernwick::ShadingOperations())
-        if ((document.fGraph.OutputKinds() & static_cast<uint32_t>(operation.fKind)) != 0)
-            operations.emplace_back(operation.fName);
+    for (const fernwick::ShadingOperation& operation :
+        fernwick::ShadingOperationsOf(document.fGraph.OutputKinds()))
+        operations.emplace_back(operation.fName);
     return operations;
 }
 

@@ -2,6 +2,7 @@
 #include "host/pictures/PictureWriter.h"
 #include "host/sources/PictureSource.h"
 #include "python/native/Arrays.h"
+#include "python/native/Region.h"
 #include "python/native/Rooms.h"
 #include "python/native/Serve.h"
 #include <fmt/format.h>
@@ -124,12 +125,11 @@ void Write(const std::string& path, const Floats& pixels, const std::string& con
 }
 
 /// The shape of a picture, of which a region is written.
-fernwick::PictureShape ShapeOf(int width, int height, const std::optional<std::array<int, 4>>& region,
-    const std::string& content, const std::vector<std::string>& layers)
+fernwick::PictureShape ShapeOf(int width, int height, const Region& region, const std::string& content,
+    const std::vector<std::string>& layers)
 {
     fernwick::PictureShape shape = fernwick::PictureShape::Whole(width, height, ContentOf(content));
-    if (region)
-        shape.region = {(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
+    shape.region = PictureRegionOf(region).value_or(shape.region);
     shape.channels = layers;
     return shape;
 }
@@ -137,7 +137,7 @@ fernwick::PictureShape ShapeOf(int width, int height, const std::optional<std::a
 /// A picture file that is written from the top, some rows at a time.
 class RowWriter {
 public:
-    RowWriter(const std::string& path, int width, int height, const std::optional<std::array<int, 4>>& region,
+    RowWriter(const std::string& path, int width, int height, const Region& region,
         const std::string& content, const std::vector<std::string>& layers, int bits, bool straight,
         bool tiled, const std::string& compression, int threads)
         : RowWriter(path, ShapeOf(width, height, region, content, layers),
@@ -217,9 +217,8 @@ void AddPictures(py::module_& module)
         py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"));
     module.def("encode", &Encode, py::arg("pixels"), py::arg("content"));
     py::class_<RowWriter>(module, "RowWriter")
-        .def(py::init<const std::string&, int, int, const std::optional<std::array<int, 4>>&,
-                 const std::string&, const std::vector<std::string>&, int, bool, bool, const std::string&,
-                 int>(),
+        .def(py::init<const std::string&, int, int, const Region&, const std::string&,
+                 const std::vector<std::string>&, int, bool, bool, const std::string&, int>(),
             py::arg("path"), py::arg("width"), py::arg("height"), py::arg("region"), py::arg("content"),
             py::arg("layers"), py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"),
             py::arg("threads"))

@@ -2,9 +2,9 @@
 #include "python/native/Arrays.h"
 #include "python/native/Graphs.h"
 #include "python/native/LoadedLibrary.h"
+#include "python/native/Region.h"
 #include "python/native/Rooms.h"
 #include "python/native/Serve.h"
-#include <array>
 #include <pybind11/stl.h>
 
 namespace py = pybind11;
@@ -19,7 +19,7 @@ Floats Together(const fernwick::Picture& picture, size_t first, size_t last)
     const size_t count = last - first;
     if (count > 1)
         shape.push_back(static_cast<py::ssize_t>(count));
-    Floats array = MakeFloats(shape);
+    Floats array(shape);
     float* const numbers = array.mutable_data();
     for (size_t layer = first; layer < last; ++layer) {
         const std::vector<float>& values = picture.Channels()[layer];
@@ -47,15 +47,13 @@ py::dict ArraysOf(std::unique_ptr<fernwick::Picture> picture)
 }
 
 py::dict Render(const PyDocument& document, int width, int height, const std::string& camera, int samples,
-    const std::vector<std::string>& layers, const std::optional<std::array<int, 4>>& region, int threads,
-    const py::object& progress)
+    const std::vector<std::string>& layers, const Region& region, int threads, const py::object& progress)
 {
     const fernwick::Library& library = LoadedLibrary();
     fernwick::RenderJob job;
     job.width = width;
     job.height = height;
-    if (region)
-        job.region = fernwick::PictureRegion{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
+    job.region = PictureRegionOf(region);
     job.camera = camera;
     job.samples = samples;
     job.layers = fernwick::SurfaceLayersOf(layers);

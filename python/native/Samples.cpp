@@ -97,15 +97,13 @@ private:
     }
 };
 
-const fernwick::ShadingOperation& OperationOf(const PyDocument& document, const std::string& name)
+fernwick::ShadingOperation OperationOf(const PyDocument& document, const std::string& name)
 {
-    for (const fernwick::ShadingOperation& operation : fernwick::ShadingOperations())
-        if (operation.fName == name) {
-            if ((document.fGraph.OutputKinds() & static_cast<uint32_t>(operation.fKind)) == 0)
-                throw fernwick::BakeError(fmt::format("the output shader has no operation \"{}\"", name));
+    for (const fernwick::ShadingOperation& operation :
+        fernwick::ShadingOperationsOf(document.fGraph.OutputKinds()))
+        if (operation.fName == name)
             return operation;
-        }
-    throw fernwick::BakeError(fmt::format("there is no operation \"{}\"", name));
+    throw fernwick::BakeError(fmt::format("the output shader has no operation \"{}\"", name));
 }
 
 /// The rows of an array as vectors; null without one.
@@ -127,7 +125,7 @@ void Shade(const PyDocument& document, const std::string& name, const std::strin
     const py::object& progress)
 {
     const fernwick::Library& library = LoadedLibrary();
-    const fernwick::ShadingOperation& operation = OperationOf(document, name);
+    const fernwick::ShadingOperation operation = OperationOf(document, name);
     const size_t size = operation.fNumbers.size();
     if (numbers.ndim() != 2 || numbers.shape(0) != count
         || numbers.shape(1) != static_cast<py::ssize_t>(size))

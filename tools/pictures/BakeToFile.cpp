@@ -19,14 +19,6 @@ std::vector<std::string> ChannelsOf(const BakeOptions& options)
     return options.isLit ? std::vector<std::string>{"lit"} : options.channels;
 }
 
-fernwick::BakeChannel ChannelOf(const std::string& name)
-{
-    const auto channels = fernwick::BakeChannels();
-    return std::find_if(channels.begin(), channels.end(), [&name](const fernwick::NamedBakeChannel& named) {
-        return named.name == name;
-    })->channel;
-}
-
 /// The file of a channel.
 PictureOptions PictureOf(const BakeOptions& options, const std::string& channel)
 {
@@ -39,12 +31,13 @@ PictureOptions PictureOf(const BakeOptions& options, const std::string& channel)
 class BakedFile {
 public:
     BakedFile(const BakeOptions& options, const fernwick::BakeJob& job, const std::string& channel)
-        : fPicture(PictureOf(options, channel)), fWriter(fPicture.file,
-                                                     {.width = job.width,
-                                                         .height = job.height,
-                                                         .region = RegionOf(job),
-                                                         .content = ContentOf(ChannelOf(channel))},
-                                                     fPicture.layout, fPicture.threads)
+        : fPicture(PictureOf(options, channel)),
+          fWriter(fPicture.file,
+              {.width = job.width,
+                  .height = job.height,
+                  .region = RegionOf(job),
+                  .content = ContentOf(*fernwick::FindBakeChannel(channel))},
+              fPicture.layout, fPicture.threads)
     { }
 
     void Add(std::span<const TMCColorRGBA> pixels)
@@ -74,7 +67,7 @@ fernwick::BakeJob JobOf(const BakeOptions& options)
     job.samples = options.samples;
     job.channels.clear();
     for (const std::string& channel : ChannelsOf(options))
-        job.channels.push_back(ChannelOf(channel));
+        job.channels.push_back(*fernwick::FindBakeChannel(channel));
     job.region = RegionOf(options.picture);
     if (options.isDirectX)
         job.green = fernwick::GreenDirection::kDown;
@@ -93,8 +86,9 @@ void RequireSense(const BakeOptions& options)
     if (options.isDirectX && std::find(channels.begin(), channels.end(), "normal") == channels.end())
         throw UsageError("--directx is for a normal map; it goes with --output normal");
     if (!options.over.empty()
-        && std::none_of(channels.begin(), channels.end(),
-            [](const std::string& channel) { return fernwick::HasGround(ChannelOf(channel)); }))
+        && std::none_of(channels.begin(), channels.end(), [](const std::string& channel) {
+               return fernwick::HasGround(*fernwick::FindBakeChannel(channel));
+           }))
         throw UsageError(
             fmt::format("--over lies under a colour; the channel \"{}\" has none", channels.front()));
     for (size_t i = 1; i < channels.size(); ++i)

@@ -76,12 +76,7 @@ void PrintOperation(const fernwick::ShadingOperation& operation, const fernwick:
 std::vector<fernwick::ShadingOperation> OperationsOf(
     const fernwick::Library& library, const fernwick::GraphDocument& document)
 {
-    const uint32_t kinds = fernwick::Graph(library, document).OutputKinds();
-    std::vector<fernwick::ShadingOperation> offered;
-    for (const fernwick::ShadingOperation& operation : fernwick::ShadingOperations())
-        if ((kinds & static_cast<uint32_t>(operation.fKind)) != 0)
-            offered.push_back(operation);
-    return offered;
+    return fernwick::ShadingOperationsOf(fernwick::Graph(library, document).OutputKinds());
 }
 
 } // namespace
