@@ -1,5 +1,5 @@
-# What `cmake --install` puts where, in components: library, headers, command and, where it is built, python. The module's folder is the one in
-# which the command looks for it, so the libraries lie in lib/ on every system.
+# What `cmake --install` puts where, in components: library, headers, command and, where it is built, python. The
+# module's folder is the one in which the command looks for it, so the libraries lie in lib/ on every system.
 include(CMakePackageConfigHelpers)
 set(package lib/cmake/Fernwick_shaders)
 set(include include/fernwick)

@@ -2,7 +2,6 @@
 #include "host/json/ParseJson.h"
 #include "host/library/ShaderWrapper.h"
 #include "host/parameters/ParameterTable.h"
-#include <optional>
 
 namespace fernwick {
 

@@ -81,8 +81,8 @@ class Graph:
         return graph
 
     def save(self, path: PathLike) -> None:
-        """Writes the document as JSON, a file that appears whole or not at all. Relative file names stay as they are, so
-        they are found if it lies in `folder`.
+        """Writes the document as JSON, a file that appears whole or not at all. Relative file names stay as they are,
+        so they are found if it lies in `folder`.
 
         Raises FileError; and ValueError for a graph that holds arrays or meshes, which no file can: save those by
         themselves and name the files in the document, or pickle the graph.
@@ -365,7 +365,8 @@ class Graph:
         """
         columns, rows = _arguments.size(width, height)
         groups = _native.layer_groups()
-        wanted = groups if layers == "all" else _arguments.choices("layers", () if layers is None else layers, groups, none=True)
+        chosen = () if layers is None else layers
+        wanted = groups if layers == "all" else _arguments.choices("layers", chosen, groups, none=True)
         view = _arguments.text("camera", camera)
         if view:
             _arguments.choice("camera", view, self.cameras)

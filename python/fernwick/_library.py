@@ -38,7 +38,8 @@ def find_library() -> Path:
     """What is loaded unless `set_library` says otherwise. Raises LibraryError."""
     if named := os.environ.get(_VARIABLE):
         if not Path(named).is_file():
-            raise LibraryError(f"{_VARIABLE}: {named}: {'it is a folder' if Path(named).is_dir() else 'there is no such file'}")
+            reason = "it is a folder" if Path(named).is_dir() else "there is no such file"
+            raise LibraryError(f"{_VARIABLE}: {named}: {reason}")
         return Path(named).absolute()
     folder = Path(__file__).resolve().parent
     candidates = [Path(os.path.normpath(folder / place / _NAME)) for place in _PLACES]
