@@ -12,7 +12,8 @@ void AnswerValue(const Graph& graph, ShadingIn& in, float* numbers)
 {
     float value = 0;
     bool fullArea = false;
-    const float coverage = graph.Output().ShadeValue(value, fullArea, in);
+    float coverage = 0;
+    graph.ForOutput([&](auto& shader) { coverage = shader.ShadeValue(value, fullArea, in); });
     const float answer[] = {value, coverage, static_cast<float>(fullArea)};
     static_assert(std::size(answer) == std::size(kValueNumbers));
     std::copy(std::begin(answer), std::end(answer), numbers);
@@ -24,7 +25,8 @@ void AnswerColor(const Graph& graph, ShadingIn& in, float* numbers)
 {
     TMCColorRGBA color = TMCColorRGBA::kOpaqueBlack;
     bool fullArea = false;
-    const float coverage = graph.Output().ShadeColor(color, fullArea, in);
+    float coverage = 0;
+    graph.ForOutput([&](auto& shader) { coverage = shader.ShadeColor(color, fullArea, in); });
     const float answer[]
         = {color.fRed, color.fGreen, color.fBlue, color.fAlpha, coverage, static_cast<float>(fullArea)};
     static_assert(std::size(answer) == std::size(kColorNumbers));
@@ -52,7 +54,8 @@ static_assert(std::size(kSurfaceNumbers) <= kMostNumbers);
 void AnswerSurface(const Graph& graph, ShadingIn& in, float* numbers)
 {
     ShadingOut result;
-    const bool produced = graph.Output().ShadeSurface(result, in) != 0;
+    bool produced = false;
+    graph.ForOutput([&](auto& shader) { produced = shader.ShadeSurface(result, in) != 0; });
     if (!produced)
         result.Clear();
     const TMCColorRGBA& main = result.fColor;

@@ -16,7 +16,8 @@ struct ShadingOperation {
     std::span<const std::string_view> fNumbers; ///< the name of each number, such as "red"
 
     /// Shades a sample into as many numbers as have names. Only for an output that offers `fKind`. A vector
-    /// begins as the sample's normal, and of a surface that isn't produced all numbers are 0.
+    /// begins as the sample's normal, and of a surface that isn't produced all numbers are 0. The caller holds the
+    /// `ShaderWrapper::Turn` of the output.
     void (*fAnswer)(const Graph& graph, ShadingIn& in, float* numbers);
 };
 

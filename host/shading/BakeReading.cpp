@@ -184,7 +184,7 @@ public:
 
     void Values() const
     {
-        ForOutput([this](auto& shader) {
+        fGraph.ForOutput([this](auto& shader) {
             ForTexels([&](ShadingIn& in, size_t i) {
                 float value = 0;
                 bool fullArea = false;
@@ -198,7 +198,7 @@ public:
 
     void Colors() const
     {
-        ForOutput([this](auto& shader) {
+        fGraph.ForOutput([this](auto& shader) {
             ForTexels([&](ShadingIn& in, size_t i) {
                 TMCColorRGBA color = TMCColorRGBA::kOpaqueBlack;
                 bool fullArea = false;
@@ -211,7 +211,7 @@ public:
     /// A surface's normal is in the coordinates of the object.
     void Surfaces(GreenDirection green) const
     {
-        ForOutput([this, green](auto& shader) {
+        fGraph.ForOutput([this, green](auto& shader) {
             NormalFrame frame;
             ForTexels([&](ShadingIn& in, size_t i) {
                 const TVector3 normal = in.fNormalLocal;
@@ -293,15 +293,6 @@ private:
         TVector3 vector = in.fNormalGlobal;
         fGraph.OutputExtension()->ShadeVector(vector, in);
         return axes.UnitOf(vector);
-    }
-
-    /// Calls `shade` with the output: with the shader of the library itself, where it is one, which saves a call.
-    template <class Shade> void ForOutput(const Shade& shade) const
-    {
-        if (I3DExShader* const extension = fGraph.OutputExtension())
-            shade(*extension);
-        else
-            shade(fGraph.Output());
     }
 
     /// Calls `answer` with each sample and the place of its texel in the row.

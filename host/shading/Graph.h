@@ -30,6 +30,16 @@ public:
     /// The output as the library made it; null when it is one of the host's sources.
     I3DExShader* OutputExtension() const { return Extension(fOutputIndex); }
 
+    /// Calls `shade` with the output: with the shader of the library itself, where it is one, which saves a call. Then the
+    /// caller holds its `ShaderWrapper::Turn`.
+    template <class Shade> void ForOutput(const Shade& shade) const
+    {
+        if (I3DExShader* const extension = OutputExtension())
+            shade(*extension);
+        else
+            shade(Output());
+    }
+
     /// Its wrapper; null when it is one of the host's sources.
     const ShaderWrapper* OutputWrapper() const { return fShaders[fOutputIndex].fWrapper.Get(); }
 

@@ -41,6 +41,7 @@ void PrintOperation(const fernwick::ShadingOperation& operation, const fernwick:
     std::vector<Statistics> statistics(count);
     std::vector<float> row(static_cast<size_t>(width) * count);
     std::vector<ShadingIn> samples(static_cast<size_t>(width));
+    const fernwick::ShaderWrapper::Turn turn(graph.OutputWrapper());
     Clock::duration time{};
     for (int y = height - 1; y >= 0; --y) {
         for (int x = 0; x < width; ++x)
@@ -85,6 +86,7 @@ void PrintSample(const fernwick::Library& library, const fernwick::GraphDocument
 {
     for (const fernwick::ShadingOperation& operation : OperationsOf(library, document)) {
         const fernwick::Graph graph(library, document);
+        const fernwick::ShaderWrapper::Turn turn(graph.OutputWrapper());
         ShadingIn sample = fernwick::UVSquare(graph).SampleAt(u, v);
         float numbers[fernwick::kMostNumbers];
         operation.fAnswer(graph, sample, numbers);
