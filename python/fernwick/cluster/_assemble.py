@@ -1,0 +1,75 @@
+"""Pictures out of units: rows go to the files as soon as all above are there."""
+
+from __future__ import annotations
+
+import dataclasses
+from typing import TYPE_CHECKING, Any
+
+from .. import _native
+from .._numpy import numpy
+from .._pictures import _picture
+from ._plan import Picture, Unit
+
+if TYPE_CHECKING:
+    import numpy as np
+    from numpy.typing import NDArray
+
+_ROWS = 64  # are put together at a time; so many has a tile of a file
+
+
+@dataclasses.dataclass(frozen=True)
+class Layout:
+    """How files are laid out; as of `fernwick.save`."""
+
+    bits: int = 0
+    straight: bool = False
+    tiled: bool = False
+    compression: str = ""
+
+
+class PictureFiles:
+    """The files of one picture, which appear when it is whole, and not at all when it is abandoned."""
+
+    def __init__(self, picture: Picture, layout: Layout) -> None:
+        """Raises PictureError when a file can't be written."""
+        for file in picture.files.values():
+            file.parent.mkdir(parents=True, exist_ok=True)
+        self._picture = picture
+        self._writers: dict[str, Any] = {}
+        try:
+            for output, file in picture.files.items():
+                self._writers[output] = _native.RowWriter(
+                    str(file), picture.width, picture.height, _content(output), *dataclasses.astuple(layout), 0
+                )
+        except BaseException:
+            self.abandon()
+            raise
+
+    def write(self, band: list[Unit], arrays: dict[Unit, dict[str, NDArray[np.float32]]]) -> None:
+        """The next band, which is taken from the arrays. Raises PictureError."""
+        np = numpy()
+        height = band[0].region[3] - band[0].region[1]
+        for output, writer in self._writers.items():
+            pieces = [arrays[unit].pop(output) for unit in sorted(band, key=lambda unit: unit.column)]
+            for top in range(0, height, _ROWS):
+                writer.write(_picture(np.concatenate([piece[top : top + _ROWS] for piece in pieces], axis=1)))
+
+    def finish(self) -> None:
+        """Raises PictureError."""
+        for writer in self._writers.values():
+            writer.finish()
+
+    def abandon(self) -> None:
+        for writer in self._writers.values():
+            writer.abandon()
+
+
+def try_files(picture: Picture, layout: Layout) -> None:
+    """Whether a picture can be written. Raises PictureError."""
+    PictureFiles(picture, layout).abandon()
+
+
+def _content(output: str) -> str:
+    if output in ("alpha", "coverage", "value"):
+        return "value"
+    return "normal" if output == "normal" else "color"

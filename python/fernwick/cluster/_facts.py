@@ -1,0 +1,70 @@
+"""What the bits of a picture depend on beside the graph: the program and the processor of a process."""
+
+from __future__ import annotations
+
+import functools
+import os
+import platform
+import re
+from pathlib import Path
+
+from .. import _native
+from .._errors import LibraryError
+from .._library import find_library
+from ._files import digest, digest_of
+
+# The C library has its mathematics in several versions, which round differently, and chooses by these.
+_PROCESSOR_FLAGS = ("avx2", "fma", "fma4")
+_DECODERS = "OpenImageIO|OpenEXR|OpenEXRCore|Imath|jpeg|png16|tiff|webp|gif|openjp2|assimp|draco|embree3|tbb"
+_COMPANION = "Fernwick_unrouted"
+
+Facts = dict[str, str]
+
+
+def facts() -> Facts:
+    """Of this process, each by the name that messages have for it."""
+    return {"package": _package(), "processor": _processor(), "C library": _c_library(), "decoders": _decoders()}
+
+
+def library_files() -> dict[str, str]:
+    """The hashes of the library's files by their names without folder; none where there is no library."""
+    try:
+        path = Path(_native.library_path() or find_library())
+    except LibraryError:
+        return {}
+    files = (path, path.with_stem(_COMPANION))
+    return {file.name: digest_of(file) for file in files if file.is_file()}
+
+
+def differences(mine: Facts, theirs: Facts) -> str:
+    """Such as "processor: x86_64 avx2 here, x86_64 avx2 fma there"; empty when all is the same."""
+    names = [name for name in mine if mine[name] != theirs.get(name)]
+    return "; ".join(f"{name}: {mine[name]} here, {theirs.get(name, 'nothing')} there" for name in names)
+
+
+@functools.cache
+def _package() -> str:
+    folder = Path(__file__).parents[1]
+    files = sorted([*folder.glob("*.py"), *folder.glob("cluster/*.py"), Path(_native.__file__)])
+    return f"{_native.version} {digest(''.join(digest_of(file) for file in files).encode())[:12]}"
+
+
+def _processor() -> str:
+    flags: list[str] = []
+    if (described := Path("/proc/cpuinfo")).is_file():
+        found = re.search(r"^flags\s*:(.*)$", described.read_text(), re.MULTILINE)
+        flags = [] if found is None else [flag for flag in _PROCESSOR_FLAGS if flag in found[1].split()]
+    return " ".join([platform.machine(), *flags])
+
+
+def _c_library() -> str:
+    tunables = os.environ.get("GLIBC_TUNABLES", "")  # can choose other versions than the processor's
+    return " ".join(filter(None, [*platform.libc_ver(), tunables]))
+
+
+def _decoders() -> str:
+    maps = Path("/proc/self/maps")
+    if not maps.is_file():
+        return "unknown"
+    names = re.findall(rf"/lib((?:{_DECODERS})[-\w.]*\.so[\w.]*)$", maps.read_text(), re.MULTILINE)
+    return " ".join(sorted(set(names)))

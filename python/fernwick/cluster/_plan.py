@@ -1,0 +1,159 @@
+"""What is to be made, in units of work."""
+
+from __future__ import annotations
+
+import dataclasses
+import math
+from collections.abc import Iterator, Sequence
+from pathlib import Path
+from typing import Any
+
+from .. import _arguments
+
+Size = tuple[int, int]
+Region = tuple[int, int, int, int]  # left, top, right, bottom
+
+SHADED_TILE = {"bake": 128, "render": 64}  # pixels a side; regions that lie on them shade nothing twice
+USUAL_TILE: dict[str, Size] = {"bake": (2048, 256), "render": (512, 512)}
+
+
+@dataclasses.dataclass(frozen=True)
+class Unit:
+    """One task: a region of one frame, all outputs of it."""
+
+    frame: float
+    region: Region
+    udim: int  # 0 for the only one
+    picture: int  # index in the plan
+    column: int  # of the picture where the region lies, which is another one than its left side in a strip
+
+    @property
+    def name(self) -> str:
+        """For logs and errors."""
+        udim = f", UDIM tile {self.udim}" if self.udim else ""
+        return f"frame {self.frame:g}{udim}, tile {','.join(map(str, self.region))}"
+
+    @property
+    def pixels(self) -> int:
+        left, top, right, bottom = self.region
+        return (right - left) * (bottom - top)
+
+
+@dataclasses.dataclass(frozen=True)
+class Picture:
+    """The files of one pass, by output, and the bands of units that they are made of, from the top."""
+
+    files: dict[str, Path]
+    width: int
+    height: int
+    bands: list[list[Unit]]
+
+
+@dataclasses.dataclass(frozen=True)
+class Job:
+    """What a worker has to know for a unit: travels once to each."""
+
+    kind: str  # "bake" or "render"
+    width: int
+    height: int
+    graph: tuple[Any, ...]  # text, folder, name and files in memory
+    over: tuple[Any, ...] | None
+    onto: Any  # a file's name, a mesh or None
+    options: dict[str, Any]  # of Graph.bake and Graph.render, but for the above
+    files: dict[float, dict[str, str]]  # by frame: hashes by name
+    facts: dict[str, str]  # of the client's program and processor
+
+    def identity(self, unit: Unit) -> str:
+        """All that the pixels of a unit depend on, the same in every process."""
+        onto = self.onto if self.onto is None or isinstance(self.onto, str) else self.onto.token
+        over = None if self.over is None else _steady(self.over)
+        what = (self.kind, self.width, self.height, _steady(self.graph), over, onto, sorted(self.options.items()))
+        return repr((what, sorted(self.files[unit.frame].items()), self.facts, unit.frame, unit.region, unit.udim))
+
+
+def _steady(graph: tuple[Any, ...]) -> tuple[Any, ...]:
+    text, folder, _, files, _ = graph
+    return text, str(folder), sorted((name, file.token) for name, file in files.items())
+
+
+def tile(value: Size | None, kind: str) -> Size:
+    """Width and height of a unit. Raises ValueError."""
+    if value is None:
+        return USUAL_TILE[kind]
+    step = SHADED_TILE[kind]
+    width, height = _arguments.size(*value)
+    if width % step or height % step:
+        raise ValueError(f"tile: expected multiples of {step} pixels, got {width}x{height}")
+    return width, height
+
+
+def bands(size: Size, tile: Size, frames: Sequence[float], udim: int, picture: int) -> list[list[Unit]]:
+    """The units of a picture in which some frames lie side by side, by rows from the top."""
+    width, height = size
+    return [
+        [
+            Unit(frame, (left, top, min(left + tile[0], width), min(top + tile[1], height)), udim, picture, i * width + left)
+            for i, frame in enumerate(frames)
+            for left in range(0, width, tile[0])
+        ]
+        for top in range(0, height, tile[1])
+    ]
+
+
+def named(name: str, *, frame: float | None = None, output: str | None = None, udim: int = 0) -> str:
+    """A picture's name as the command makes it: ####, {frame}, {output} and {udim} stand for what they say."""
+    if frame is not None:
+        name = "".join(_numbered(name, frame))
+    if output is not None:
+        name = name.replace("{output}", output)
+    if udim:
+        path = Path(name)
+        name = name.replace("{udim}", str(udim)) if "{udim}" in name else str(path.with_suffix(f".{udim}{path.suffix}"))
+    return name
+
+
+def has_frame_mark(name: str) -> bool:
+    return "#" in name or "{frame}" in name
+
+
+def _numbered(name: str, frame: float) -> Iterator[str]:
+    while name:
+        if name.startswith("#"):
+            rest = name.lstrip("#")
+            yield f"{frame:0{len(name) - len(rest)}g}"
+        elif name.startswith("{frame}"):
+            rest = name[len("{frame}") :]
+            yield f"{frame:g}"
+        else:
+            rest = name[1:]
+            yield name[0]
+        name = rest
+
+
+def frames(text: str) -> list[float]:
+    """The frames of a text such as 1-24, 1-24x2 or 1,5,9-12, each once, in ascending order. Raises ValueError."""
+    found: set[int] = set()
+    for part in text.split(","):
+        ends, _, step = part.partition("x")
+        first, dash, last = ends.partition("-")
+        numbers = [first, last if dash else first, step if "x" in part else "1"]
+        if not all(number.isascii() and number.isdigit() and len(number) < 7 for number in numbers):
+            raise ValueError(f'"{text}" names no frames; frames are like 12, 1-24, 1-24x2 or 1,5,9-12')
+        start, end, stride = map(int, numbers)
+        if end < start or stride < 1 or ("x" in part and not dash):
+            raise ValueError(f'"{text}" names no frames; frames are like 12, 1-24, 1-24x2 or 1,5,9-12')
+        found.update(range(start, end + 1, stride))
+    return [float(frame) for frame in sorted(found)]
+
+
+def numbers_of(output: str) -> int:
+    """Floats a pixel of an output, as they travel."""
+    return 1 if output in ("alpha", "coverage", "value") else 4
+
+
+def bytes_of(unit: Unit, outputs: Sequence[str]) -> int:
+    return unit.pixels * 4 * sum(map(numbers_of, outputs))
+
+
+def megabytes(count: float) -> str:
+    return f"{math.ceil(count / 2**20)} MiB"
