@@ -99,7 +99,7 @@ def bake(
     if target is not None or node:
         udims = graph.tiles(target, node=node, uv_set=uv_set, width=columns, height=rows)
         udims = [0] if len(udims) == 1 else udims
-    return _run(
+    return _make(
         client, graph, path, "bake", (columns, rows), options, over, target, udims, frames, False,
         Layout(bits, straight, tiled, compression), tile, memory, timeout, resume, progress,
     )  # fmt: skip
@@ -135,13 +135,13 @@ def render(
     if camera:
         _arguments.choice("camera", camera, graph.cameras)
     options = {"samples": _arguments.samples(samples), "camera": _arguments.text("camera", camera)}
-    return _run(
+    return _make(
         client, graph, path, "render", size, options, None, None, [0], frames, strip,
         Layout(bits, straight, tiled, compression), tile, memory, timeout, resume, progress,
     )  # fmt: skip
 
 
-def _run(
+def _make(
     client: Client,
     graph: Graph,
     path: PathLike,

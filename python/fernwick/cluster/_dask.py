@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import contextlib
+import signal
 import tempfile
 from collections.abc import Callable, Iterable, Iterator
 from pathlib import Path
@@ -44,12 +45,18 @@ def connect(address: str | None, workers: int, *, direct: bool = False) -> Itera
             threads_per_worker=1,
             processes=True,
             local_directory=folder,
+            preload="fernwick.cluster._dask",  # for dask_setup
             dashboard_address=":0",
             silence_logs=40,  # errors only; workers that are lost are told of by the run
         ) as cluster,
         distributed.Client(cluster, direct_to_workers=True) as client,
     ):
         yield client
+
+
+def dask_setup(_worker: Any) -> None:
+    """Is run by each process of a cluster on this machine: Ctrl-C is for the client, which ends them."""
+    signal.signal(signal.SIGINT, signal.SIG_IGN)
 
 
 def worker_folder() -> Path:

@@ -15,7 +15,7 @@ from ._files import digest, digest_of
 
 # The C library has its mathematics in several versions, which round differently, and chooses by these.
 _PROCESSOR_FLAGS = ("avx2", "fma", "fma4")
-_DECODERS = "OpenImageIO|OpenEXR|OpenEXRCore|Imath|jpeg|png16|tiff|webp|gif|openjp2|assimp|draco|embree3|tbb"
+_DECODERS = "OpenImageIO|OpenEXR|OpenEXRCore|Imath|jpeg|png16|tiff|webp|gif|openjp2|assimp|draco|embree3"
 _COMPANION = "Fernwick_unrouted"
 
 Facts = dict[str, str]
@@ -37,9 +37,17 @@ def library_files() -> dict[str, str]:
 
 
 def differences(mine: Facts, theirs: Facts) -> str:
-    """Such as "processor: x86_64 avx2 here, x86_64 avx2 fma there"; empty when all is the same."""
-    names = [name for name in mine if mine[name] != theirs.get(name)]
-    return "; ".join(f"{name}: {mine[name]} here, {theirs.get(name, 'nothing')} there" for name in names)
+    """Such as "processor: fma here, less there"; empty when all is the same."""
+    told = []
+    for name in mine:
+        here, there = set(mine[name].split()), set(theirs.get(name, "").split())
+        if here != there:
+            told.append(f"{name}: {_words(here - there)} here, {_words(there - here)} there")
+    return "; ".join(told)
+
+
+def _words(words: set[str]) -> str:
+    return " ".join(sorted(words)) or "less"
 
 
 @functools.cache

@@ -2,15 +2,18 @@
 
 from __future__ import annotations
 
+import contextlib
 import dataclasses
 import functools
 import logging
 import os
 import pickle
 import queue
+import signal
+import threading
 import time
 from collections import Counter, deque
-from collections.abc import Callable, Iterable
+from collections.abc import Callable, Iterable, Iterator
 from concurrent.futures import ThreadPoolExecutor
 from typing import TYPE_CHECKING, Any
 
@@ -31,6 +34,7 @@ if TYPE_CHECKING:
 
 _logger = logging.getLogger("fernwick.cluster")
 _LOOK = 1.0  # seconds between looks at the workers
+_PATIENCE = 300.0  # seconds without a worker
 _TRIES = 4  # of a unit that is lost, and the workers that may hang at it
 _QUEUED = 2  # units for each thread of a worker, of which one is shaded
 _WAITING = 4  # with those that wait on workers for room on the client
@@ -121,6 +125,28 @@ class Run:
 
     def run(self) -> None:
         self._begin()
+        with self._interrupts():
+            self._run()
+
+    @contextlib.contextmanager
+    def _interrupts(self) -> Iterator[None]:
+        """Makes the first Ctrl-C an event: as an exception it may be lost where nothing can be raised."""
+        before = signal.getsignal(signal.SIGINT)
+
+        def post(*_: object) -> None:
+            signal.signal(signal.SIGINT, before)
+            self._post(_raise, KeyboardInterrupt())
+
+        if before is not signal.default_int_handler or threading.current_thread() is not threading.main_thread():
+            yield
+            return
+        signal.signal(signal.SIGINT, post)
+        try:
+            yield
+        finally:
+            signal.signal(signal.SIGINT, before)
+
+    def _run(self) -> None:
         try:
             self._subscribe()
             while self._pictures:
@@ -202,8 +228,8 @@ class Run:
         refused = [f"{address} is refused: {member.refused}" for address, member in self._members.items() if member.refused]
         if refused and len(refused) == len(self._members):
             raise LibraryError("no worker is like this machine\n  " + "\n  ".join(refused))
-        if now - self._idle_since > self._settings.timeout:
-            raise Error(f"no worker has come within {self._settings.timeout:g} s")
+        if now - self._idle_since > _PATIENCE:
+            raise Error(f"no worker has come within {_PATIENCE:g} s")
 
     def _pinned(self, function: Callable[..., Any], address: str, *arguments: Any) -> Future:
         """A task that only one worker can do."""
