@@ -190,7 +190,7 @@ def _pictures(
     if len(outputs) > 1 and "{output}" not in name:
         raise ValueError(f"path: {len(outputs)} outputs need a file each; put {{output}} into the name, as in key.{{output}}.png")
     groups = [frames] if strip else [[frame] for frame in frames]
-    pictures = []
+    pictures: list[Picture] = []
     for group in groups:
         for udim in udims:
             frame = group[0] if many and not strip else None
@@ -208,6 +208,6 @@ def _read(graph: Graph, over: Graph | None, onto: str | Mesh | None, frame: floa
     if isinstance(onto, str):
         scene = {"shaders": {"any": {"source": "checker"}}, "output": "any", "scene": {"file": onto}}
         found += Graph(scene)._document.files
-        if onto not in map(os.path.normpath, found):
+        if onto not in [os.path.normpath(each) for each in found]:
             raise GraphError(f"onto: {onto}: the file isn't read as a model")
     return found

@@ -75,8 +75,8 @@ def _run(options: argparse.Namespace) -> None:
                 shared |= {"onto": model or None, "node": node, "uv_set": options.uv_set, "margin": options.margin}
                 shared |= {"green": "down" if options.directx else "up"}
                 shared |= {"over": Graph.load(options.over) if options.over else None}
-                outputs = "lit" if options.lit else options.outputs
-                bake(client, graph, options.picture, *options.size, outputs, progress=bar.show, **shared)
+                shared |= {"output": "lit" if options.lit else options.outputs}
+                bake(client, graph, options.picture, *options.size, progress=bar.show, **shared)
 
 
 def _parser() -> argparse.ArgumentParser:

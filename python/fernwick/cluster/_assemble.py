@@ -38,9 +38,11 @@ class PictureFiles:
         self._writers: dict[str, Any] = {}
         try:
             for output, file in picture.files.items():
+                content = _content(output)
                 self._writers[output] = _native.RowWriter(
-                    str(file), picture.width, picture.height, _content(output), *dataclasses.astuple(layout), 0
-                )
+                    str(file), picture.width, picture.height, content, layout.bits, layout.straight, layout.tiled,
+                    layout.compression, 0,
+                )  # fmt: skip
         except BaseException:
             self.abandon()
             raise

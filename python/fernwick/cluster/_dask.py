@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import contextlib
+import importlib
 import signal
 import tempfile
 from collections.abc import Callable, Iterable, Iterator
@@ -10,8 +11,8 @@ from pathlib import Path
 from typing import Any
 
 try:
-    import distributed  # type: ignore[import]
-    from distributed.utils import sync  # type: ignore[import]
+    dask: Any = importlib.import_module("dask")
+    distributed: Any = importlib.import_module("distributed")
 except ImportError as _error:
     raise ImportError(
         "fernwick.cluster needs Dask distributed: apt-get install python3-distributed, or pip install distributed"
@@ -27,6 +28,15 @@ class Interrupted(Exception):
     """Nobody waits for a unit any more."""
 
 
+class _Uninterrupted(distributed.WorkerPlugin):  # type: ignore[misc]
+    """Of a cluster on this machine, where Ctrl-C reaches all processes: the client ends the others."""
+
+    name = "fernwick-uninterrupted"
+
+    def setup(self, worker: Any) -> None:
+        signal.signal(signal.SIGINT, signal.SIG_IGN)
+
+
 @contextlib.contextmanager
 def connect(address: str | None, workers: int, *, direct: bool = False) -> Iterator[Client]:
     """A client of the scheduler at an address, or of a cluster of processes on this machine, which ends with it.
@@ -38,25 +48,29 @@ def connect(address: str | None, workers: int, *, direct: bool = False) -> Itera
         with distributed.Client(address, direct_to_workers=direct) as client:
             yield client
         return
+    # On one machine pixels are copied faster than compressed, and nobody looks at profiles of Dask's own.
+    cheap = {"distributed.comm.compression": None, "distributed.worker.profile.enabled": False}
     with (
+        dask.config.set(cheap),
         tempfile.TemporaryDirectory(prefix="fernwick-") as folder,
         distributed.LocalCluster(
             n_workers=workers,
             threads_per_worker=1,
             processes=True,
             local_directory=folder,
-            preload="fernwick.cluster._dask",  # for dask_setup
             dashboard_address=":0",
             silence_logs=40,  # errors only; workers that are lost are told of by the run
         ) as cluster,
         distributed.Client(cluster, direct_to_workers=True) as client,
     ):
+        client.register_worker_plugin(_Uninterrupted())
         yield client
 
 
-def dask_setup(_worker: Any) -> None:
-    """Is run by each process of a cluster on this machine: Ctrl-C is for the client, which ends them."""
-    signal.signal(signal.SIGINT, signal.SIG_IGN)
+def cheap_submission() -> contextlib.AbstractContextManager[object]:
+    """While it lasts, Dask doesn't look for the source of each caller, which takes it longer than all else."""
+    ignored = {"distributed.diagnostics.computations.ignore-modules": [".*"]}
+    return dask.config.set(ignored)  # type: ignore[no-any-return]
 
 
 def worker_folder() -> Path:
@@ -67,7 +81,7 @@ def worker_folder() -> Path:
 def offer(resource: str) -> None:
     """Gives the worker that runs this task one of a resource for each of its threads."""
     worker = distributed.get_worker()
-    sync(worker.loop, worker.set_resources, **{resource: worker.state.nthreads})
+    distributed.utils.sync(worker.loop, worker.set_resources, **{resource: worker.state.nthreads})
 
 
 def announce(topic: str) -> str:

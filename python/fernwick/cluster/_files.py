@@ -25,7 +25,7 @@ def hashes(paths: Iterable[str], known: dict[str, str]) -> dict[str, str]:
     :param known: hashes that were made before, and then these
     """
     found = {}
-    for path in map(os.path.normpath, paths):
+    for path in (os.path.normpath(each) for each in paths):
         if path not in known and os.path.isfile(path):
             known[path] = digest_of(path)
         if path in known:

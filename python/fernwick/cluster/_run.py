@@ -5,6 +5,7 @@ from __future__ import annotations
 import contextlib
 import dataclasses
 import functools
+import itertools
 import logging
 import os
 import pickle
@@ -22,7 +23,7 @@ from .._arguments import Progress
 from .._errors import Error, GraphError, LibraryError, ShaderWarning, warn
 from . import _worker
 from ._assemble import Layout, PictureFiles
-from ._dask import CancelledError, Client, Future, KilledWorker, cancel, restart, subscribe, unsubscribe, workers_of
+from ._dask import CancelledError, Client, Future, KilledWorker, cancel, cheap_submission, restart, subscribe, unsubscribe, workers_of
 from ._facts import differences, facts, library_files
 from ._files import digest
 from ._plan import Job, Picture, Unit, bytes_of, megabytes
@@ -36,8 +37,9 @@ _logger = logging.getLogger("fernwick.cluster")
 _LOOK = 1.0  # seconds between looks at the workers
 _PATIENCE = 300.0  # seconds without a worker
 _TRIES = 4  # of a unit that is lost, and the workers that may hang at it
-_QUEUED = 2  # units for each thread of a worker, of which one is shaded
-_WAITING = 4  # with those that wait on workers for room on the client
+_RETRIES = 2  # of a unit that raises what is no fault of its graph
+_QUEUED = 3  # units for each thread of a worker, of which one is shaded; they are sent several at a time
+_WAITING = 2  # units for each thread that wait on workers for room on the client
 
 
 @dataclasses.dataclass(frozen=True)
@@ -64,8 +66,10 @@ class _Member:
     """A worker."""
 
     threads: int
+    folder: str  # which is another one when a new process has the same address
     future: Future | None  # of what prepares it
     ready: bool = False
+    is_new: bool = True  # when looked at
     refused: str = ""
 
 
@@ -92,7 +96,7 @@ class Run:
         self._pictures = {i: _Open(i, picture) for i, picture in enumerate(pictures)}
         self._events: queue.SimpleQueue[tuple[Callable[..., None], tuple[Any, ...]]] = queue.SimpleQueue()
         self._writer = ThreadPoolExecutor(1, "fernwick-writer")
-        self._fetcher = ThreadPoolExecutor(1, "fernwick-fetcher")
+        self._fetcher = ThreadPoolExecutor(4, "fernwick-fetcher")  # of which one waits, unless workers hang
         self._medic = ThreadPoolExecutor(1, "fernwick-medic")
         packed = pickle.dumps(job)
         self._hash = digest(packed)
@@ -114,6 +118,8 @@ class Run:
         self._hung: dict[Unit, list[str]] = {}
         self._arrays: dict[Unit, dict[str, NDArray[np.float32]]] = {}
         self._held = 0  # bytes of pixels that were fetched, or are, and aren't written yet
+        self._fetched: list[tuple[Unit, Future]] = []  # what is fetched now
+        self._fetch_begun = 0.0
         self._keys: dict[Unit, str] = {}
         self._stored: set[Unit] = set()
         self._pending: deque[Unit] = deque()
@@ -125,7 +131,7 @@ class Run:
 
     def run(self) -> None:
         self._begin()
-        with self._interrupts():
+        with self._interrupts(), cheap_submission():
             self._run()
 
     @contextlib.contextmanager
@@ -209,16 +215,19 @@ class Run:
             known = workers_of(self._client)
         except OSError:
             return
-        for address in [address for address in self._members if address not in known]:
+        folders = {address: worker["local_directory"] for address, worker in known.items()}
+        for address in [each for each, member in self._members.items() if folders.get(each) != member.folder]:
             member = self._members.pop(address)
             if member.ready:
                 _logger.warning("%s is lost; its units go to others", address)
         for address, worker in known.items():
             if address not in self._members:
                 future = self._pinned(_worker.look, address, [*self._shared, *self._library.values()])
-                self._members[address] = _Member(worker["nthreads"], future)
+                self._members[address] = _Member(worker["nthreads"], folders[address], future)
                 self._notify(future, self._on_look, address)
+        self._wake()
         self._find_hung(now)
+        self._find_hung_fetch(now)
         self._require_workers(now)
 
     def _require_workers(self, now: float) -> None:
@@ -275,15 +284,20 @@ class Run:
             self._refuse(address, _reason(future))
             return
         member.future = None
-        was_none = not any(other.ready for other in self._members.values())
         member.ready = True
         _logger.info("%s is ready", address)
         if all(other.future is None for other in self._members.values()):
             for content_hash in self._shared:
                 self._scattered.pop(content_hash, None)
-        if was_none:  # Dask looks again at tasks that nobody could do when a worker comes, and not when it is ready
-            for unit in [unit for unit, flight in self._flights.items() if not flight.is_done]:
+
+    def _wake(self) -> None:
+        """Submits again what nobody could do: Dask looks at it when a worker comes, and not when that is ready."""
+        ready = [member for member in self._members.values() if member.ready]
+        if ready and all(member.is_new for member in ready):
+            for unit in reversed([unit for unit, flight in self._flights.items() if not flight.is_done]):
                 self._again(unit)
+        for member in ready:
+            member.is_new = False
 
     def _refuse(self, address: str, why: str) -> None:
         self._members[address].future = None
@@ -316,31 +330,51 @@ class Run:
             flight.started = None
             self._medic.submit(restart, self._client, flight.worker)
 
+    def _find_hung_fetch(self, now: float) -> None:
+        if not self._fetched or now - self._fetch_begun < self._settings.timeout:
+            return
+        workers = {self._flights[unit].worker for unit, future in self._fetched if self._is_current(unit, future)}
+        _logger.warning("%s: no answer in %g s; restarted", ", ".join(sorted(workers)), self._settings.timeout)
+        for worker in workers:
+            self._medic.submit(restart, self._client, worker)
+        for unit, future in self._fetched:
+            if self._is_current(unit, future):
+                self._held -= bytes_of(unit, self._outputs)
+                self._again(unit)
+        self._fetched = []
+
     # Units
 
     def _submit(self) -> None:
         threads = sum(member.threads for member in self._members.values() if member.ready)
-        waiting = len(self._finished)
-        while self._pending and len(self._flights) < (_QUEUED + min(waiting, _WAITING)) * threads:
-            self._start(self._pending.popleft())
+        flying = len(self._flights) - min(len(self._finished), _WAITING * threads)
+        if flying <= (_QUEUED - 1) * threads:
+            self._start([self._pending.popleft() for _ in range(min(_QUEUED * threads - flying, len(self._pending)))])
 
-    def _start(self, unit: Unit) -> None:
-        own = [each for each in set(self._job.files[unit.frame].values()) if each not in self._shared]
-        key = self._key(f"{self._job.kind}-{unit.frame:g}-{','.join(map(str, unit.region))}")
-        future = self._client.submit(
-            _worker.shade,
-            self._hash,
-            unit,
-            {each: self._scatter(each) for each in own},
-            key=key,
-            resources={self._resource: 1},
-            retries=_TRIES - 2,
-            priority=1 if self._losses[unit] else 0,
-            pure=False,
-        )
-        self._flights[unit] = _Flight(future)
-        self._by_key[key] = unit
-        self._notify(future, self._on_end, unit)
+    def _start(self, units: list[Unit]) -> None:
+        """Submits units, those first that were lost."""
+        for is_lost, chosen in itertools.groupby(units, lambda unit: self._losses[unit] > 0):
+            batch = list(chosen)
+            keys = [self._key(f"{self._job.kind}-{unit.frame:g}-{','.join(map(str, unit.region))}") for unit in batch]
+            futures = self._client.map(
+                _worker.shade,
+                [self._hash] * len(batch),
+                batch,
+                [{each: self._scatter(each) for each in self._own(unit.frame)} for unit in batch],
+                key=keys,
+                resources={self._resource: 1},
+                retries=_RETRIES,
+                priority=1 if is_lost else 0,
+                pure=False,
+            )
+            for unit, key, future in zip(batch, keys, futures):
+                self._flights[unit] = _Flight(future)
+                self._by_key[key] = unit
+                self._notify(future, self._on_end, unit)
+
+    def _own(self, frame: float) -> set[str]:
+        """What only one frame needs."""
+        return set(self._job.files[frame].values()).difference(self._shared)
 
     def _on_start(self, worker: str, key: str) -> None:
         flight = self._flights.get(self._by_key[key]) if key in self._by_key else None
@@ -349,11 +383,10 @@ class Run:
             flight.worker = worker
 
     def _on_end(self, future: Future, unit: Unit) -> None:
-        flight = self._flights.get(unit)
-        if flight is None or flight.future is not future:
+        if not self._is_current(unit, future):
             return
         if future.status == "finished":
-            flight.is_done = True
+            self._flights[unit].is_done = True
             self._finished[unit] = future
         elif future.status == "error":
             self._fail(unit, future.exception())
@@ -377,6 +410,11 @@ class Run:
         cancel(self._client, [self._land(unit)])
         self._pending.appendleft(unit)
 
+    def _is_current(self, unit: Unit, future: Future) -> bool:
+        """Whether a unit wasn't submitted again."""
+        flight = self._flights.get(unit)
+        return flight is not None and flight.future is future
+
     def _land(self, unit: Unit) -> Future:
         future = self._flights.pop(unit).future
         self._finished.pop(unit, None)
@@ -392,6 +430,8 @@ class Run:
 
     def _fetch(self) -> None:
         """Takes finished units off workers, as many as there is room for. What is written next always has room."""
+        if self._fetched or not self._finished:
+            return  # those that come meanwhile are taken together, which costs least
         first = next(iter(self._pictures.values()), None)
         next_band = set() if first is None or first.band == len(first.picture.bands) else set(first.picture.bands[first.band])
         reserve = sum(bytes_of(unit, self._outputs) for unit in next_band if unit not in self._arrays)
@@ -403,21 +443,41 @@ class Run:
                 self._held += size
                 chosen.append((unit, future))
         if chosen:
-            self._fetcher.submit(self._gather, chosen)
+            self._fetched = chosen
+            self._fetch_begun = time.monotonic()
+            self._fetcher.submit(self._gather_all, chosen)
+
+    def _gather_all(self, chosen: list[tuple[Unit, Future]]) -> None:
+        self._gather(chosen)
+        self._post(self._on_fetched, chosen)
+
+    def _on_fetched(self, chosen: list[tuple[Unit, Future]]) -> None:
+        if self._fetched is chosen:
+            self._fetched = []
 
     def _gather(self, chosen: list[tuple[Unit, Future]]) -> None:
         parts = self._settings.parts
-        for unit, future in chosen:
+        try:
+            gathered = self._client.gather([future for _, future in chosen])
+        except BaseException as error:
+            if len(chosen) == 1:
+                self._post(self._on_not_fetched, *chosen[0], error)
+            else:
+                for each in chosen:
+                    self._gather([each])
+            return
+        for (unit, future), shaded in zip(chosen, gathered):
             try:
-                shaded = self._client.gather(future)
                 if parts is not None:
                     parts.save(self._keys[unit], shaded.arrays)
                     shaded.arrays.clear()
                 self._post(self._on_shaded, unit, future, shaded)
             except BaseException as error:
-                self._post(self._on_not_fetched, unit, error)
+                self._post(_raise, error)
 
-    def _on_not_fetched(self, unit: Unit, error: BaseException) -> None:
+    def _on_not_fetched(self, unit: Unit, future: Future, error: BaseException) -> None:
+        if not self._is_current(unit, future):
+            return
         self._held -= bytes_of(unit, self._outputs)
         if isinstance(error, CancelledError):
             self._lost(unit)
@@ -427,8 +487,9 @@ class Run:
     def _on_shaded(self, unit: Unit, future: Future, shaded: _worker.Shaded) -> None:
         _logger.info("%s: %.2f s on %s", unit.name, shaded.seconds, shaded.worker)
         warn(shaded.reports, ShaderWarning)
-        if unit not in self._flights or self._land(unit) is not future:
+        if not self._is_current(unit, future):
             return
+        self._land(unit)
         if shaded.arrays:
             self._arrays[unit] = shaded.arrays
         else:
@@ -438,9 +499,8 @@ class Run:
         self._done += unit.pixels
         self._left[unit.frame] -= 1
         if not self._left[unit.frame]:
-            for content_hash in self._job.files[unit.frame].values():
-                if content_hash not in self._shared:
-                    self._scattered.pop(content_hash, None)
+            for content_hash in self._own(unit.frame):
+                self._scattered.pop(content_hash, None)
         if self._settings.progress is not None:
             self._settings.progress(self._done / self._pixels)
 

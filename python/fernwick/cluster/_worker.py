@@ -105,8 +105,10 @@ def _shaded(
     options = dict(job.options, region=unit.region, threads=1, progress=progress)
     if job.kind == "render":
         return {"color": graph.render(job.width, job.height, **options)}
+    result: dict[str, NDArray[np.float32]]
     onto = root + job.onto if isinstance(job.onto, str) else job.onto
-    return graph.bake(job.width, job.height, over=over, onto=onto, tile=unit.udim or None, **options)
+    result = graph.bake(job.width, job.height, over=over, onto=onto, tile=unit.udim or None, **options)
+    return result
 
 
 def _graph(job_hash: str, job: Job, frame: float, root: str) -> tuple[Graph, Graph | None]:
@@ -144,7 +146,7 @@ def _moved(text: str, root: str) -> str:
 
 def _move(value: Any, root: str, is_file: bool) -> bool:
     moved = False
-    members = value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ()
+    members: Any = value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ()
     for key, member in members:
         names_file = key in ("file", "path") or (is_file and (key == "keys" or isinstance(value, list)))
         if names_file and isinstance(member, str) and os.path.isabs(member):

@@ -12,6 +12,7 @@ from collections.abc import Iterator
 from pathlib import Path
 from typing import Any
 
+import dask
 import distributed
 import pytest
 from conftest import EXAMPLES, at_share, pids, unchanged, whole
@@ -34,9 +35,16 @@ def expected(graph: fernwick.Graph, tmp_path_factory: pytest.TempPathFactory) ->
     return whole(graph, tmp_path_factory.mktemp("whole") / "whole.png", SIDE)
 
 
+@pytest.fixture
+def short_patience() -> Iterator[None]:
+    """Of the scheduler with workers that tell nothing any more."""
+    with dask.config.set({"distributed.scheduler.worker-ttl": "3s"}):
+        yield
+
+
 @pytest.mark.parametrize("signal_number", [signal.SIGKILL, signal.SIGSTOP])
 def test_worker_killed_or_stopped(
-    fresh: Any, graph: fernwick.Graph, expected: bytes, tmp_path: Path, signal_number: signal.Signals
+    short_patience: None, fresh: Any, graph: fernwick.Graph, expected: bytes, tmp_path: Path, signal_number: signal.Signals
 ) -> None:
     fresh.run(slow_down, 0.1)
     victim = pids(fresh)[0]

@@ -119,7 +119,7 @@ def test_resume(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) ->
     """What was finished isn't shaded again, unless something has changed that it depends on, or it's damaged."""
     shaded: list[Any] = []
     start = _run.Run._start
-    monkeypatch.setattr(_run.Run, "_start", lambda run, unit: (shaded.append(unit), start(run, unit)) and None)
+    monkeypatch.setattr(_run.Run, "_start", lambda run, units: (shaded.extend(units), start(run, units)) and None)
     graph = fernwick.Graph.load(EXAMPLES / "ripple-sequence.json")
     parts = tmp_path / "parts"
 

@@ -1,0 +1,120 @@
+"""What work on Dask costs on this machine: processor time a task, and efficiency by the number of workers.
+
+    python3 bench/cluster/measure.py [--graph examples/weave-rounded.json] [--side 8192] [--workers 1,2,4,8]
+
+FERNWICK_COMMAND names the command that is measured beside it. Files go to a temporary folder. `--large 65536` bakes one
+picture of that side with a cheap graph, and tells the most memory that client and workers took.
+"""
+
+import argparse
+import os
+import resource
+import subprocess
+import tempfile
+import time
+from collections.abc import Callable
+from pathlib import Path
+from typing import Any
+
+import fernwick
+import fernwick.cluster
+from fernwick.cluster._dask import connect
+
+ROOT = Path(__file__).resolve().parents[2]
+COMMAND = os.environ.get("FERNWICK_COMMAND", ROOT / "build/release/tools/fernwick")
+
+
+def processor_time(client: Any) -> float:
+    """Seconds of this process, which has the scheduler too, and of all workers."""
+    return time.process_time() + sum(client.run(time.process_time).values())
+
+
+def passed(work: Callable[[], object]) -> tuple[float, float]:
+    """Seconds of the clock and of this process."""
+    begun, used = time.perf_counter(), time.process_time()
+    work()
+    return time.perf_counter() - begun, time.process_time() - used
+
+
+def measure_tasks(graph: fernwick.Graph, folder: Path) -> None:
+    """Many small tiles on two workers, against the same in this process."""
+    side, tile = 4096, (256, 128)
+    count = side * side // (tile[0] * tile[1])
+
+    def alone() -> None:
+        writer = fernwick._native.RowWriter(str(folder / "alone.exr"), side, side, "color", 0, False, False, "", 0)
+        for top in range(0, side, tile[1]):
+            writer.write(graph.bake(side, region=(0, top, side, top + tile[1]), threads=1))
+        writer.finish()
+
+    graph.bake(8)
+    used = passed(alone)[1]
+    with connect(None, 2) as client:
+        fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=tile)
+        before = processor_time(client)
+        clock = passed(lambda: fernwick.cluster.bake(client, graph, folder / "many.exr", side, tile=tile))[0]
+        spent = processor_time(client) - before
+    assert (folder / "many.exr").read_bytes() == (folder / "alone.exr").read_bytes()
+    milliseconds = (spent - used) / count * 1000
+    print(f"{count} tasks in {clock:.1f} s: {milliseconds:.2f} ms of processor time each beside shading and writing")
+
+
+def measure_workers(path: Path, side: int, workers: list[int], samples: int, folder: Path) -> None:
+    graph = fernwick.Graph.load(path)
+    size = f"{side}x{side}"
+
+    def command(threads: int) -> float:
+        file = folder / "command.exr"
+        arguments = ["bake", path, "--size", size, "--samples", samples, "--threads", threads, "-o", file]
+        return passed(lambda: subprocess.run([str(each) for each in (COMMAND, *arguments)], check=True))[0]
+
+    def cluster(count: int) -> float:
+        with connect(None, count) as client:
+            fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=(128, 128))
+            work = lambda: fernwick.cluster.bake(client, graph, folder / "cluster.exr", side, samples=samples)  # noqa: E731
+            return passed(work)[0]
+
+    print(f"{path.name}, {size}, {samples} samples, tiles of 2048x256, load {os.getloadavg()[0]:.1f} before:")
+    for count in workers:
+        alone = command(min(count, os.cpu_count() or 1))
+        together = cluster(count)
+        print(f"  {count} workers: {together:.1f} s; the command with {min(count, os.cpu_count() or 1)} threads: "
+              f"{alone:.1f} s; ratio {alone / together:.2f}")  # fmt: skip
+    assert (folder / "command.exr").read_bytes() == (folder / "cluster.exr").read_bytes()
+
+
+def measure_large(side: int, memory: int, folder: Path) -> None:
+    graph = fernwick.Graph(fernwick.Checker(countU=64, countV=64))
+    with connect(None, 2) as client:
+        clock = passed(
+            lambda: fernwick.cluster.bake(
+                client, graph, folder / "large.tif", side, tiled=True, memory=memory, compression="zip"
+            )
+        )[0]
+        workers = client.run(lambda: resource.getrusage(resource.RUSAGE_SELF).ru_maxrss)
+    most = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
+    size = (folder / "large.tif").stat().st_size
+    print(f"{side}x{side} with memory={memory / 2**20:.0f} MiB: {clock:.0f} s, {size / 2**20:.0f} MiB of file, "
+          f"the client took {most / 1024:.0f} MiB, a worker {max(workers.values()) / 1024:.0f} MiB")  # fmt: skip
+
+
+def main() -> None:
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--graph", type=Path, default=ROOT / "examples/weave-rounded.json")
+    parser.add_argument("--side", type=int, default=4096)
+    parser.add_argument("--samples", type=int, default=4)
+    parser.add_argument("--workers", default="1,2,4,8")
+    parser.add_argument("--large", type=int)
+    parser.add_argument("--memory", type=int, default=2**30)
+    options = parser.parse_args()
+    with tempfile.TemporaryDirectory() as name:
+        if options.large:
+            measure_large(options.large, options.memory, Path(name))
+            return
+        measure_tasks(fernwick.Graph(fernwick.Checker()), Path(name))
+        workers = [int(each) for each in options.workers.split(",")]
+        measure_workers(options.graph, options.side, workers, options.samples, Path(name))
+
+
+if __name__ == "__main__":
+    main()
