@@ -113,6 +113,11 @@ def workers_of(client: Client) -> dict[str, Any]:
     return dict(client.scheduler_info()["workers"])
 
 
+def place_of(client: Client, future: Future) -> str:
+    """The worker that has a task to do; empty for none."""
+    return next((str(address) for address, keys in client.processing().items() if future.key in keys), "")
+
+
 def restart(client: Client, address: str) -> None:
     """Ends a worker that hangs: its nanny starts another process; one without a nanny goes for good."""
     if workers_of(client).get(address, {}).get("nanny"):

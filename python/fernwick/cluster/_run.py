@@ -23,7 +23,7 @@ from .._arguments import Progress
 from .._errors import Error, GraphError, LibraryError, ShaderWarning, warn
 from . import _worker
 from ._assemble import Layout, PictureFiles
-from ._dask import CancelledError, Client, Future, KilledWorker, cancel, cheap_submission, restart, subscribe, unsubscribe, workers_of
+from ._dask import CancelledError, Client, Future, KilledWorker, cancel, cheap_submission, place_of, restart, subscribe, unsubscribe, workers_of
 from ._facts import differences, facts, library_files
 from ._files import digest
 from ._plan import Job, Picture, Unit, bytes_of, megabytes
@@ -56,6 +56,7 @@ class _Flight:
     """A unit that was submitted."""
 
     future: Future
+    sent: float
     started: float | None = None
     worker: str = ""
     is_done: bool = False  # and waits to be fetched, or is
@@ -69,7 +70,7 @@ class _Member:
     folder: str  # which is another one when a new process has the same address
     future: Future | None  # of what prepares it
     ready: bool = False
-    is_new: bool = True  # when looked at
+    is_late: bool = False  # came ready when units were sent already, and wasn't looked at since
     refused: str = ""
 
 
@@ -97,7 +98,7 @@ class Run:
         self._events: queue.SimpleQueue[tuple[Callable[..., None], tuple[Any, ...]]] = queue.SimpleQueue()
         self._writer = ThreadPoolExecutor(1, "fernwick-writer")
         self._fetcher = ThreadPoolExecutor(4, "fernwick-fetcher")  # of which one waits, unless workers hang
-        self._medic = ThreadPoolExecutor(1, "fernwick-medic")
+        self._medic = ThreadPoolExecutor(4, "fernwick-medic")
         packed = pickle.dumps(job)
         self._hash = digest(packed)
         self._facts = facts()
@@ -128,6 +129,7 @@ class Run:
         self._number = 0  # of the last submission
         self._idle_since = time.monotonic()
         self._looked = 0.0
+        self._is_over = False
 
     def run(self) -> None:
         self._begin()
@@ -166,6 +168,7 @@ class Run:
                 self._writer.submit(self._abandon, opened)
             raise
         finally:
+            self._is_over = True
             futures = [flight.future for flight in self._flights.values()]
             futures += [member.future for member in self._members.values() if member.future is not None]
             cancel(self._client, [*futures, *self._scattered.values()])
@@ -218,6 +221,9 @@ class Run:
         folders = {address: worker["local_directory"] for address, worker in known.items()}
         for address in [each for each, member in self._members.items() if folders.get(each) != member.folder]:
             member = self._members.pop(address)
+            for flight in self._flights.values():
+                if flight.worker == address and not flight.is_done:
+                    flight.started, flight.sent = None, now
             if member.ready:
                 _logger.warning("%s is lost; its units go to others", address)
         for address, worker in known.items():
@@ -285,6 +291,7 @@ class Run:
             return
         member.future = None
         member.ready = True
+        member.is_late = bool(self._flights)
         _logger.info("%s is ready", address)
         if all(other.future is None for other in self._members.values()):
             for content_hash in self._shared:
@@ -293,11 +300,11 @@ class Run:
     def _wake(self) -> None:
         """Submits again what nobody could do: Dask looks at it when a worker comes, and not when that is ready."""
         ready = [member for member in self._members.values() if member.ready]
-        if ready and all(member.is_new for member in ready):
+        if ready and all(member.is_late for member in ready):
             for unit in reversed([unit for unit, flight in self._flights.items() if not flight.is_done]):
                 self._again(unit)
         for member in ready:
-            member.is_new = False
+            member.is_late = False
 
     def _refuse(self, address: str, why: str) -> None:
         self._members[address].future = None
@@ -319,16 +326,30 @@ class Run:
 
     def _find_hung(self, now: float) -> None:
         for unit, flight in list(self._flights.items()):
-            if flight.started is None or flight.is_done or now - flight.started < self._settings.timeout:
+            patience = self._settings.timeout * (1 if flight.started is not None else _QUEUED + 1)
+            if flight.is_done or now - (flight.started or flight.sent) < patience:
                 continue
+            if flight.started is None:  # what it waits for hangs, and is perhaps nobody's any more
+                flight.sent = now
+                flight.worker = place_of(self._client, flight.future)
+                if not flight.worker:
+                    continue
             workers = self._hung.setdefault(unit, [])
             workers.append(flight.worker)
             took = f"{unit.name}: took longer than {self._settings.timeout:g} s on {', '.join(workers)}"
             if len(workers) == _TRIES:
                 raise Error(f"{took}; smaller tiles or a longer --timeout may help")
             _logger.warning("%s, which is restarted", took)
-            flight.started = None
-            self._medic.submit(restart, self._client, flight.worker)
+            flight.started = now  # until the worker is gone
+            self._heal(flight.worker)
+
+    def _heal(self, worker: str) -> None:
+        def tell(restarted: Any) -> None:
+            if self._is_over or restarted.cancelled() or restarted.exception() is None:
+                return
+            _logger.warning("%s can't be restarted: %s", worker, restarted.exception())
+
+        self._medic.submit(restart, self._client, worker).add_done_callback(tell)
 
     def _find_hung_fetch(self, now: float) -> None:
         if not self._fetched or now - self._fetch_begun < self._settings.timeout:
@@ -336,7 +357,7 @@ class Run:
         workers = {self._flights[unit].worker for unit, future in self._fetched if self._is_current(unit, future)}
         _logger.warning("%s: no answer in %g s; restarted", ", ".join(sorted(workers)), self._settings.timeout)
         for worker in workers:
-            self._medic.submit(restart, self._client, worker)
+            self._heal(worker)
         for unit, future in self._fetched:
             if self._is_current(unit, future):
                 self._held -= bytes_of(unit, self._outputs)
@@ -368,7 +389,7 @@ class Run:
                 pure=False,
             )
             for unit, key, future in zip(batch, keys, futures):
-                self._flights[unit] = _Flight(future)
+                self._flights[unit] = _Flight(future, time.monotonic())
                 self._by_key[key] = unit
                 self._notify(future, self._on_end, unit)
 

@@ -63,7 +63,7 @@ def test_worker_hangs(fresh: Any, graph: fernwick.Graph, expected: bytes, tmp_pa
 def test_tile_that_takes_too_long(fresh: Any, graph: fernwick.Graph, tmp_path: Path) -> None:
     expected = "frame 1, tile 0,0,500,500: took longer than 0.2 s on tcp.*, tcp.*, tcp.*, tcp"
     with unchanged(tmp_path), pytest.raises(fernwick.Error, match=expected):
-        fernwick.cluster.bake(fresh, graph, tmp_path / "a.png", SIDE, samples=400, timeout=0.2)
+        fernwick.cluster.bake(fresh, graph, tmp_path / "a.png", SIDE, samples=200, tile=(512, 512), timeout=0.2)
 
 
 def test_worker_out_of_memory(graph: fernwick.Graph, expected: bytes, tmp_path: Path) -> None:
