@@ -52,11 +52,15 @@ def measure_tasks(graph: fernwick.Graph, folder: Path) -> None:
     with connect(None, 2) as client:
         fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=tile)
         before = processor_time(client)
+        time.sleep(4)
+        idle = (processor_time(client) - before) / 4
+        before = processor_time(client)
         clock = passed(lambda: fernwick.cluster.bake(client, graph, folder / "many.exr", side, tile=tile))[0]
         spent = processor_time(client) - before
     assert (folder / "many.exr").read_bytes() == (folder / "alone.exr").read_bytes()
-    milliseconds = (spent - used) / count * 1000
-    print(f"{count} tasks in {clock:.1f} s: {milliseconds:.2f} ms of processor time each beside shading and writing")
+    each = [(spent - used - idle * clock) / count * 1000, idle * 100]
+    print(f"{count} tasks in {clock:.1f} s, load {os.getloadavg()[0]:.1f}: {each[0]:.1f} ms of processor time each beside shading "
+          f"and writing, and {each[1]:.1f} % of a processor at rest")  # fmt: skip
 
 
 def measure_workers(path: Path, side: int, workers: list[int], samples: int, folder: Path) -> None:

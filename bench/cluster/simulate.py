@@ -16,6 +16,7 @@ import time
 from pathlib import Path
 from typing import Any
 
+import dask
 import distributed
 import numpy as np
 
@@ -38,12 +39,11 @@ def host(address: str, count: int, seconds: float, folder: str) -> None:
 
     async def work() -> None:
         options = {"nthreads": 1, "local_directory": folder, "heartbeat_interval": "10s", "memory_limit": 0, "dashboard": False}
-        workers = [distributed.Worker(address, **options) for _ in range(count)]
-        for worker in workers:
-            await worker
+        workers = [await distributed.Worker(address, **options) for _ in range(count)]
         await asyncio.gather(*(worker.finished() for worker in workers))
 
-    asyncio.run(work())
+    with dask.config.set({"distributed.worker.use-file-locking": False, "distributed.worker.profile.enabled": False}):
+        asyncio.run(work())
 
 
 def scheduler(port: int, queue: Any) -> None:
