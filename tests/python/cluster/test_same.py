@@ -1,14 +1,11 @@
 """Files of a cluster are those of one process, to the bit."""
 
-import json
 import random
-import shutil
 from pathlib import Path
 from typing import Any
 
-import numpy as np
 import pytest
-from conftest import EXAMPLES, unchanged
+from conftest import EXAMPLES
 
 import fernwick
 import fernwick.cluster
