@@ -31,7 +31,7 @@ class PictureFiles:
     """The files of one picture, which appear when it is whole, and not at all when it is abandoned."""
 
     def __init__(self, picture: Picture, layout: Layout) -> None:
-        """Raises PictureError when a file can't be written."""
+        """Raises FileError when a file can't be written."""
         for file in picture.files.values():
             file.parent.mkdir(parents=True, exist_ok=True)
         self._picture = picture
@@ -48,7 +48,7 @@ class PictureFiles:
             raise
 
     def write(self, band: list[Unit], arrays: dict[Unit, dict[str, NDArray[np.float32]]]) -> None:
-        """The next band, which is taken from the arrays. Raises PictureError."""
+        """The next band, which is taken from the arrays. Raises FileError."""
         np = numpy()
         height = band[0].region[3] - band[0].region[1]
         for output, writer in self._writers.items():
@@ -57,7 +57,7 @@ class PictureFiles:
                 writer.write(_picture(np.concatenate([piece[top : top + _ROWS] for piece in pieces], axis=1)))
 
     def finish(self) -> None:
-        """Raises PictureError."""
+        """Raises FileError."""
         for writer in self._writers.values():
             writer.finish()
 
@@ -67,7 +67,7 @@ class PictureFiles:
 
 
 def try_files(picture: Picture, layout: Layout) -> None:
-    """Whether a picture can be written. Raises PictureError."""
+    """Whether a picture can be written. Raises FileError."""
     PictureFiles(picture, layout).abandon()
 
 

@@ -176,7 +176,7 @@ def test_full_disk(shared: Any, graph: fernwick.Graph, tmp_path: Path) -> None:
     limits = resource.getrlimit(resource.RLIMIT_FSIZE)
     resource.setrlimit(resource.RLIMIT_FSIZE, (100_000, limits[1]))
     try:
-        with unchanged(tmp_path), pytest.raises(fernwick.PictureError, match="a.exr"):
+        with unchanged(tmp_path), pytest.raises(fernwick.FileError, match="a.exr"):
             fernwick.cluster.bake(shared, graph, tmp_path / "a.exr", SIDE, tile=TILE)
     finally:
         resource.setrlimit(resource.RLIMIT_FSIZE, limits)
