@@ -36,9 +36,11 @@ endif()
 if(TARGET fernwick_native)
     list(APPEND CPACK_COMPONENTS_ALL python)
     debian_package(python python3-fernwick python "Fernwick shaders in Python
- Builds graphs of shaders, bakes and renders them into NumPy arrays, and shades arrays of samples."
+ Builds graphs of shaders, bakes and renders them into NumPy arrays or on more than one machine, and shades arrays of
+ samples."
         "${needs_library}, python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
     set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS fernwick) # which makes the classes without a route
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS python3-distributed) # for more than one machine
 endif()
 execute_process(COMMAND gzip -9n --stdout ${PROJECT_SOURCE_DIR}/packaging/changelog
     OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.gz COMMAND_ERROR_IS_FATAL ANY)

@@ -1,9 +1,9 @@
 """What work on Dask costs on this machine: processor time a task, and efficiency by the number of workers.
 
-    python3 bench/cluster/measure.py [--graph examples/weave-rounded.json] [--side 8192] [--workers 1,2,4,8]
+    python3 bench/cluster/measure.py [--graph examples/weave-rounded.json] [--side 4096] [--workers 1,2,4,8]
 
 FERNWICK_COMMAND names the command that is measured beside it. Files go to a temporary folder. `--large 65536` bakes one
-picture of that side with a cheap graph, and tells the most memory that client and workers took.
+picture of that side, with a cheap graph unless one is given, and tells the most memory that client and workers took.
 """
 
 import argparse
@@ -42,9 +42,9 @@ def measure_tasks(graph: fernwick.Graph, folder: Path) -> None:
     count = side * side // (tile[0] * tile[1])
 
     def alone() -> None:
-        writer = fernwick._native.RowWriter(str(folder / "alone.exr"), side, side, "color", 0, False, False, "", 0)
+        writer = fernwick._native.RowWriter(str(folder / "alone.exr"), side, side, None, "color", [], 0, False, False, "", 0)
         for top in range(0, side, tile[1]):
-            writer.write(graph.bake(side, region=(0, top, side, top + tile[1]), threads=1))
+            writer.write(graph.bake(side, region=(0, top, side, top + tile[1]), threads=1), [])
         writer.finish()
 
     graph.bake(8)
@@ -87,24 +87,34 @@ def measure_workers(path: Path, side: int, workers: list[int], samples: int, fol
     assert (folder / "command.exr").read_bytes() == (folder / "cluster.exr").read_bytes()
 
 
-def measure_large(side: int, memory: int, folder: Path) -> None:
-    graph = fernwick.Graph(fernwick.Checker(countU=64, countV=64))
+def most_memory() -> float:
+    """MiB that this process has taken at most."""
+    return resource.getrusage(resource.RUSAGE_SELF).ru_maxrss / 1024
+
+
+def measure_large(path: Path | None, side: int, memory: int, folder: Path) -> None:
+    graph = fernwick.Graph(fernwick.Checker(countU=64, countV=64)) if path is None else fernwick.Graph.load(path)
     with connect(None, 2) as client:
+        print(f"at rest the client takes {most_memory():.0f} MiB, workers {list_of(client.run(most_memory))}", flush=True)
         clock = passed(
             lambda: fernwick.cluster.bake(
                 client, graph, folder / "large.tif", side, tiled=True, memory=memory, compression="zip"
             )
         )[0]
-        workers = client.run(lambda: resource.getrusage(resource.RUSAGE_SELF).ru_maxrss)
-    most = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
+        workers = client.run(most_memory)
     size = (folder / "large.tif").stat().st_size
-    print(f"{side}x{side} with memory={memory / 2**20:.0f} MiB: {clock:.0f} s, {size / 2**20:.0f} MiB of file, "
-          f"the client took {most / 1024:.0f} MiB, a worker {max(workers.values()) / 1024:.0f} MiB")  # fmt: skip
+    print(f"{side}x{side} with memory={memory / 2**20:.0f} MiB: {clock:.0f} s, load {os.getloadavg()[0]:.1f}, "
+          f"{size / 2**20:.0f} MiB of file, at most the client with the scheduler took {most_memory():.0f} MiB, workers "
+          f"{list_of(workers)}")  # fmt: skip
+
+
+def list_of(found: dict[str, float]) -> str:
+    return " and ".join(f"{each:.0f} MiB" for each in found.values())
 
 
 def main() -> None:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--graph", type=Path, default=ROOT / "examples/weave-rounded.json")
+    parser.add_argument("--graph", type=Path)
     parser.add_argument("--side", type=int, default=4096)
     parser.add_argument("--samples", type=int, default=4)
     parser.add_argument("--workers", default="1,2,4,8")
@@ -113,11 +123,11 @@ def main() -> None:
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as name:
         if options.large:
-            measure_large(options.large, options.memory, Path(name))
+            measure_large(options.graph, options.large, options.memory, Path(name))
             return
         measure_tasks(fernwick.Graph(fernwick.Checker()), Path(name))
         workers = [int(each) for each in options.workers.split(",")]
-        measure_workers(options.graph, options.side, workers, options.samples, Path(name))
+        measure_workers(options.graph or ROOT / "examples/weave-rounded.json", options.side, workers, options.samples, Path(name))
 
 
 if __name__ == "__main__":

@@ -46,7 +46,7 @@ holds(fernwick "[^\n]*fernwick-shaders \\(= [0-9.]+\\)[^\n]*libopenimageio[^\n]*
 holds(python3-fernwick
     "fernwick-shaders \\(= [0-9.]+\\), python3 \\(>= 3.11\\), python3 \\(<< 3.12\\), python3-numpy, [^\n]*libopenimageio[^\n]*"
     lib/python3/dist-packages/fernwick/__init__.py lib/python3/dist-packages/fernwick/py.typed
-    lib/python3/dist-packages/fernwick/_shaders.pyi
+    lib/python3/dist-packages/fernwick/_shaders.pyi lib/python3/dist-packages/fernwick/cluster/__main__.py
     lib/python3/dist-packages/fernwick/_native.cpython-311-x86_64-linux-gnu.so)
 if(contents MATCHES "__pycache__")
     message(FATAL_ERROR "python3-fernwick holds what Python has compiled:\n${contents}")

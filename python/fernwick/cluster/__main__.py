@@ -53,6 +53,7 @@ def _run(options: argparse.Namespace) -> None:
         graph = Graph.load(options.graph)
     shared: dict[str, Any] = {
         "frames": options.frames,
+        "region": options.region,
         "samples": options.samples,
         "bits": options.bits,
         "straight": options.straight,
@@ -68,7 +69,7 @@ def _run(options: argparse.Namespace) -> None:
             _tell(f"the dashboard is {dashboard(client)}")
         with _Bar(options.graph) as bar:
             if options.command == "render":
-                shared |= {"camera": options.camera, "strip": options.strip}
+                shared |= {"camera": options.camera, "strip": options.strip, "layers": options.layers}
                 render(client, graph, options.picture, *options.size, progress=bar.show, **shared)
             else:
                 model, _, node = (options.onto or "").partition("#")
@@ -89,11 +90,12 @@ def _parser() -> argparse.ArgumentParser:
     commands = parser.add_subparsers(dest="command", required=True, metavar="bake|render")
     baking = commands.add_parser("bake", help="shades the UV square, or a model, with a graph", epilog=_EPILOG)
     rendering = commands.add_parser("render", help="renders the scene of a graph", epilog=_EPILOG)
-    for command, samples in ((baking, 1), (rendering, 4)):
+    for command, samples in ((baking, 1), (rendering, 9)):
         add = command.add_argument
         add("graph", metavar="GRAPH", help="the graph of shaders, a JSON file; - is stdin")
         add("-o", "--picture", metavar="FILE", required=True, help="the picture: .png, .exr, .tif or .tx")
         add("--size", metavar="WxH", type=_size, default=(512, 512), help="width and height in pixels (512x512)")
+        add("--region", metavar="X0,Y0,X1,Y1", type=_region, help="a part of the picture, in pixels, the ends not included")
         add("--frames", metavar="FRAMES", type=_plan.frames, help="makes a picture of each frame, as of 1-24")
         add("--samples", metavar="N", type=int, default=samples, help=f"samples a pixel ({samples})")
         add("--bits", metavar="N", type=int, choices=(8, 16, 32), default=0, help="bits of a channel")
@@ -111,6 +113,8 @@ def _parser() -> argparse.ArgumentParser:
         add("--resume", metavar="FOLDER", help="keeps finished tiles there, and begins with those that it has")
         add("--verbose", action="store_true", help="tells of each tile")
     rendering.add_argument("--strip", action="store_true", help="puts all frames side by side in one picture")
+    groups = ", ".join(["none", "all", *_native.layer_groups()])
+    rendering.add_argument("--layers", metavar="NAMES", type=_layers, help=f"layers of an .exr, by commas: {groups}")
     rendering.add_argument("--camera", metavar="NAME", default="", help="the camera to render from")
     add = baking.add_argument
     outputs = ", ".join(_native.channel_names())
@@ -129,6 +133,18 @@ def _size(text: str) -> tuple[int, int]:
     if match is None:
         raise argparse.ArgumentTypeError(f'"{text}" is no size; a size is like 640x480')
     return int(match[1]), int(match[2])
+
+
+def _region(text: str) -> tuple[int, ...]:
+    if re.fullmatch(r"\d{1,5}(,\d{1,5}){3}", text) is None:
+        what = "one is like 0,0,320,240: left, top, and the right and bottom that aren't in it"
+        raise argparse.ArgumentTypeError(f'"{text}" is no region; {what}')
+    return tuple(map(int, text.split(",")))
+
+
+def _layers(text: str) -> str | list[str] | None:
+    names = text.split(",")
+    return "all" if "all" in names else [name for name in names if name != "none"] or None
 
 
 def _bytes(text: str) -> int:

@@ -38,10 +38,9 @@ class PictureFiles:
         self._writers: dict[str, Any] = {}
         try:
             for output, file in picture.files.items():
-                content = _content(output)
                 self._writers[output] = _native.RowWriter(
-                    str(file), picture.width, picture.height, content, layout.bits, layout.straight, layout.tiled,
-                    layout.compression, 0,
+                    str(file), picture.width, picture.height, picture.region, _content(output),
+                    _native.layers(picture.layers), layout.bits, layout.straight, layout.tiled, layout.compression, 0,
                 )  # fmt: skip
         except BaseException:
             self.abandon()
@@ -49,12 +48,14 @@ class PictureFiles:
 
     def write(self, band: list[Unit], arrays: dict[Unit, dict[str, NDArray[np.float32]]]) -> None:
         """The next band, which is taken from the arrays. Raises FileError."""
-        np = numpy()
         height = band[0].region[3] - band[0].region[1]
+        ordered = [arrays[unit] for unit in sorted(band, key=lambda unit: unit.column)]
         for output, writer in self._writers.items():
-            pieces = [arrays[unit].pop(output) for unit in sorted(band, key=lambda unit: unit.column)]
+            names = [output, *self._picture.layers]
+            pieces = {name: [piece.pop(name) for piece in ordered] for name in names}
             for top in range(0, height, _ROWS):
-                writer.write(_picture(np.concatenate([piece[top : top + _ROWS] for piece in pieces], axis=1)))
+                rows = [_rows(pieces[name], top) for name in names]
+                writer.write(_picture(rows[0]), [layer for group in rows[1:] for layer in _parted(group)])
 
     def finish(self) -> None:
         """Raises FileError."""
@@ -69,6 +70,16 @@ class PictureFiles:
 def try_files(picture: Picture, layout: Layout) -> None:
     """Whether a picture can be written. Raises FileError."""
     PictureFiles(picture, layout).abandon()
+
+
+def _rows(pieces: list[NDArray[np.float32]], top: int) -> NDArray[np.float32]:
+    joined: NDArray[np.float32] = numpy().concatenate([piece[top : top + _ROWS] for piece in pieces], axis=1)
+    return joined
+
+
+def _parted(group: NDArray[np.float32]) -> list[NDArray[np.float32]]:
+    """The layers of a group, as a file has them."""
+    return [group] if group.ndim == 2 else [numpy().ascontiguousarray(group[..., i]) for i in range(group.shape[2])]
 
 
 def _content(output: str) -> str:

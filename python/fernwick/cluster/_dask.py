@@ -49,7 +49,17 @@ def connect(address: str | None, workers: int, *, direct: bool = False) -> Itera
             yield client
         return
     # On one machine pixels are copied faster than compressed, and nobody looks at profiles of Dask's own.
-    cheap = {"distributed.comm.compression": None, "distributed.worker.profile.enabled": False}
+    cheap = {
+        "distributed.comm.compression": None,
+        "distributed.worker.profile.enabled": False,
+        "distributed.admin.tick.interval": "1s",
+        "distributed.admin.system-monitor.interval": "2s",
+        "distributed.scheduler.work-stealing-interval": "1s",
+        "distributed.nanny.pre-spawn-environ": {
+            **dask.config.get("distributed.nanny.pre-spawn-environ"),
+            "DASK_DISTRIBUTED__COMM__OFFLOAD": "False",  # else each message is measured
+        },
+    }
     with (
         dask.config.set(cheap),
         tempfile.TemporaryDirectory(prefix="fernwick-") as folder,
@@ -84,11 +94,9 @@ def offer(resource: str) -> None:
     distributed.utils.sync(worker.loop, worker.set_resources, **{resource: worker.state.nthreads})
 
 
-def announce(topic: str) -> str:
-    """Tells subscribers the worker and the key of the task that runs this. Answers the worker's address."""
-    worker = distributed.get_worker()
-    worker.log_event(topic, (worker.address, worker.get_current_task()))
-    return str(worker.address)
+def own_address() -> str:
+    """Of the worker that runs this."""
+    return str(distributed.get_worker().address)
 
 
 def while_wanted() -> Callable[[float], None]:
@@ -113,9 +121,30 @@ def workers_of(client: Client) -> dict[str, Any]:
     return dict(client.scheduler_info()["workers"])
 
 
-def place_of(client: Client, future: Future) -> str:
-    """The worker that has a task to do; empty for none."""
-    return next((str(address) for address, keys in client.processing().items() if future.key in keys), "")
+def places(client: Client, futures: Iterable[Future]) -> dict[str, str]:
+    """The workers that have tasks to do, or have done them, by key."""
+    chosen = list(futures)
+    keys = {future.key for future in chosen}
+    found = {key: str(address) for address, theirs in client.processing().items() for key in keys.intersection(theirs)}
+    done = client.who_has(chosen)
+    return found | {key: str(addresses[0]) for key, addresses in done.items() if addresses}
+
+
+def longer_than(client: Client, seconds: float) -> dict[str, str]:
+    """The workers of tasks that run for longer, by key, as far as workers have told at their last heartbeat."""
+
+    def look(dask_scheduler: Any) -> dict[str, str]:  # is sent as it is, for the scheduler has no package
+        import time
+
+        now = time.time()
+        return {
+            task.key: worker.address
+            for worker in dask_scheduler.workers.values()
+            for task, passed in worker.executing.items()
+            if task in worker.processing and passed + now - worker.last_seen > seconds
+        }
+
+    return dict(client.run_on_scheduler(look))
 
 
 def restart(client: Client, address: str) -> None:
@@ -124,16 +153,6 @@ def restart(client: Client, address: str) -> None:
         client.restart_workers([address], timeout=20)
     else:
         client.retire_workers([address], close_workers=True)
-
-
-def subscribe(client: Client, topic: str, handler: Callable[[str, str], None]) -> None:
-    """Calls with what tasks `announce`, in another thread."""
-    client.subscribe_topic(topic, lambda event: handler(*event[1]))
-
-
-def unsubscribe(client: Client, topic: str) -> None:
-    with contextlib.suppress(Exception):
-        client.unsubscribe_topic(topic)
 
 
 def cancel(client: Client, futures: Iterable[Future]) -> None:

@@ -8,7 +8,7 @@ from collections.abc import Iterator, Sequence
 from pathlib import Path
 from typing import Any
 
-from .. import _arguments
+from .. import _arguments, _native
 
 Size = tuple[int, int]
 Region = tuple[int, int, int, int]  # left, top, right, bottom
@@ -25,13 +25,13 @@ class Unit:
     region: Region
     udim: int  # 0 for the only one
     picture: int  # index in the plan
-    column: int  # of the picture where the region lies, which is another one than its left side in a strip
+    column: int  # of the file where the region lies, which isn't its left side in a strip or of a part of a picture
 
     @property
     def name(self) -> str:
         """For logs and errors."""
         udim = f", UDIM tile {self.udim}" if self.udim else ""
-        return f"frame {self.frame:g}{udim}, tile {','.join(map(str, self.region))}"
+        return f"frame {self.frame}{udim}, tile {','.join(map(str, self.region))}"
 
     @property
     def pixels(self) -> int:
@@ -46,7 +46,13 @@ class Picture:
     files: dict[str, Path]
     width: int
     height: int
+    region: Region | None  # the only part that there is
+    layers: tuple[str, ...]  # groups beside the colour, of a rendered picture
     bands: list[list[Unit]]
+
+    @property
+    def units(self) -> list[Unit]:
+        return [unit for band in self.bands for unit in band]
 
 
 @dataclasses.dataclass(frozen=True)
@@ -62,6 +68,14 @@ class Job:
     options: dict[str, Any]  # of Graph.bake and Graph.render, but for the above
     files: dict[float, dict[str, str]]  # by frame: hashes by name
     facts: dict[str, str]  # of the client's program and processor
+
+    def bytes_of(self, unit: Unit) -> int:
+        """As a unit's pixels travel."""
+        if self.kind == "bake":
+            numbers = sum(1 if output in ("alpha", "coverage", "value") else 4 for output in self.options["output"])
+        else:
+            numbers = 4 + len(_native.layers(self.options["layers"]))
+        return unit.pixels * 4 * numbers
 
     def identity(self, unit: Unit) -> str:
         """All that the pixels of a unit depend on, the same in every process."""
@@ -87,17 +101,24 @@ def tile(value: Size | None, kind: str) -> Size:
     return width, height
 
 
-def bands(size: Size, tile: Size, frames: Sequence[float], udim: int, picture: int) -> list[list[Unit]]:
-    """The units of a picture in which some frames lie side by side, by rows from the top."""
-    width, height = size
-    return [
-        [
-            Unit(frame, (left, top, min(left + tile[0], width), min(top + tile[1], height)), udim, picture, i * width + left)
-            for i, frame in enumerate(frames)
-            for left in range(0, width, tile[0])
-        ]
-        for top in range(0, height, tile[1])
+def bands(region: Region, tile: Size, frames: Sequence[float], udim: int, picture: int) -> list[list[Unit]]:
+    """The units of a picture, or of a part of it, in which some frames lie side by side, by rows from the top."""
+    left, top, right, bottom = region
+    columns = [
+        (frame, *span, i * (right - left) + span[0] - left)
+        for i, frame in enumerate(frames)
+        for span in _spans(left, right, tile[0])
     ]
+    return [
+        [Unit(frame, (first, upper, last, lower), udim, picture, column) for frame, first, last, column in columns]
+        for upper, lower in _spans(top, bottom, tile[1])
+    ]
+
+
+def _spans(first: int, last: int, step: int) -> list[tuple[int, int]]:
+    """Parts of a range that end at multiples of a step, as tiles of the whole picture do."""
+    cuts = [first, *range(first - first % step + step, last, step), last]
+    return list(zip(cuts, cuts[1:]))
 
 
 def named(name: str, *, frame: float | None = None, output: str | None = None, udim: int = 0) -> str:
@@ -120,10 +141,10 @@ def _numbered(name: str, frame: float) -> Iterator[str]:
     while name:
         if name.startswith("#"):
             rest = name.lstrip("#")
-            yield f"{frame:0{len(name) - len(rest)}g}"
+            yield f"{frame:0{len(name) - len(rest)}}"
         elif name.startswith("{frame}"):
             rest = name[len("{frame}") :]
-            yield f"{frame:g}"
+            yield str(frame)
         else:
             rest = name[1:]
             yield name[0]
@@ -143,16 +164,7 @@ def frames(text: str) -> list[float]:
         if end < start or stride < 1 or ("x" in part and not dash):
             raise ValueError(f'"{text}" names no frames; frames are like 12, 1-24, 1-24x2 or 1,5,9-12')
         found.update(range(start, end + 1, stride))
-    return [float(frame) for frame in sorted(found)]
-
-
-def numbers_of(output: str) -> int:
-    """Floats a pixel of an output, as they travel."""
-    return 1 if output in ("alpha", "coverage", "value") else 4
-
-
-def bytes_of(unit: Unit, outputs: Sequence[str]) -> int:
-    return unit.pixels * 4 * sum(map(numbers_of, outputs))
+    return [*sorted(found)]
 
 
 def megabytes(count: float) -> str:

@@ -17,7 +17,7 @@ from .. import _native
 from .._errors import Error, GraphError, ShaderWarning
 from .._graph import Graph, _remake
 from .._library import set_library
-from ._dask import announce, offer, while_wanted, worker_folder
+from ._dask import offer, own_address, while_wanted, worker_folder
 from ._facts import Facts, facts, library_files
 from ._files import Store
 from ._plan import Job, Unit
@@ -67,11 +67,10 @@ def take(job_hash: str, library: dict[str, str], resource: str, contents: dict[s
 
 
 def shade(job_hash: str, unit: Unit, contents: dict[str, bytes]) -> Shaded:
-    """One unit, by one thread. Its start is announced under the job's hash.
+    """One unit, by one thread.
 
     :param contents: what only this frame needs, by hash
     """
-    worker = announce(job_hash)
     wanted = while_wanted()
     started = time.monotonic()
     store = Store(worker_folder())
@@ -89,7 +88,7 @@ def shade(job_hash: str, unit: Unit, contents: dict[str, bytes]) -> Shaded:
     texts = [str(warning.message) for warning in caught if issubclass(warning.category, ShaderWarning)]
     seconds = time.monotonic() - started
     _logger.info("%s: done in %.2f s", unit.name, seconds)
-    return Shaded(arrays, texts, worker, seconds)
+    return Shaded(arrays, texts, own_address(), seconds)
 
 
 def _job(job_hash: str, store: Store) -> Job:
@@ -103,9 +102,10 @@ def _shaded(
     job: Job, unit: Unit, graph: Graph, over: Graph | None, root: str, progress: Any
 ) -> dict[str, NDArray[np.float32]]:
     options = dict(job.options, region=unit.region, threads=1, progress=progress)
-    if job.kind == "render":
-        return {"color": graph.render(job.width, job.height, **options)}
     result: dict[str, NDArray[np.float32]]
+    if job.kind == "render":
+        result = graph.render(job.width, job.height, **options)
+        return result
     onto = root + job.onto if isinstance(job.onto, str) else job.onto
     result = graph.bake(job.width, job.height, over=over, onto=onto, tile=unit.udim or None, **options)
     return result

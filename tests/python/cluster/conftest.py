@@ -3,20 +3,17 @@
 import contextlib
 import logging
 import os
-import sys
 from collections.abc import Callable, Iterator
 from pathlib import Path
 from typing import Any
 
 import pytest
 
-sys.path.insert(0, str(Path(__file__).parent))
-os.environ["PYTHONPATH"] += os.pathsep + str(Path(__file__).parent)  # of workers
-from fernwick.cluster._dask import connect  # noqa: E402
+from fernwick.cluster._dask import connect
 
-import fernwick  # noqa: E402
+import fernwick
 
-EXAMPLES = Path(__file__).resolve().parents[3] / "examples"
+os.environ["PYTHONPATH"] += os.pathsep + str(Path(__file__).parents[1])  # of workers
 
 
 @pytest.fixture(scope="session")

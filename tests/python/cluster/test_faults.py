@@ -15,11 +15,13 @@ from typing import Any
 import dask
 import distributed
 import pytest
-from conftest import EXAMPLES, at_share, pids, unchanged, whole
-from faults import count_tasks, eat_memory, hang, slow_down
+from conftest import EXAMPLES
 
 import fernwick
 import fernwick.cluster
+
+from .conftest import at_share, pids, unchanged, whole
+from .faults import count_tasks, eat_memory, hang, slow_down
 
 SIDE = 500
 TILE = (128, 128)  # of sixteen tiles

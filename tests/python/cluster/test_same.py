@@ -5,11 +5,11 @@ from pathlib import Path
 from typing import Any
 
 import pytest
-from conftest import EXAMPLES
+from conftest import EXAMPLES, run_command
 
 import fernwick
 import fernwick.cluster
-from fernwick.cluster import _run
+from fernwick.cluster._output import Output
 
 GRAPHS = sorted(EXAMPLES.glob("*.json"))
 
@@ -17,13 +17,14 @@ GRAPHS = sorted(EXAMPLES.glob("*.json"))
 @pytest.fixture
 def any_order(monkeypatch: pytest.MonkeyPatch) -> None:
     """Units are sent in an order of chance."""
-    begin = _run.Run._begin
+    begin = Output.begin
 
-    def shuffled(run: _run.Run) -> None:
-        begin(run)
-        random.Random(3).shuffle(run._pending)
+    def shuffled(output: Output) -> Any:
+        units = begin(output)
+        random.Random(3).shuffle(units)
+        return units
 
-    monkeypatch.setattr(_run.Run, "_begin", shuffled)
+    monkeypatch.setattr(Output, "begin", shuffled)
 
 
 @pytest.mark.parametrize("path", GRAPHS, ids=lambda path: path.stem)
@@ -37,6 +38,23 @@ def test_examples(shared: Any, any_order: None, tmp_path: Path, path: Path) -> N
     if graph.cameras:
         fernwick.cluster.render(shared, graph, tmp_path / "r.exr", 70, 50, samples=1, tile=(64, 64))
         same(tmp_path / "r.exr", graph.render(70, 50, samples=1), "color")
+
+
+def test_a_part_of_a_picture_and_its_layers(shared: Any, tmp_path: Path) -> None:
+    """As the command makes them; layers in the order of the file, not of the caller."""
+    graph = fernwick.Graph.load(EXAMPLES / "spot-room.json")
+    part = (10, 70, 190, 150)
+    fernwick.cluster.render(
+        shared, graph, tmp_path / "a.exr", 200, 150, region=part, layers=("normal", "second"), bits=16, tile=(64, 64)
+    )
+    options = ["--size", "200x150", "--region", "10,70,190,150", "--samples", 4]
+    run_command("render", "spot-room.json", *options, "--layers", "normal,second", "--bits", 16, "-o", tmp_path / "b.exr")
+    assert (tmp_path / "a.exr").read_bytes() == (tmp_path / "b.exr").read_bytes()
+    fernwick.cluster.render(
+        shared, graph, tmp_path / "a.png", 200, 150, region=part, frames=(1, 2), strip=True, tile=(64, 64)
+    )
+    run_command("render", "spot-room.json", *options, "--frames", "1-2", "--strip", "-o", tmp_path / "b.png")
+    assert (tmp_path / "a.png").read_bytes() == (tmp_path / "b.png").read_bytes()
 
 
 def same(file: Path, array: Any, output: str) -> None:

@@ -8,14 +8,19 @@ from typing import Any
 import distributed
 import numpy as np
 import pytest
-from conftest import EXAMPLES, at_share, unchanged, whole
-from faults import differ, stored
+from conftest import EXAMPLES
 
 import fernwick
 import fernwick.cluster
-from fernwick.cluster import _plan, _run
+from fernwick.cluster import _plan
+from fernwick.cluster._contents import Contents
 from fernwick.cluster._files import Store
+from fernwick.cluster._flights import Flights
+from fernwick.cluster._output import Output
 from fernwick.cluster._resume import Parts
+
+from .conftest import at_share, unchanged, whole
+from .faults import differ, stored
 
 
 def test_files_in_folders_and_memory(shared: Any, tmp_path: Path) -> None:
@@ -37,14 +42,14 @@ def test_files_in_folders_and_memory(shared: Any, tmp_path: Path) -> None:
 
 def test_once_per_worker(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     sent: list[str] = []
-    scatter = _run.Run._scatter
+    scatter = Contents.scatter
 
-    def counted(run: _run.Run, content_hash: str) -> Any:
-        source = run._sources[content_hash]
+    def counted(contents: Contents, content_hash: str) -> Any:
+        source = contents._sources[content_hash]
         sent.append(source if isinstance(source, str) else "job")
-        return scatter(run, content_hash)
+        return scatter(contents, content_hash)
 
-    monkeypatch.setattr(_run.Run, "_scatter", counted)
+    monkeypatch.setattr(Contents, "scatter", counted)
     shutil.copy(EXAMPLES / "backdrop.png", tmp_path / "new.png")
     with (tmp_path / "new.png").open("ab") as file:
         file.write(b"nobody has it yet")
@@ -118,8 +123,8 @@ def stop() -> None:
 def test_resume(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     """What was finished isn't shaded again, unless something has changed that it depends on, or it's damaged."""
     shaded: list[Any] = []
-    start = _run.Run._start
-    monkeypatch.setattr(_run.Run, "_start", lambda run, units: (shaded.extend(units), start(run, units)) and None)
+    start = Flights._start
+    monkeypatch.setattr(Flights, "_start", lambda flights, units: (shaded.extend(units), start(flights, units)) and None)
     graph = fernwick.Graph.load(EXAMPLES / "ripple-sequence.json")
     parts = tmp_path / "parts"
 
@@ -149,8 +154,8 @@ def test_resume(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) ->
 def test_memory(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     """No more pixels are held than there is room for, whatever the order in which they come."""
     held: list[int] = []
-    fetch = _run.Run._fetch
-    monkeypatch.setattr(_run.Run, "_fetch", lambda run: (fetch(run), held.append(run._held)) and None)
+    write = Output.write
+    monkeypatch.setattr(Output, "write", lambda output: (write(output), held.append(output.held)) and None)
     graph = fernwick.Graph.load(EXAMPLES / "key.json")
     room = 1100 * 128 * 16
     fernwick.cluster.bake(shared, graph, tmp_path / "a.png", 1100, 1000, tile=(256, 128), memory=room)
@@ -160,11 +165,13 @@ def test_memory(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) ->
 
 
 def test_plan_covers_each_pixel_once() -> None:
-    seen = np.zeros((300, 3 * 500), int)
-    for band in _plan.bands((500, 300), (128, 128), [1, 2, 3], 0, 0):
+    part = (50, 128, 500, 300)
+    seen = np.zeros((172, 3 * 450), int)
+    for band in _plan.bands(part, (128, 128), [1, 2, 3], 0, 0):
         for unit in band:
             left, top, right, bottom = unit.region
-            seen[top:bottom, unit.column : unit.column + right - left] += 1
+            assert (left in (50, 128, 256, 384)) and (top in (128, 256)), "tiles lie where those of the whole picture do"
+            seen[top - 128 : bottom - 128, unit.column : unit.column + right - left] += 1
     assert (seen == 1).all()
 
 
