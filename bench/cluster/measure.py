@@ -16,6 +16,8 @@ from collections.abc import Callable
 from pathlib import Path
 from typing import Any
 
+import numpy as np
+
 import fernwick
 import fernwick.cluster
 from fernwick.cluster._dask import connect
@@ -36,31 +38,39 @@ def passed(work: Callable[[], object]) -> tuple[float, float]:
     return time.perf_counter() - begun, time.process_time() - used
 
 
-def measure_tasks(graph: fernwick.Graph, folder: Path) -> None:
-    """Many small tiles on two workers, against the same in this process."""
-    side, tile = 4096, (256, 128)
+def measure_tasks(side: int, tile: tuple[int, int], workers: list[int], folder: Path) -> None:
+    """Many tiles of a cheap graph, against the same tiles in this process."""
+    graph = fernwick.Graph(fernwick.Checker())
     count = side * side // (tile[0] * tile[1])
 
+    def shaded(top: int) -> Any:
+        tiles = [(left, top, left + tile[0], top + tile[1]) for left in range(0, side, tile[0])]
+        return np.concatenate([graph.bake(side, region=each, threads=1) for each in tiles], axis=1)
+
     def alone() -> None:
-        writer = fernwick._native.RowWriter(str(folder / "alone.exr"), side, side, None, "color", [], 0, False, False, "", 0)
+        writer = fernwick._native.RowWriter(
+            str(folder / "alone.exr"), side, side, None, "color", [], 0, False, False, "", 0
+        )
         for top in range(0, side, tile[1]):
-            writer.write(graph.bake(side, region=(0, top, side, top + tile[1]), threads=1), [])
+            writer.write(shaded(top), [])
         writer.finish()
 
     graph.bake(8)
     used = passed(alone)[1]
-    with connect(None, 2) as client:
-        fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=tile)
-        before = processor_time(client)
-        time.sleep(4)
-        idle = (processor_time(client) - before) / 4
-        before = processor_time(client)
-        clock = passed(lambda: fernwick.cluster.bake(client, graph, folder / "many.exr", side, tile=tile))[0]
-        spent = processor_time(client) - before
-    assert (folder / "many.exr").read_bytes() == (folder / "alone.exr").read_bytes()
-    each = [(spent - used - idle * clock) / count * 1000, idle * 100]
-    print(f"{count} tasks in {clock:.1f} s, load {os.getloadavg()[0]:.1f}: {each[0]:.1f} ms of processor time each beside shading "
-          f"and writing, and {each[1]:.1f} % of a processor at rest")  # fmt: skip
+    print(f"{count} tasks of {tile[0]}x{tile[1]}:")
+    for number in workers:
+        with connect(None, number) as client:
+            fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=tile)
+            before = processor_time(client)
+            time.sleep(4)
+            idle = (processor_time(client) - before) / 4
+            before = processor_time(client)
+            clock = passed(lambda: fernwick.cluster.bake(client, graph, folder / "many.exr", side, tile=tile))[0]
+            spent = processor_time(client) - before
+        assert (folder / "many.exr").read_bytes() == (folder / "alone.exr").read_bytes()
+        each = (spent - used - idle * clock) / count * 1000
+        print(f"  {number} workers: {each:.1f} ms of processor time each beside shading and writing, {clock:.1f} s in all, "
+              f"and {idle * 100:.1f} % of a processor at rest; load {os.getloadavg()[0]:.1f}", flush=True)  # fmt: skip
 
 
 def measure_workers(path: Path, side: int, workers: list[int], samples: int, folder: Path) -> None:
@@ -75,7 +85,9 @@ def measure_workers(path: Path, side: int, workers: list[int], samples: int, fol
     def cluster(count: int) -> float:
         with connect(None, count) as client:
             fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=(128, 128))
-            work = lambda: fernwick.cluster.bake(client, graph, folder / "cluster.exr", side, samples=samples)  # noqa: E731
+            work = lambda: fernwick.cluster.bake(
+                client, graph, folder / "cluster.exr", side, samples=samples
+            )  # noqa: E731
             return passed(work)[0]
 
     print(f"{path.name}, {size}, {samples} samples, tiles of 2048x256, load {os.getloadavg()[0]:.1f} before:")
@@ -95,7 +107,9 @@ def most_memory() -> float:
 def measure_large(path: Path | None, side: int, memory: int, folder: Path) -> None:
     graph = fernwick.Graph(fernwick.Checker(countU=64, countV=64)) if path is None else fernwick.Graph.load(path)
     with connect(None, 2) as client:
-        print(f"at rest the client takes {most_memory():.0f} MiB, workers {list_of(client.run(most_memory))}", flush=True)
+        print(
+            f"at rest the client takes {most_memory():.0f} MiB, workers {list_of(client.run(most_memory))}", flush=True
+        )
         clock = passed(
             lambda: fernwick.cluster.bake(
                 client, graph, folder / "large.tif", side, tiled=True, memory=memory, compression="zip"
@@ -104,8 +118,8 @@ def measure_large(path: Path | None, side: int, memory: int, folder: Path) -> No
         workers = client.run(most_memory)
     size = (folder / "large.tif").stat().st_size
     print(f"{side}x{side} with memory={memory / 2**20:.0f} MiB: {clock:.0f} s, load {os.getloadavg()[0]:.1f}, "
-          f"{size / 2**20:.0f} MiB of file, at most the client with the scheduler took {most_memory():.0f} MiB, workers "
-          f"{list_of(workers)}")  # fmt: skip
+          f"{size / 2**20:.0f} MiB of file, the client with the scheduler took {most_memory():.0f} MiB at most, "
+          f"workers {list_of(workers)}")  # fmt: skip
 
 
 def list_of(found: dict[str, float]) -> str:
@@ -125,9 +139,13 @@ def main() -> None:
         if options.large:
             measure_large(options.graph, options.large, options.memory, Path(name))
             return
-        measure_tasks(fernwick.Graph(fernwick.Checker()), Path(name))
         workers = [int(each) for each in options.workers.split(",")]
-        measure_workers(options.graph or ROOT / "examples/weave-rounded.json", options.side, workers, options.samples, Path(name))
+        if not options.graph:
+            measure_tasks(4096, (256, 128), workers, Path(name))
+            measure_tasks(8192, (2048, 256), workers, Path(name))
+        measure_workers(
+            options.graph or ROOT / "examples/weave-rounded.json", options.side, workers, options.samples, Path(name)
+        )
 
 
 if __name__ == "__main__":

@@ -60,7 +60,7 @@ def bake(
     """Bakes into files, to the bit what `Graph.bake` and `fernwick.save` make.
 
     :param client: a `distributed.Client`
-    :param path: of the pictures: #### or {frame} stands for the frame, {output} for the output, {udim} for the UDIM tile
+    :param path: of the pictures: #### or {frame} is the frame, {output} the output, {udim} the UDIM tile
     :param width: and what follows, as of `Graph.bake`
     :param frames: a picture of each; without them one of the graph's frame
     :param region: left, top, right and bottom of the only part that is made, as of the command's --region

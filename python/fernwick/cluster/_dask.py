@@ -10,6 +10,8 @@ from collections.abc import Callable, Iterable, Iterator
 from pathlib import Path
 from typing import Any
 
+from .._errors import Error
+
 try:
     dask: Any = importlib.import_module("dask")
     distributed: Any = importlib.import_module("distributed")
@@ -43,13 +45,22 @@ def connect(address: str | None, workers: int, *, direct: bool = False) -> Itera
 
     :param workers: of this machine, with one thread each
     :param direct: takes results from workers past the scheduler, where this machine reaches them
+
+    Raises Error where no scheduler answers.
     """
+    # The run looks at workers itself.
+    seldom = {"distributed.client.scheduler-info-interval": "60s"}
     if address is not None:
-        with distributed.Client(address, direct_to_workers=direct) as client:
+        try:
+            with dask.config.set(seldom):
+                client = distributed.Client(address, direct_to_workers=direct)
+        except (OSError, ValueError) as error:
+            raise Error(f"no scheduler is found at {address}, which is like tcp://host:8786: {error}") from None
+        with client:
             yield client
         return
     # On one machine pixels are copied faster than compressed, and nobody looks at profiles of Dask's own.
-    cheap = {
+    cheap = seldom | {
         "distributed.comm.compression": None,
         "distributed.worker.profile.enabled": False,
         "distributed.admin.tick.interval": "1s",
@@ -100,7 +111,7 @@ def own_address() -> str:
 
 
 def while_wanted() -> Callable[[float], None]:
-    """To be called now and then in a task: raises Interrupted when it has been cancelled, which Dask itself can't do."""
+    """To be called now and then in a task: raises Interrupted when that has been cancelled, which Dask can't do."""
     worker = distributed.get_worker()
     key = worker.get_current_task()
 

@@ -156,7 +156,9 @@ class Flights:
                 [contents.job_hash] * len(batch),
                 batch,
                 [{each: contents.scatter(each) for each in contents.own(unit.frame)} for unit in batch],
-                key=[contents.key(f"{self._job.kind}-{unit.frame}-{','.join(map(str, unit.region))}") for unit in batch],
+                key=[
+                    contents.key(f"{self._job.kind}-{unit.frame}-{','.join(map(str, unit.region))}") for unit in batch
+                ],
                 resources={contents.resource: 1},
                 retries=_RETRIES,
                 priority=1 if is_lost else 0,
@@ -195,5 +197,7 @@ class Flights:
         if isinstance(error, Error):
             raise type(error)(f"{unit.name}: {error}") from None
         if isinstance(error, KilledWorker):
-            raise Error(f"{unit.name}: {_TRIES} workers died at it; do they have memory enough for a smaller tile?") from None
+            raise Error(
+                f"{unit.name}: {_TRIES} workers died at it; do they have memory enough for a smaller tile?"
+            ) from None
         raise Error(f"{unit.name}: {type(error).__name__}: {error}") from error

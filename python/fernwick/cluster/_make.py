@@ -91,7 +91,9 @@ def _pictures(name: str, wanted: Wanted, means: Means, frames: list[float], is_s
     if len(frames) > 1 and not strip and not has_frame_mark(name):
         raise ValueError(f"path: {len(frames)} frames need a number in the name, as in ripple.####.png")
     if len(outputs) > 1 and "{output}" not in name:
-        raise ValueError(f"path: {len(outputs)} outputs need a file each; put {{output}} into the name, as in key.{{output}}.png")
+        raise ValueError(
+            f"path: {len(outputs)} outputs need a file each; put {{output}} into the name, as in key.{{output}}.png"
+        )
     if strip and layers:
         raise ValueError("strip: a strip has no layers; leave them out")
     if layers and not name.lower().endswith(".exr"):

@@ -44,6 +44,9 @@ class Members:
         self.is_busy: Callable[[], bool] = lambda: False
         """Whether units are sent already."""
 
+    def __len__(self) -> int:
+        return len(self._members)
+
     @property
     def threads(self) -> int:
         """Of workers that are ready."""
@@ -92,7 +95,9 @@ class Members:
         if any(member.ready for member in self._members.values()):
             self._idle_since = now
             return
-        refused = [f"{address} is refused: {member.refused}" for address, member in self._members.items() if member.refused]
+        refused = [
+            f"{address} is refused: {member.refused}" for address, member in self._members.items() if member.refused
+        ]
         if refused and len(refused) == len(self._members):
             raise LibraryError("no worker is like this machine\n  " + "\n  ".join(refused))
         if now - self._idle_since > _PATIENCE:

@@ -19,7 +19,8 @@ from ._output import Output, Settings
 from ._plan import Job, Picture
 
 _logger = logging.getLogger("fernwick.cluster")
-_LOOK = 1.0  # seconds between looks at the workers
+_LOOK = 1.0  # seconds between looks at the workers, where there are few
+_LOOKED_AT = 100  # workers a second, at most: it costs the scheduler and this process most of a millisecond each
 
 
 class Run:
@@ -65,7 +66,7 @@ class Run:
 
     def _look_around(self) -> None:
         now = time.monotonic()
-        if now - self._looked < _LOOK:
+        if now - self._looked < max(_LOOK, len(self._members) / _LOOKED_AT):
             return
         self._looked = now
         if self._client.status == "closed":

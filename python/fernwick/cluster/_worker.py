@@ -134,7 +134,9 @@ def _at(made: tuple[Any, ...], kept: Graph | None, frame: float, root: str) -> G
         graph = _remake(_moved(text, root), type(folder)(f"{root}{folder}"), name, files, frame)
     for path in graph._document.files:
         if not path.startswith(root):
-            raise GraphError(f"{path}: a file names it by its absolute name, which workers don't have; make it relative")
+            raise GraphError(
+                f"{path}: a file names it by its absolute name, which workers don't have; make it relative"
+            )
     return graph
 
 

@@ -24,6 +24,7 @@ def slow_down(seconds: float) -> None:
 
 def hang() -> None:
     """It begins units and never ends them."""
+
     def forever(*_: Any) -> Any:
         time.sleep(1000)
 
@@ -32,6 +33,7 @@ def hang() -> None:
 
 def eat_memory() -> None:
     """Its units take all memory that there is."""
+
     def greedily(*_: Any) -> Any:
         eaten = []
         while True:

@@ -46,7 +46,12 @@ def short_patience() -> Iterator[None]:
 
 @pytest.mark.parametrize("signal_number", [signal.SIGKILL, signal.SIGSTOP])
 def test_worker_killed_or_stopped(
-    short_patience: None, fresh: Any, graph: fernwick.Graph, expected: bytes, tmp_path: Path, signal_number: signal.Signals
+    short_patience: None,
+    fresh: Any,
+    graph: fernwick.Graph,
+    expected: bytes,
+    tmp_path: Path,
+    signal_number: signal.Signals,
 ) -> None:
     fresh.run(slow_down, 0.1)
     victim = pids(fresh)[0]
@@ -116,9 +121,7 @@ class Processes:
     @staticmethod
     def _process(program: str, *arguments: object) -> Any:
         command = [sys.executable, "-m", f"distributed.cli.{program}", *map(str, arguments)]
-        return subprocess.Popen(
-            command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True
-        )
+        return subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
 
 
 @pytest.fixture

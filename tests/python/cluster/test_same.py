@@ -48,7 +48,9 @@ def test_a_part_of_a_picture_and_its_layers(shared: Any, tmp_path: Path) -> None
         shared, graph, tmp_path / "a.exr", 200, 150, region=part, layers=("normal", "second"), bits=16, tile=(64, 64)
     )
     options = ["--size", "200x150", "--region", "10,70,190,150", "--samples", 4]
-    run_command("render", "spot-room.json", *options, "--layers", "normal,second", "--bits", 16, "-o", tmp_path / "b.exr")
+    run_command(
+        "render", "spot-room.json", *options, "--layers", "normal,second", "--bits", 16, "-o", tmp_path / "b.exr"
+    )
     assert (tmp_path / "a.exr").read_bytes() == (tmp_path / "b.exr").read_bytes()
     fernwick.cluster.render(
         shared, graph, tmp_path / "a.png", 200, 150, region=part, frames=(1, 2), strip=True, tile=(64, 64)

@@ -104,7 +104,9 @@ def test_library_is_sent(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> Non
     with other.open("ab") as file:
         file.write(b"another build")
     monkeypatch.setenv("FERNWICK_LIBRARY", str(other))
-    cluster = distributed.LocalCluster(1, threads_per_worker=2, dashboard_address=":0", local_directory=tmp_path / "dask")
+    cluster = distributed.LocalCluster(
+        1, threads_per_worker=2, dashboard_address=":0", local_directory=tmp_path / "dask"
+    )
     with cluster, distributed.Client(cluster) as client:
         fernwick.cluster.bake(client, graph, tmp_path / "a.png", 300, tile=(128, 128))
         (loaded,) = client.run(lambda: str(fernwick.library())).values()
@@ -124,7 +126,9 @@ def test_resume(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) ->
     """What was finished isn't shaded again, unless something has changed that it depends on, or it's damaged."""
     shaded: list[Any] = []
     start = Flights._start
-    monkeypatch.setattr(Flights, "_start", lambda flights, units: (shaded.extend(units), start(flights, units)) and None)
+    monkeypatch.setattr(
+        Flights, "_start", lambda flights, units: (shaded.extend(units), start(flights, units)) and None
+    )
     graph = fernwick.Graph.load(EXAMPLES / "ripple-sequence.json")
     parts = tmp_path / "parts"
 
@@ -170,13 +174,16 @@ def test_plan_covers_each_pixel_once() -> None:
     for band in _plan.bands(part, (128, 128), [1, 2, 3], 0, 0):
         for unit in band:
             left, top, right, bottom = unit.region
-            assert (left in (50, 128, 256, 384)) and (top in (128, 256)), "tiles lie where those of the whole picture do"
+            assert (left in (50, 128, 256, 384)) and (
+                top in (128, 256)
+            ), "tiles lie where those of the whole picture do"
             seen[top - 128 : bottom - 128, unit.column : unit.column + right - left] += 1
     assert (seen == 1).all()
 
 
 @pytest.mark.parametrize(
-    ("text", "frames"), [("12", [12]), ("1-5x2", [1, 3, 5]), ("9-10,1,9", [1, 9, 10]), ("", None), ("5-1", None), ("1x2", None)]
+    ("text", "frames"),
+    [("12", [12]), ("1-5x2", [1, 3, 5]), ("9-10,1,9", [1, 9, 10]), ("", None), ("5-1", None), ("1x2", None)],
 )
 def test_frames(text: str, frames: list[float] | None) -> None:
     if frames is None:
