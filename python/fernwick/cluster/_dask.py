@@ -161,7 +161,7 @@ def longer_than(client: Client, seconds: float) -> dict[str, str]:
 def restart(client: Client, address: str) -> None:
     """Ends a worker that hangs: its nanny starts another process; one without a nanny goes for good."""
     if workers_of(client).get(address, {}).get("nanny"):
-        client.restart_workers([address], timeout=20)
+        client.restart_workers([address], timeout=60)
     else:
         client.retire_workers([address], close_workers=True)
 

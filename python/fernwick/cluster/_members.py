@@ -112,8 +112,12 @@ class Members:
         member = self._members.get(address)
         if member is None or member.future is not future:
             return
-        if future.status != "finished":
-            self._refuse(address, f"{_reason(future)}; is the package fernwick installed there?")
+        if future.status == "cancelled":
+            del self._members[address]  # it goes, or the scheduler does: it is looked at again
+            return
+        if future.status == "error":
+            error = _told(future.exception())
+            self._refuse(address, f"{error}; is the package fernwick installed there?")
             return
         theirs, library, is_loaded, lacks = future.result()
         wrong = differences(self._facts, theirs)
@@ -134,8 +138,11 @@ class Members:
         member = self._members.get(address)
         if member is None or member.future is not future:
             return
-        if future.status != "finished":
-            self._refuse(address, _reason(future))
+        if future.status == "cancelled":
+            del self._members[address]
+            return
+        if future.status == "error":
+            self._refuse(address, _told(future.exception()))
             return
         member.future = None
         member.ready = True
@@ -150,6 +157,5 @@ class Members:
         _logger.warning("%s is refused: %s", address, why)
 
 
-def _reason(future: Future) -> str:
-    error = future.exception() if future.status == "error" else None
-    return "its task was cancelled" if error is None else f"{type(error).__name__}: {error}"
+def _told(error: BaseException) -> str:
+    return f"{type(error).__name__}: {error}"
