@@ -69,33 +69,38 @@ def measure_tasks(side: int, tile: tuple[int, int], workers: list[int], folder: 
             spent = processor_time(client) - before
         assert (folder / "many.exr").read_bytes() == (folder / "alone.exr").read_bytes()
         each = (spent - used - idle * clock) / count * 1000
-        print(f"  {number} workers: {each:.1f} ms of processor time each beside shading and writing, {clock:.1f} s in all, "
-              f"and {idle * 100:.1f} % of a processor at rest; load {os.getloadavg()[0]:.1f}", flush=True)  # fmt: skip
+        print(f"  {number} workers: {each:.1f} ms of processor time each beside shading and writing, {clock:.1f} s in "
+              f"all, and {idle * 100:.1f} % of a processor at rest; load {os.getloadavg()[0]:.1f}", flush=True)  # fmt: skip
 
 
 def measure_workers(path: Path, side: int, workers: list[int], samples: int, folder: Path) -> None:
     graph = fernwick.Graph.load(path)
     size = f"{side}x{side}"
 
-    def command(threads: int) -> float:
+    def command(threads: int) -> tuple[float, float]:
         file = folder / "command.exr"
         arguments = ["bake", path, "--size", size, "--samples", samples, "--threads", threads, "-o", file]
-        return passed(lambda: subprocess.run([str(each) for each in (COMMAND, *arguments)], check=True))[0]
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        clock = passed(lambda: subprocess.run([str(each) for each in (COMMAND, *arguments)], check=True))[0]
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        return clock, after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
 
-    def cluster(count: int) -> float:
+    def cluster(count: int) -> tuple[float, float]:
         with connect(None, count) as client:
             fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=(128, 128))
+            before = processor_time(client)
             work = lambda: fernwick.cluster.bake(
                 client, graph, folder / "cluster.exr", side, samples=samples
             )  # noqa: E731
-            return passed(work)[0]
+            return passed(work)[0], processor_time(client) - before
 
     print(f"{path.name}, {size}, {samples} samples, tiles of 2048x256, load {os.getloadavg()[0]:.1f} before:")
     for count in workers:
-        alone = command(min(count, os.cpu_count() or 1))
-        together = cluster(count)
-        print(f"  {count} workers: {together:.1f} s; the command with {min(count, os.cpu_count() or 1)} threads: "
-              f"{alone:.1f} s; ratio {alone / together:.2f}")  # fmt: skip
+        threads = min(count, os.cpu_count() or 1)
+        alone, together = command(threads), cluster(count)
+        print(f"  {count} workers: {together[0]:.1f} s, {together[1]:.1f} s of processor time; the command with {threads} "
+              f"threads: {alone[0]:.1f} s, {alone[1]:.1f} s; ratios {alone[0] / together[0]:.2f}, "
+              f"{alone[1] / together[1]:.2f}", flush=True)  # fmt: skip
     assert (folder / "command.exr").read_bytes() == (folder / "cluster.exr").read_bytes()
 
 
@@ -141,7 +146,7 @@ def main() -> None:
             return
         workers = [int(each) for each in options.workers.split(",")]
         if not options.graph:
-            measure_tasks(4096, (256, 128), workers, Path(name))
+            measure_tasks(2048, (128, 128), workers, Path(name))
             measure_tasks(8192, (2048, 256), workers, Path(name))
         measure_workers(
             options.graph or ROOT / "examples/weave-rounded.json", options.side, workers, options.samples, Path(name)

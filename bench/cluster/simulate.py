@@ -1,6 +1,6 @@
 """How far one scheduler and one client go: many workers, whose shading is replaced by a recorded time.
 
-    python3 bench/cluster/simulate.py [--workers 1000] [--nanoseconds 5000] [--tiles 128x128,512x256] [--count 2000]
+    python3 bench/cluster/simulate.py [--workers 1000] [--nanoseconds 5000] [--tiles 128x128,512x256] [--count 8000]
 
 Scheduler, client and transport are those of a real run; the workers are Dask's own too, as objects in a few processes
 instead of a process each, and a tile is a wait of `--nanoseconds` for each pixel that answers as many bytes as its
@@ -88,33 +88,38 @@ def scheduler(queue: Any) -> None:
         asyncio.run(serve())
 
 
-def latest(queue: Any) -> float:
-    value = 0.0
-    while not queue.empty():
-        value = queue.get()
-    return value
+class Middle:
+    """A progress that looks at what comes between a quarter and three quarters of the work, without its beginning, at
+    which workers get ready."""
+
+    def __init__(self, queue: Any) -> None:
+        self._queue = queue
+        self._scheduler = 0.0
+        self.marks: list[tuple[float, float, float, float]] = []
+
+    def look(self, done: float) -> None:
+        while not self._queue.empty():
+            self._scheduler = self._queue.get()
+        if 0.25 <= done <= 0.75:
+            self.marks.append((done, time.perf_counter(), time.process_time(), self._scheduler))
 
 
 def measure(client: Any, queue: Any, tile: tuple[int, int], count: int, possible: float, folder: Path) -> None:
     columns = min(32, 65536 // tile[0])
     rows = -(-count // columns)
-    count = columns * rows
-    marks: list[tuple[float, float]] = []
-    latest(queue)
-    time.sleep(0.5)
-    before, mine, begun = latest(queue), time.process_time(), time.perf_counter()
+    middle = Middle(queue)
+    begun = time.perf_counter()
     fernwick.cluster.bake(
         client, fernwick.Graph(fernwick.Checker()), folder / "a.exr", columns * tile[0], rows * tile[1], tile=tile,
-        memory=2**31, progress=lambda done: marks.append((time.perf_counter(), done)), compression="none",
+        memory=2**31, progress=middle.look, compression="none",
     )  # fmt: skip
-    passed, used = time.perf_counter() - begun, time.process_time() - mine
-    time.sleep(0.5)
-    scheduled = latest(queue) - before
-    first, last = (next(at for at, done in marks if done >= share) for share in (0.25, 0.75))
-    rate = count / 2 / (last - first)
-    print(f"  {tile[0]}x{tile[1]}: {count} in {passed:.1f} s, {rate:.0f} a second in the middle of {possible:.0f}, "
-          f"{rate * tile[0] * tile[1] / 1e6:.1f} Mpixel/s; a tile takes {used / count * 1000:.2f} ms of the client and "
-          f"{scheduled / count * 1000:.2f} ms of the scheduler", flush=True)  # fmt: skip
+    passed = time.perf_counter() - begun
+    share, seconds, mine, scheduled = (last - first for first, last in zip(middle.marks[0], middle.marks[-1]))
+    tiles = share * columns * rows
+    print(f"  {tile[0]}x{tile[1]}: {columns * rows} in {passed:.0f} s, in the middle {tiles / seconds:.0f} a second of "
+          f"{possible:.0f}, {tiles / seconds * tile[0] * tile[1] / 1e6:.1f} Mpixel/s; {mine / tiles * 1000:.1f} ms of "
+          f"the client and {scheduled / tiles * 1000:.1f} ms of the scheduler a tile; load {os.getloadavg()[0]:.1f}",
+          flush=True)  # fmt: skip
 
 
 def main() -> None:
@@ -123,7 +128,7 @@ def main() -> None:
     parser.add_argument("--processes", type=int, default=4)
     parser.add_argument("--nanoseconds", type=float, default=5000)
     parser.add_argument("--tiles", default="128x128,512x256")
-    parser.add_argument("--count", type=int, default=2000)
+    parser.add_argument("--count", type=int, default=8000)
     options = parser.parse_args()
     context = multiprocessing.get_context("spawn")
     queue: Any = context.Queue()
