@@ -38,39 +38,43 @@ def passed(work: Callable[[], object]) -> tuple[float, float]:
     return time.perf_counter() - begun, time.process_time() - used
 
 
-def measure_tasks(side: int, tile: tuple[int, int], workers: list[int], folder: Path) -> None:
-    """Many tiles of a cheap graph, against the same tiles in this process."""
+def alone(side: int, tile: tuple[int, int], folder: Path) -> None:
+    """The tiles of a cheap graph, shaded and written by this process."""
     graph = fernwick.Graph(fernwick.Checker())
-    count = side * side // (tile[0] * tile[1])
-
-    def shaded(top: int) -> Any:
+    file = str(folder / "alone.exr")
+    writer = fernwick._native.RowWriter(file, side, side, None, "color", [], 0, False, False, "", 0)
+    for top in range(0, side, tile[1]):
         tiles = [(left, top, left + tile[0], top + tile[1]) for left in range(0, side, tile[0])]
-        return np.concatenate([graph.bake(side, region=each, threads=1) for each in tiles], axis=1)
+        writer.write(np.concatenate([graph.bake(side, region=each, threads=1) for each in tiles], axis=1), [])
+    writer.finish()
 
-    def alone() -> None:
-        writer = fernwick._native.RowWriter(
-            str(folder / "alone.exr"), side, side, None, "color", [], 0, False, False, "", 0
-        )
-        for top in range(0, side, tile[1]):
-            writer.write(shaded(top), [])
-        writer.finish()
 
-    graph.bake(8)
-    used = passed(alone)[1]
-    print(f"{count} tasks of {tile[0]}x{tile[1]}:")
+def overhead(client: Any, side: int, tile: tuple[int, int], idle: float, folder: Path) -> float:
+    """Seconds of processor time that the same tiles take more on workers."""
+    used = passed(lambda: alone(side, tile, folder))[1]
+    before = processor_time(client)
+    graph = fernwick.Graph(fernwick.Checker())
+    clock = passed(lambda: fernwick.cluster.bake(client, graph, folder / "many.exr", side, tile=tile))[0]
+    spent = processor_time(client) - before
+    assert (folder / "many.exr").read_bytes() == (folder / "alone.exr").read_bytes()
+    return spent - used - idle * clock
+
+
+def measure_tasks(tile: tuple[int, int], sides: tuple[int, int], workers: list[int], folder: Path) -> None:
+    """What a task takes, by a small and a large picture, and what a job takes before its first one."""
+    few, many = (side * side // (tile[0] * tile[1]) for side in sides)
+    alone(sides[0], tile, folder)
+    print(f"{few} and {many} tasks of {tile[0]}x{tile[1]}, beside shading and writing, in processor time:")
     for number in workers:
         with connect(None, number) as client:
-            fernwick.cluster.bake(client, graph, folder / "warm.exr", 512, tile=tile)
+            fernwick.cluster.bake(client, fernwick.Graph(fernwick.Checker()), folder / "warm.exr", 512, tile=tile)
             before = processor_time(client)
             time.sleep(4)
             idle = (processor_time(client) - before) / 4
-            before = processor_time(client)
-            clock = passed(lambda: fernwick.cluster.bake(client, graph, folder / "many.exr", side, tile=tile))[0]
-            spent = processor_time(client) - before
-        assert (folder / "many.exr").read_bytes() == (folder / "alone.exr").read_bytes()
-        each = (spent - used - idle * clock) / count * 1000
-        print(f"  {number} workers: {each:.1f} ms of processor time each beside shading and writing, {clock:.1f} s in "
-              f"all, and {idle * 100:.1f} % of a processor at rest; load {os.getloadavg()[0]:.1f}", flush=True)  # fmt: skip
+            first, second = (overhead(client, side, tile, idle, folder) for side in sides)
+        each = (second - first) / (many - few)
+        print(f"  {number} workers: {each * 1000:.1f} ms a task and {first - few * each:.2f} s a job; at rest "
+              f"{idle * 100:.1f} % of a processor; load {os.getloadavg()[0]:.1f}", flush=True)  # fmt: skip
 
 
 def measure_workers(path: Path, side: int, workers: list[int], samples: int, folder: Path) -> None:
@@ -146,8 +150,8 @@ def main() -> None:
             return
         workers = [int(each) for each in options.workers.split(",")]
         if not options.graph:
-            measure_tasks(2048, (128, 128), workers, Path(name))
-            measure_tasks(8192, (2048, 256), workers, Path(name))
+            measure_tasks((128, 128), (2048, 5120), workers, Path(name))
+            measure_tasks((2048, 256), (4096, 8192), workers, Path(name))
         measure_workers(
             options.graph or ROOT / "examples/weave-rounded.json", options.side, workers, options.samples, Path(name)
         )

@@ -8,7 +8,7 @@ from typing import Any
 import distributed
 import numpy as np
 import pytest
-from conftest import EXAMPLES
+from conftest import EXAMPLES, run_python
 
 import fernwick
 import fernwick.cluster
@@ -21,6 +21,21 @@ from fernwick.cluster._resume import Parts
 
 from .conftest import at_share, unchanged, whole
 from .faults import differ, stored
+
+
+def test_without_dask() -> None:
+    """The package is whole without it, and the cluster says what it lacks."""
+    program = """
+import sys
+sys.modules["distributed"] = None
+import fernwick
+assert "dask" not in sys.modules
+try:
+    import fernwick.cluster
+except ImportError as error:
+    print(error)
+"""
+    assert "apt-get install python3-distributed" in run_python(program).stdout
 
 
 def test_files_in_folders_and_memory(shared: Any, tmp_path: Path) -> None:
