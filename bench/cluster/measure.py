@@ -102,8 +102,8 @@ def measure_workers(path: Path, side: int, workers: list[int], samples: int, fol
     for count in workers:
         threads = min(count, os.cpu_count() or 1)
         alone, together = command(threads), cluster(count)
-        print(f"  {count} workers: {together[0]:.1f} s, {together[1]:.1f} s of processor time; the command with {threads} "
-              f"threads: {alone[0]:.1f} s, {alone[1]:.1f} s; ratios {alone[0] / together[0]:.2f}, "
+        print(f"  {count} workers: {together[0]:.1f} s, {together[1]:.1f} s of processor time; the command with "
+              f"{threads} threads: {alone[0]:.1f} s, {alone[1]:.1f} s; ratios {alone[0] / together[0]:.2f}, "
               f"{alone[1] / together[1]:.2f}", flush=True)  # fmt: skip
     assert (folder / "command.exr").read_bytes() == (folder / "cluster.exr").read_bytes()
 

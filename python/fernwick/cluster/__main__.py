@@ -18,7 +18,7 @@ from .._graph import Graph
 from . import MEMORY, _plan, bake, render
 from ._dask import connect, dashboard
 
-_EPILOG = """Pictures, frames and names are those of the command fernwick, whose help tells more; the files are the same.
+_EPILOG = """Pictures, frames and names are those of the command fernwick, which tells more; the files are the same.
 Exit status: 0 done, 1 the job failed, 2 the command line is wrong, 130 stopped by Ctrl-C."""
 _UNITS = {
     "": 1,
