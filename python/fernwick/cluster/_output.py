@@ -108,7 +108,7 @@ class Output:
         self.held -= self._sizes.pop(unit, 0)
 
     def store(self, unit: Unit, arrays: dict[str, NDArray[np.float32]]) -> None:
-        """Puts a unit on the disk, where there is a folder for it, in any thread. Raises OSError."""
+        """Puts a unit on the disk, where there is a folder for it, in any thread. Raises FileError."""
         if self._settings.parts is not None:
             self._settings.parts.save(self._keys[unit], arrays)
             arrays.clear()

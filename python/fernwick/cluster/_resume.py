@@ -9,6 +9,7 @@ from collections.abc import Iterable
 from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
+from .._errors import FileError
 from .._numpy import numpy
 from ._files import digest, put
 
@@ -35,10 +36,13 @@ class Parts:
         return digest(identity.encode())[:40]
 
     def save(self, key: str, arrays: Arrays) -> None:
-        """Raises OSError."""
+        """Raises FileError."""
         content = io.BytesIO()
         numpy().savez(content, **arrays)
-        put(self._part(key), content.getvalue())
+        try:
+            put(self._part(key), content.getvalue())
+        except OSError as error:
+            raise FileError(f"{self._folder}: finished tiles can't be kept there: {error.strerror}") from error
 
     def has(self, key: str) -> bool:
         return self._part(key).is_file()

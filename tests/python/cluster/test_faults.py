@@ -183,5 +183,8 @@ def test_full_disk(shared: Any, graph: fernwick.Graph, tmp_path: Path) -> None:
     try:
         with unchanged(tmp_path), pytest.raises(fernwick.FileError, match="a.exr"):
             fernwick.cluster.bake(shared, graph, tmp_path / "a.exr", SIDE, tile=TILE)
+        with pytest.raises(fernwick.FileError, match="parts: finished tiles can't be kept there: File too large"):
+            fernwick.cluster.bake(shared, graph, tmp_path / "a.png", SIDE, tile=TILE, resume=tmp_path / "parts")
+        assert not list(tmp_path.rglob("*.*"))
     finally:
         resource.setrlimit(resource.RLIMIT_FSIZE, limits)
