@@ -1,0 +1,110 @@
+"""Evaluated objects of Blender as meshes of the shaders."""
+
+from __future__ import annotations
+
+from dataclasses import dataclass, field
+from typing import TYPE_CHECKING, Any
+
+import bpy
+import numpy as np
+from mathutils import Matrix
+
+from .errors import Refusal
+
+if TYPE_CHECKING:
+    import fernwick
+    from numpy.typing import NDArray
+
+HAVE_MESHES = {"MESH", "CURVE", "SURFACE", "META", "FONT"}
+
+
+@dataclass
+class Arrays:
+    """What Blender knows of a mesh, copied, in the coordinates of its object: another thread may go on with it."""
+
+    points: NDArray[np.float32]
+    corners: NDArray[np.int32]  # (m, 3), loops of triangles
+    vertices: NDArray[np.int32]  # (m, 3), vertices of triangles
+    normals: NDArray[np.float32]  # by loop
+    uvs: list[NDArray[np.float32]] = field(default_factory=list)  # by loop; the one that lays pictures out is the first
+
+    def mesh(self, linear: NDArray[np.float64]) -> fernwick.Mesh:
+        """The mesh in coordinates without scale.
+
+        :param linear: (3, 3), takes points there; the unit matrix leaves every bit as it is
+        """
+        import fernwick
+
+        points, normals, corners, vertices = self.points, self.normals, self.corners, self.vertices
+        if not np.array_equal(linear, np.eye(3)):
+            points = (points.astype(np.float64) @ linear.T).astype(np.float32)
+            normals = normals.astype(np.float64) @ np.linalg.inv(linear)
+            length = np.linalg.norm(normals, axis=1, keepdims=True)
+            normals = (normals / np.where(length > 0, length, 1)).astype(np.float32)
+            if np.linalg.det(linear) < 0:  # mirrored: or the front would be inside
+                corners, vertices = corners[:, ::-1], vertices[:, ::-1]
+        return fernwick.Mesh(points, vertices, [uv[corners] for uv in self.uvs] or None, normals[corners])
+
+
+def rigid(matrix: Matrix) -> tuple[tuple[float, ...], tuple[float, ...], NDArray[np.float64]]:
+    """Position, rotation in degrees about X, then Y, then Z, and what is left: scale and shear as a (3, 3) matrix."""
+    location, rotation, _ = matrix.decompose()
+    turned = np.array(rotation.to_matrix(), np.float64)
+    linear = turned.T @ np.array(matrix.to_3x3(), np.float64)
+    if np.allclose(linear, np.eye(3), rtol=0, atol=2e-6):
+        linear = np.eye(3)
+    angles = tuple(float(np.degrees(angle)) for angle in rotation.to_euler("XYZ"))
+    return tuple(location), angles, linear
+
+
+def arrays_of(
+    thing: bpy.types.Object, depsgraph: bpy.types.Depsgraph, uv_layer: str = "", need_uv: bool = False
+) -> Arrays:
+    """The evaluated mesh of an object, modifiers applied. Raises Refusal where it has no faces or, if needed, no UV.
+
+    :param uv_layer: the set of UV that comes first; without a name the one that Blender renders with
+    """
+    if thing.type not in HAVE_MESHES:
+        raise Refusal(f'"{thing.name}" is no mesh')
+    evaluated = thing.evaluated_get(depsgraph)
+    mesh = evaluated.to_mesh()
+    try:
+        if mesh is None or not mesh.polygons:
+            raise Refusal(f'"{thing.name}" has no faces')
+        return _copy(thing.name, mesh, uv_layer, need_uv)
+    finally:
+        evaluated.to_mesh_clear()
+
+
+def active_uv(thing: bpy.types.Object) -> str:
+    """The set of UV that Blender renders an object with; empty without any."""
+    layers = getattr(thing.data, "uv_layers", ())
+    return next((layer.name for layer in layers if layer.active_render), "")
+
+
+def _copy(name: str, mesh: bpy.types.Mesh, uv_layer: str, need_uv: bool) -> Arrays:
+    if uv_layer and uv_layer not in mesh.uv_layers:
+        raise Refusal(f'"{name}" has no UV map "{uv_layer}"')
+    if need_uv and not mesh.uv_layers:
+        raise Refusal(f'"{name}" has no UV map: unwrap it first (Edit Mode, U)')
+    if not hasattr(mesh, "corner_normals"):  # before Blender 4.1
+        mesh.calc_normals_split()
+    mesh.calc_loop_triangles()
+    triangles = mesh.loop_triangles
+    # Only now: what is found of a mesh before its normals are computed points to what is no more.
+    layers = sorted(mesh.uv_layers, key=lambda layer: layer.name != uv_layer if uv_layer else not layer.active_render)
+    return Arrays(
+        _read(mesh.vertices, "co", 3, np.float32),
+        _read(triangles, "loops", 3, np.int32),
+        _read(triangles, "vertices", 3, np.int32),
+        _read(mesh.corner_normals, "vector", 3, np.float32)
+        if hasattr(mesh, "corner_normals")
+        else _read(mesh.loops, "normal", 3, np.float32),
+        [_read(layer.data, "uv", 2, np.float32) for layer in layers],
+    )
+
+
+def _read(collection: Any, attribute: str, columns: int, dtype: Any) -> Any:
+    flat = np.empty(len(collection) * columns, dtype)
+    collection.foreach_get(attribute, flat)
+    return flat.reshape(-1, columns)
