@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import functools
 import json
 import os
 from collections.abc import Callable, Mapping, Sequence
@@ -11,7 +12,7 @@ from typing import TYPE_CHECKING, Any
 
 import bpy
 
-from . import images, materials
+from . import images, materials, tasks
 from .errors import Refusal
 from .meshes import Arrays, active_uv, arrays_of, rigid
 from .scene import scene_of
@@ -24,6 +25,8 @@ if TYPE_CHECKING:
     Pictures = dict[str, NDArray[np.float32]]
 
 Progress = Callable[[float], object]
+Channels = str | Sequence[str] | Callable[[tuple[str, ...]], list[str]] | None
+"""Names of channels; or what chooses them of those that a graph offers; or None for those of a material."""
 MATERIAL_CHANNELS = ("color", "alpha", "normal")
 
 
@@ -98,37 +101,14 @@ def bake_images(
     size: int | tuple[int, int] = 1024,
     channels: str | Sequence[str] | None = None,
     *,
-    name: str = "",
-    folder: str = "",
-    uv_layer: str = "",
+    progress: Progress | None = None,
     **arguments: Any,
 ) -> dict[str, bpy.types.Image]:
     """Bakes into images of Blender by channel, which are made or replaced. Several UDIM tiles become tiled images.
 
-    :param name: begins the names of the images; without one that of the object
-    :param folder: where files are put; without one images are kept in the .blend, and those of tiles beside it
-    :param arguments: further ones of `bake`
+    :param arguments: further ones of `images_task`
     """
-    made = prepare(thing, graph, uv_layer).graph()
-    wanted = _channels(made, channels)
-    width, height = _size(size)
-    numbers = made.tiles(node=thing.name)
-    if not numbers:
-        raise Refusal(f'"{thing.name}" covers nothing of the picture: look at its UV map')
-    pictures = {
-        number: made.bake(width, height, wanted, node=thing.name, tile=number, **arguments) for number in numbers
-    }
-    title = name or thing.name
-    if numbers == [1001]:
-        return {
-            channel: images.store(f"{title} {channel}", pictures[1001][channel], channel, folder) for channel in wanted
-        }
-    return {
-        channel: images.store_tiles(
-            f"{title} {channel}", {number: pictures[number][channel] for number in numbers}, channel, folder
-        )
-        for channel in wanted
-    }
+    return tasks.run(images_task(thing, graph, size, channels, **arguments), progress)
 
 
 def bake_material(
@@ -138,14 +118,130 @@ def bake_material(
     *,
     name: str = "",
     uv_layer: str = "",
+    progress: Progress | None = None,
     **arguments: Any,
 ) -> bpy.types.Material:
     """Bakes what a Principled material takes, and makes or updates the material of the object with it.
 
-    :param arguments: further ones of `bake_images`
+    :param arguments: further ones of `images_task`
     """
-    baked = bake_images(thing, graph, size, None, name=name, uv_layer=uv_layer, **arguments)
+    baked = bake_images(thing, graph, size, name=name, uv_layer=uv_layer, progress=progress, **arguments)
     return materials.make(thing, baked, uv_layer or active_uv(thing), name)
+
+
+def bake_sequence(
+    thing: bpy.types.Object,
+    graph: Any,
+    first: int,
+    last: int,
+    size: int | tuple[int, int] = 1024,
+    channels: str | Sequence[str] | None = None,
+    *,
+    progress: Progress | None = None,
+    **arguments: Any,
+) -> dict[str, bpy.types.Image]:
+    """Bakes the frames from the first to the last one into files, which become images of sequences by channel.
+
+    :param arguments: further ones of `sequence_task`
+    """
+    return tasks.run(sequence_task(thing, graph, first, last, size, channels, **arguments), progress)
+
+
+def images_task(
+    thing: bpy.types.Object,
+    graph: Any,
+    size: int | tuple[int, int] = 1024,
+    channels: Channels = None,
+    *,
+    name: str = "",
+    folder: str = "",
+    uv_layer: str = "",
+    **arguments: Any,
+) -> tasks.Task[dict[str, bpy.types.Image]]:
+    """What `bake_images` does.
+
+    :param name: begins the names of the images; without one that of the object
+    :param folder: where files are put; without one images are kept in the .blend, and those of tiles beside it
+    :param arguments: further ones of `bake`: samples, margin, green, threads
+    """
+    job = prepare(thing, graph, uv_layer)
+    title = name or thing.name
+    pictures: dict[int, Pictures] = yield lambda progress: _all_tiles(job, size, channels, progress, arguments)
+    if list(pictures) == [1001]:
+        only = pictures[1001]
+        return {channel: images.store(f"{title} {channel}", only[channel], channel, folder) for channel in only}
+    wanted = next(iter(pictures.values()))
+    return {
+        channel: images.store_tiles(
+            f"{title} {channel}", {number: several[channel] for number, several in pictures.items()}, channel, folder
+        )
+        for channel in wanted
+    }
+
+
+def sequence_task(
+    thing: bpy.types.Object,
+    graph: Any,
+    first: int,
+    last: int,
+    size: int | tuple[int, int] = 1024,
+    channels: Channels = None,
+    *,
+    name: str = "",
+    folder: str = "//fernwick",
+    uv_layer: str = "",
+    **arguments: Any,
+) -> tasks.Task[dict[str, bpy.types.Image]]:
+    """What `bake_sequence` does. The scene ends at the frame where it was."""
+    if last < first:
+        raise Refusal("The last frame comes before the first")
+    scene = bpy.context.scene
+    before = scene.frame_current
+    title = name or thing.name
+    paths: dict[str, Path] = {}
+    try:
+        for frame in range(first, last + 1):
+            scene.frame_set(frame)
+            job = prepare(thing, graph, uv_layer)
+            pictures: dict[int, Pictures] = yield functools.partial(_frame_tiles, job, size, channels, arguments)
+            if len(pictures) > 1:
+                raise Refusal("Sequences of several UDIM tiles aren't baked: choose a UV map within one tile")
+            for channel, picture in next(iter(pictures.values())).items():
+                path = images.save_frame(folder, title, channel, frame, picture)
+                paths.setdefault(channel, path)
+    finally:
+        scene.frame_set(before)
+    count = last - first + 1
+    return {
+        channel: images.sequence(f"{title} {channel} sequence", channel, path, first, count)
+        for channel, path in paths.items()
+    }
+
+
+def _frame_tiles(job: Job, size: Any, channels: Channels, arguments: Any, progress: Progress) -> dict[int, Pictures]:
+    return _all_tiles(job, size, channels, progress, arguments)
+
+
+def _all_tiles(
+    job: Job, size: int | tuple[int, int], channels: Channels, progress: Progress, arguments: Mapping[str, Any]
+) -> dict[int, Pictures]:
+    """The pictures of all tiles that an object is laid out on. In any thread."""
+    graph = job.graph()
+    wanted = _channels(graph, channels)
+    if not wanted:
+        raise Refusal("There is nothing to bake: choose colour, alpha or normal")
+    width, height = _size(size)
+    numbers = graph.tiles(node=job.name, width=width, height=height)
+    if not numbers:
+        raise Refusal(f'"{job.name}" covers nothing of the picture: look at its UV map')
+
+    def of_tile(i: int) -> Progress:
+        return lambda share: progress((i + share) / len(numbers))
+
+    return {
+        number: graph.bake(width, height, wanted, node=job.name, tile=number, progress=of_tile(i), **arguments)
+        for i, number in enumerate(numbers)
+    }
 
 
 def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "") -> Job:
@@ -189,7 +285,9 @@ def document_of(graph: Any) -> tuple[Mapping[str, Any], str, Mapping[str, Any]]:
     return members, folder, files
 
 
-def _channels(graph: fernwick.Graph, channels: str | Sequence[str] | None) -> list[str]:
+def _channels(graph: fernwick.Graph, channels: Channels) -> list[str]:
+    if callable(channels):
+        return channels(graph.outputs)
     if channels is not None:
         return [channels] if isinstance(channels, str) else list(channels)
     offered = graph.outputs

@@ -95,17 +95,17 @@ def save_frame(folder: str, name: str, channel: str, frame: int, picture: Floats
     return path
 
 
-def sequence(name: str, channel: str, first: Path, count: int) -> bpy.types.Image:
+def sequence(name: str, channel: str, path: Path, first: int, count: int) -> bpy.types.Image:
     """The image of a sequence of files, made or replaced."""
     image = bpy.data.images.get(name)
     if image is None or image.library is not None:
-        image = bpy.data.images.load(str(first))
+        image = bpy.data.images.load(str(path))
         image.name = name
-    image.filepath = str(first)
+    image.filepath = str(path)
     if image.packed_file:
         image.unpack(method="REMOVE")
     image.source = "SEQUENCE"
-    image["fernwick_frames"] = count
+    image["fernwick_first"], image["fernwick_frames"] = first, count
     _describe(image, channel)
     image.reload()
     return image
