@@ -255,7 +255,7 @@ def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "") -> Job:
     if abs(float(_determinant(linear))) < 1e-12:
         raise Refusal(f'"{thing.name}" has a scale of 0')
     arrays = arrays_of(thing, depsgraph, uv_layer, need_uv=True)
-    scene = scene_of(depsgraph, document, {thing.name: None})  # type: ignore[dict-item]
+    scene = scene_of(depsgraph, document, {thing.name: None})
     return Job(document, scene, folder, files, thing.name, arrays, linear, bpy.context.scene.frame_current)
 
 

@@ -216,27 +216,15 @@ def holds_keys(value: Any) -> bool:
 
 
 def _numbers(kind: str, value: Any) -> Any:
-    """Floats as a property holds them; colours may be written as the web writes them."""
+    """Floats as a property holds them; a colour without an alpha is opaque."""
     if kind == "float":
         return single(value) if _is_number(value) else UNSHOWN
     count = NUMBERS[kind]
-    if isinstance(value, str) and kind in ("rgb", "rgba"):
-        value = _hex(value)
     if isinstance(value, list) and kind == "rgba" and len(value) == 3:
         value = [*value, 1]
     if not (isinstance(value, list) and len(value) == count and all(map(_is_number, value))):
         return UNSHOWN
     return tuple(map(single, value))
-
-
-def _hex(text: str) -> Any:
-    import fernwick
-
-    try:
-        color = fernwick.Color(text).color
-    except fernwick.Error:
-        return None
-    return list(color)
 
 
 def _is_number(value: Any) -> bool:

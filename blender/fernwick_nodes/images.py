@@ -45,7 +45,7 @@ def store(name: str, picture: Floats, channel: str, folder: str = "") -> bpy.typ
     if image is None:
         image = bpy.data.images.new(name, width, height, alpha=True, float_buffer=True, is_data=channel not in COLORS)
     elif not image.is_float or image.source != "GENERATED" or tuple(image.size) != (width, height):
-        _renew(image, width, height)
+        renew(image, width, height)
     _describe(image, channel)
     fill(image, pixels_of(picture, channel))
     if folder:
@@ -111,7 +111,7 @@ def sequence(name: str, channel: str, path: Path, first: int, count: int) -> bpy
     return image
 
 
-def _renew(image: bpy.types.Image, width: int, height: int) -> None:
+def renew(image: bpy.types.Image, width: int, height: int) -> None:
     """Makes an image one of generated floats, without leaving what uses it."""
     if image.packed_file:
         image.unpack(method="REMOVE")

@@ -48,7 +48,7 @@ def components_of(leaf: Leaf, value: Any) -> tuple[Component, ...] | None:
 
 
 def animate(tree: bpy.types.NodeTree, node: bpy.types.Node, leaf: Leaf, components: tuple[Component, ...]) -> None:
-    """Gives a property the F-curves of the components that change."""
+    """Gives a property the F-curves of the components that change, and those that don't their values."""
     if tree.animation_data is None:
         tree.animation_data_create()
     if tree.animation_data.action is None:
@@ -56,6 +56,7 @@ def animate(tree: bpy.types.NodeTree, node: bpy.types.Node, leaf: Leaf, componen
     curves = tree.animation_data.action.fcurves
     for i, track in enumerate(components):
         if not isinstance(track, Track):
+            getattr(node, leaf.property)[i] = track
             continue
         index = i if leaf.components > 1 else 0
         old = curves.find(path(node, leaf), index=index)

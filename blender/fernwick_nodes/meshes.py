@@ -28,22 +28,35 @@ class Arrays:
     normals: NDArray[np.float32]  # by loop
     uvs: list[NDArray[np.float32]] = field(default_factory=list)  # by loop; the one that lays pictures out is the first
 
-    def mesh(self, linear: NDArray[np.float64]) -> fernwick.Mesh:
-        """The mesh in coordinates without scale.
+    def scaled(self, linear: NDArray[np.float64]) -> Arrays:
+        """The same in coordinates without scale; normals have any length.
 
         :param linear: (3, 3), takes points there; the unit matrix leaves every bit as it is
         """
+        if np.array_equal(linear, np.eye(3)):
+            return self
+        points = (self.points.astype(np.float64) @ linear.T).astype(np.float32)
+        normals = (self.normals.astype(np.float64) @ np.linalg.inv(linear)).astype(np.float32)
+        corners, vertices = self.corners, self.vertices
+        if np.linalg.det(linear) < 0:  # mirrored: or the front would be inside
+            corners, vertices = corners[:, ::-1], vertices[:, ::-1]
+        return Arrays(points, corners, vertices, normals, self.uvs)
+
+    def mesh(self, linear: NDArray[np.float64]) -> fernwick.Mesh:
+        """The mesh in coordinates without scale, as a model's file with these numbers would be read."""
         import fernwick
 
-        points, normals, corners, vertices = self.points, self.normals, self.corners, self.vertices
-        if not np.array_equal(linear, np.eye(3)):
-            points = (points.astype(np.float64) @ linear.T).astype(np.float32)
-            normals = normals.astype(np.float64) @ np.linalg.inv(linear)
-            length = np.linalg.norm(normals, axis=1, keepdims=True)
-            normals = (normals / np.where(length > 0, length, 1)).astype(np.float32)
-            if np.linalg.det(linear) < 0:  # mirrored: or the front would be inside
-                corners, vertices = corners[:, ::-1], vertices[:, ::-1]
-        return fernwick.Mesh(points, vertices, [uv[corners] for uv in self.uvs] or None, normals[corners])
+        made = self.scaled(linear)
+        uvs = [uv[made.corners] for uv in made.uvs]
+        return fernwick.Mesh(made.points, made.vertices, uvs or None, _unit(made.normals)[made.corners])
+
+
+def _unit(vectors: NDArray[np.float32]) -> NDArray[np.float32]:
+    """Makes the lengths 1 as the host does it, to the bit: by a factor in single precision."""
+    wide = vectors.astype(np.float64)
+    length = np.sqrt(wide[:, 0] * wide[:, 0] + wide[:, 1] * wide[:, 1] + wide[:, 2] * wide[:, 2]).astype(np.float32)
+    factor = np.divide(np.float32(1), length, out=np.ones_like(length), where=length > 0)
+    return vectors * factor[:, None]  # type: ignore[no-any-return]
 
 
 def rigid(matrix: Matrix) -> tuple[tuple[float, ...], tuple[float, ...], NDArray[np.float64]]:

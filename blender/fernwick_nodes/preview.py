@@ -40,7 +40,7 @@ class _Result:
     icon_size: tuple[int, int] = (0, 0)
     seconds: float = 0
     error: str = ""
-    is_data: bool = False
+    is_whole: bool = True  # of the size that is wanted
 
 
 @dataclass
@@ -109,6 +109,7 @@ class _Worker:
         try:
             picture, channel = job.shade(size, progress)
             result = _result(job.tree, picture, channel, time.perf_counter() - start)
+            result.is_whole = size == job.size
         except Stopped:
             return False
         except Exception as error:
@@ -122,6 +123,7 @@ class _Worker:
 _worker = _Worker()
 _changed: dict[str, float] = {}  # trees by name that wait to be read, with the time of the change
 _icons: Any = None  # of bpy.utils.previews
+_asked: set[str] = set()  # trees that were drawn before they had a preview
 _seconds: dict[str, float] = {}  # that the last preview of a tree took
 slowest: dict[str, float] = {"read": 0.0, "show": 0.0}
 """The longest stays on the main thread, in seconds."""
@@ -176,6 +178,9 @@ def draw(tree: bpy.types.NodeTree, layout: bpy.types.UILayout, scale: float) -> 
     """The preview with what there is to say."""
     for text in messages.told(tree):
         _draw_text(layout, text)
+    if tree.name not in _seconds and tree.name not in _asked:
+        _asked.add(tree.name)  # once: what can't be shaded isn't tried at each redraw
+        changed(tree)
     if _icons is not None and tree.name in _icons:
         layout.template_icon(icon_value=_icons[tree.name].icon_id, scale=scale)
     if tree.name in _seconds:
@@ -206,6 +211,7 @@ def forget() -> None:
     _worker.stop()
     _changed.clear()
     _seconds.clear()
+    _asked.clear()
     if _icons is not None:
         _icons.clear()
 
@@ -231,13 +237,36 @@ def _timed(what: str, work: Callable[[], None]) -> None:
 
 
 def _read(tree: bpy.types.NodeTree) -> None:
-    if not tree.settings.live:
+    if not tree.settings.live or not _is_shown(tree):
         return
     try:
         _worker.submit(_job(tree))
     except Exception as error:
         messages.tell(tree, "preview", messages.explained(error))
         _redraw()
+
+
+def _is_shown(tree: bpy.types.NodeTree) -> bool:
+    """Whether anybody sees the preview; without a window all count as seen."""
+    if bpy.app.background:
+        return True
+    for window in bpy.context.window_manager.windows:
+        for area in window.screen.areas:
+            space = area.spaces.active
+            if area.type == "NODE_EDITOR" and any(level.node_tree == tree for level in space.path):
+                return True
+            if area.type == "VIEW_3D" and space.show_region_ui and window.scene.fernwick_tree == tree:
+                return True
+    image = image_of(tree)
+    return image is not None and image.users > 0
+
+
+def _drop_images() -> None:
+    """Takes away the previews of trees that are gone, unless somebody uses them."""
+    names = {f"{_IMAGE} {tree.name}" for tree in trees.trees()}
+    for image in [image for image in bpy.data.images if image.name.startswith(_IMAGE + " ")]:
+        if image.name not in names and image.users == 0:
+            bpy.data.images.remove(image)
 
 
 def _job(tree: bpy.types.NodeTree) -> _Job:
@@ -325,7 +354,7 @@ def _result(tree: str, picture: Floats, channel: str, seconds: float) -> _Result
     flat = ((shown[..., :3] * alpha + checks * (255 - alpha)) // 255).astype(np.uint8)
     opaque = np.concatenate([flat, np.full((rows, columns, 1), 255, np.uint8)], axis=2)
     packed = np.ascontiguousarray(opaque).view(np.int32).reshape(-1)
-    return _Result(tree, pixels, packed, (columns, rows), seconds, is_data=is_data)
+    return _Result(tree, pixels, packed, (columns, rows), seconds)
 
 
 def _show(result: _Result) -> None:
@@ -334,21 +363,25 @@ def _show(result: _Result) -> None:
         return
     messages.tell(tree, "preview", result.error)
     if result.pixels is not None and result.icon is not None:
-        height, width = result.pixels.shape[:2]
-        image = image_of(tree)
-        if image is None or tuple(image.size) != (width, height) or not image.is_float:
-            if image is None:
-                image = bpy.data.images.new(f"{_IMAGE} {tree.name}", width, height, alpha=True, float_buffer=True)
-                image.alpha_mode = "CHANNEL_PACKED"
-            else:
-                image.scale(width, height)
-        images.fill(image, result.pixels)
-        _seconds[tree.name] = result.seconds
+        if result.is_whole:  # a size that comes and goes would cost more than the picture
+            images.fill(_image(tree, *result.pixels.shape[1::-1]), result.pixels)
+            _seconds[tree.name] = result.seconds
         if _icons is not None:
             icon = _icons[tree.name] if tree.name in _icons else _icons.new(tree.name)
             icon.image_size = result.icon_size
             icon.image_pixels.foreach_set(result.icon)
     _redraw()
+
+
+def _image(tree: bpy.types.NodeTree, width: int, height: int) -> bpy.types.Image:
+    image = image_of(tree)
+    if image is None:
+        _drop_images()
+        image = bpy.data.images.new(f"{_IMAGE} {tree.name}", width, height, alpha=True, float_buffer=True)
+        image.alpha_mode = "CHANNEL_PACKED"
+    elif tuple(image.size) != (width, height) or not image.is_float or image.source != "GENERATED":
+        images.renew(image, width, height)
+    return image
 
 
 def _redraw() -> None:

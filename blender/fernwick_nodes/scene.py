@@ -28,13 +28,13 @@ _SURFACES = {("Curvature", "fSurfaceName")}  # fields that name what rays are ca
 def scene_of(
     depsgraph: bpy.types.Depsgraph,
     document: Mapping[str, Any] | None = None,
-    meshes: Mapping[str, fernwick.Mesh] | None = None,
+    meshes: Mapping[str, fernwick.Mesh | None] | None = None,
 ) -> fernwick.Scene:
     """Objects with their places, lights and cameras.
 
     :param document: of the graph that will ask: only what it names is taken, with the lights, the cameras and the shapes
         of the surfaces it casts rays at. None takes all, without shapes
-    :param meshes: shapes by the names of objects, which are taken in any case
+    :param meshes: shapes by the names of objects, which are taken in any case; None for one that comes later
     """
     import fernwick
 
@@ -47,7 +47,7 @@ def scene_of(
         if thing.name in elements or not (is_wanted or any(thing.name.startswith(name) for name in names or ())):
             continue
         mesh = meshes.get(thing.name)
-        if mesh is None and thing.name in surfaces and thing.type in HAVE_MESHES:
+        if thing.name not in meshes and thing.name in surfaces and thing.type in HAVE_MESHES:
             evaluated = thing.evaluated_get(depsgraph)
             mesh = arrays_of(thing, depsgraph).mesh(rigid(evaluated.matrix_world)[2])
         elements[thing.name] = element_of(thing, depsgraph, mesh)

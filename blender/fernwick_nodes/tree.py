@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import contextlib
+import time
 from collections.abc import Iterator
 
 import bpy
@@ -13,6 +14,8 @@ FORMAT = 1
 """Of what trees keep in a .blend; rises when older ones need a hand."""
 
 
+_STAYS = 3  # seconds that a refusal is shown at least
+_refused_at: dict[str, float] = {}
 _held = 0  # how many say that they change trees link by link, and tidy up in the end
 
 
@@ -67,9 +70,15 @@ def tidy(tree: bpy.types.NodeTree) -> None:
             link.is_valid = False
             messages.tell_node(link.to_node, reason)
         else:
-            tree.links.remove(link)
+            with held():
+                tree.links.remove(link)
             refused = reason
-    messages.tell(tree, "link", f"Not plugged in: {refused}" if refused else "")
+    # Blender calls again when a link is gone: what is told stays for a while.
+    if refused:
+        _refused_at[tree.name] = time.monotonic()
+        messages.tell(tree, "link", f"Not plugged in: {refused}")
+    elif time.monotonic() - _refused_at.get(tree.name, 0) > _STAYS:
+        messages.tell(tree, "link", "")
     for node in tree.nodes:
         if hasattr(node, "show_slots"):
             node.show_slots()
