@@ -14,7 +14,7 @@ import bpy
 
 from . import images, materials, tasks
 from .errors import Refusal
-from .meshes import Arrays, active_uv, arrays_of, rigid
+from .meshes import Arrays, active_uv, arrays_of, kept_arrays_of, rigid
 from .scene import scene_of
 
 if TYPE_CHECKING:
@@ -27,6 +27,7 @@ if TYPE_CHECKING:
 Progress = Callable[[float], object]
 Channels = str | Sequence[str] | Callable[[tuple[str, ...]], list[str]] | None
 """Names of channels; or what chooses them of those that a graph offers; or None for those of a material."""
+MOST_FACES = 50_000  # of a preview: reading more would be felt
 MATERIAL_CHANNELS = ("color", "alpha", "normal")
 
 
@@ -244,8 +245,11 @@ def _all_tiles(
     }
 
 
-def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "") -> Job:
-    """Takes from Blender all that a bake needs. On the main thread."""
+def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "", is_preview: bool = False) -> Job:
+    """Takes from Blender all that a bake needs. On the main thread.
+
+    :param is_preview: the mesh is that of the last time, if it hasn't changed, and may not be large
+    """
     document, folder, files = document_of(graph)
     if thing.name not in bpy.context.scene.objects:
         raise Refusal(f'"{thing.name}" is not in this scene')
@@ -254,7 +258,13 @@ def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "") -> Job:
     linear = rigid(evaluated.matrix_world)[2]
     if abs(float(_determinant(linear))) < 1e-12:
         raise Refusal(f'"{thing.name}" has a scale of 0')
-    arrays = arrays_of(thing, depsgraph, uv_layer, need_uv=True)
+    if is_preview:
+        faces = len(getattr(evaluated.data, "polygons", ()))
+        if faces > MOST_FACES:
+            raise Refusal(f'"{thing.name}" has {faces} faces, too many to follow live: bake it, or show the UV square')
+        arrays = kept_arrays_of(thing, depsgraph, uv_layer)
+    else:
+        arrays = arrays_of(thing, depsgraph, uv_layer, need_uv=True)
     scene = scene_of(depsgraph, document, {thing.name: None})
     return Job(document, scene, folder, files, thing.name, arrays, linear, bpy.context.scene.frame_current)
 

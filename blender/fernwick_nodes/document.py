@@ -294,7 +294,9 @@ def _height(node: bpy.types.Node) -> float:
     if not hasattr(node, "table"):
         return 260
     shown = sum(not socket.hide for socket in node.inputs) + 1
-    return 40 + 22 * (shown + min(len(fields.groups(node.table)), 7))
+    groups = list(fields.groups(node.table).values())
+    records = sum(7 for several in groups if "." in several[0].address)
+    return 50 + 22 * (shown + min(len(groups), 6) + records)
 
 
 def _array_of(image: bpy.types.Image) -> Any:

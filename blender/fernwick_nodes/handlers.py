@@ -7,7 +7,7 @@ from typing import Any
 import bpy
 from bpy.app.handlers import persistent
 
-from . import messages, preview, tree as trees
+from . import meshes, messages, preview, tree as trees
 
 _MOVES = (bpy.types.Object, bpy.types.Light, bpy.types.Camera, bpy.types.Mesh, bpy.types.Curve)
 
@@ -21,17 +21,21 @@ def _loaded(*_: Any) -> None:
 
 @persistent
 def _undone(*_: Any) -> None:
+    meshes.forget()
     bring_up()
 
 
 @persistent
 def _framed(scene: bpy.types.Scene, *_: Any) -> None:
+    meshes.forget()
     preview.scene_changed(only_animated=True)
     preview.scene_changed()
 
 
 @persistent
 def _updated(scene: bpy.types.Scene, depsgraph: bpy.types.Depsgraph) -> None:
+    if any(update.is_updated_geometry for update in depsgraph.updates):
+        meshes.forget()
     if any(isinstance(update.id, _MOVES) for update in depsgraph.updates):
         preview.scene_changed()
     know_trees(scene)

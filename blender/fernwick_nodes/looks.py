@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import re
+import textwrap
 from typing import TYPE_CHECKING
 
 from . import fields
@@ -77,7 +78,7 @@ def _draw_leaf(node: bpy.types.Node, layout: bpy.types.UILayout, leaf: fields.Le
     kind = leaf.field.type
     if kind == "colors":
         _draw_colors(node, layout, leaf)
-    elif leaf.address in _OBJECTS:
+    elif leaf.address in _OBJECTS and not _is_elsewhere(node, leaf):
         layout.prop_search(node, leaf.property, bpy.context.scene, "objects", text=leaf.field.label)
     elif kind in ("vector2", "vector3"):
         column = layout.column(align=True)
@@ -92,9 +93,10 @@ def _draw_leaf(node: bpy.types.Node, layout: bpy.types.UILayout, leaf: fields.Le
         if leaf.field.only_with:
             other, value = leaf.field.only_with
             row.active = str(getattr(node, fields.leaves(node.table)[other].property)) == str(value)
-        row.prop(
-            node, leaf.property, text="" if leaf.field.choices and kind == "code" and _is_told(leaf) else _title(leaf)
-        )
+        if leaf.field.choices and not _is_told(leaf):
+            row = row.split(factor=0.5)
+            row.label(text=leaf.field.label)
+        row.prop(node, leaf.property, text="" if leaf.field.choices else _title(leaf))
 
 
 def _draw_records(node: bpy.types.Node, layout: bpy.types.UILayout, leaves: list[fields.Leaf], brief: bool) -> None:
@@ -138,6 +140,24 @@ def _draw_colors(node: bpy.types.Node, layout: bpy.types.UILayout, leaf: fields.
 def _operator(layout: bpy.types.UILayout, node: bpy.types.Node, action: str, index: int, icon: str) -> None:
     operator = layout.operator("fernwick.color", text="Add a colour" if action == "ADD" else "", icon=icon)
     operator.tree, operator.node, operator.action, operator.index = node.id_data.name, node.name, action, index
+
+
+def wrapped(text: str, width: float) -> list[str]:
+    """A text in lines that fit.
+
+    :param width: in pixels of a screen of the usual density
+    """
+    return textwrap.wrap(text, max(int(width / 6.6), 16))
+
+
+def sidebar_width(context: bpy.types.Context) -> float:
+    return context.region.width / context.preferences.system.ui_scale - 34
+
+
+def _is_elsewhere(node: bpy.types.Node, leaf: fields.Leaf) -> bool:
+    """Whether a name is none of an object of Blender: that of the document's scene, or one that stands for another."""
+    choice = node.id_data.settings
+    return choice.own_scene or choice.mode == "SCENE" or getattr(node, leaf.property) == (leaf.default or None)
 
 
 def _title(leaf: fields.Leaf) -> str:

@@ -66,12 +66,13 @@ def _material(thing: bpy.types.Object, name: str) -> bpy.types.Material:
     """The material of the first slot if the add-on has made it, else a new one in that slot."""
     for slot in thing.material_slots:
         if slot.material and slot.material.get(MARK) and slot.material.library is None:
+            slot.material.use_nodes = True
             return slot.material
     material = bpy.data.materials.new(name)
     material.use_nodes = True
     material[MARK] = 1
-    if thing.data.materials:
-        thing.data.materials[0] = material
+    if thing.material_slots:
+        thing.material_slots[0].material = material
     else:
         thing.data.materials.append(material)
     return material

@@ -22,11 +22,10 @@ HAVE_MESHES = {"MESH", "CURVE", "SURFACE", "META", "FONT"}
 class Arrays:
     """What Blender knows of a mesh, copied, in the coordinates of its object: another thread may go on with it."""
 
-    points: NDArray[np.float32]
+    points: NDArray[np.float32]  # by loop, that is by corner of a face
+    normals: NDArray[np.float32]
     corners: NDArray[np.int32]  # (m, 3), loops of triangles
-    vertices: NDArray[np.int32]  # (m, 3), vertices of triangles
-    normals: NDArray[np.float32]  # by loop
-    uvs: list[NDArray[np.float32]] = field(default_factory=list)  # by loop; the one that lays pictures out is the first
+    uvs: list[NDArray[np.float32]] = field(default_factory=list)  # the one that lays pictures out is the first
 
     def scaled(self, linear: NDArray[np.float64]) -> Arrays:
         """The same in coordinates without scale; normals have any length.
@@ -37,18 +36,17 @@ class Arrays:
             return self
         points = (self.points.astype(np.float64) @ linear.T).astype(np.float32)
         normals = (self.normals.astype(np.float64) @ np.linalg.inv(linear)).astype(np.float32)
-        corners, vertices = self.corners, self.vertices
-        if np.linalg.det(linear) < 0:  # mirrored: or the front would be inside
-            corners, vertices = corners[:, ::-1], vertices[:, ::-1]
-        return Arrays(points, corners, vertices, normals, self.uvs)
+        # Mirrored triangles are turned over, or their fronts would be inside.
+        corners = self.corners[:, ::-1] if np.linalg.det(linear) < 0 else self.corners
+        return Arrays(points, normals, corners, self.uvs)
 
     def mesh(self, linear: NDArray[np.float64]) -> fernwick.Mesh:
         """The mesh in coordinates without scale, as a model's file with these numbers would be read."""
         import fernwick
 
         made = self.scaled(linear)
-        uvs = [uv[made.corners] for uv in made.uvs]
-        return fernwick.Mesh(made.points, made.vertices, uvs or None, _unit(made.normals)[made.corners])
+        # A vertex a corner: the host joins those of one place by itself.
+        return fernwick.Mesh(made.points, made.corners, made.uvs or None, _unit(made.normals))
 
 
 def _unit(vectors: NDArray[np.float32]) -> NDArray[np.float32]:
@@ -68,6 +66,25 @@ def rigid(matrix: Matrix) -> tuple[tuple[float, ...], tuple[float, ...], NDArray
         linear = np.eye(3)
     angles = tuple(float(np.degrees(angle)) for angle in rotation.to_euler("XYZ"))
     return tuple(location), angles, linear
+
+
+_kept: dict[tuple[str, str], Arrays] = {}
+_KEPT = 4  # meshes at most
+
+
+def kept_arrays_of(thing: bpy.types.Object, depsgraph: bpy.types.Depsgraph, uv_layer: str = "") -> Arrays:
+    """The same as of the last call, unless `forget` was called since. With UV."""
+    key = (thing.name_full, uv_layer)
+    if key not in _kept:
+        while len(_kept) >= _KEPT:
+            del _kept[next(iter(_kept))]
+        _kept[key] = arrays_of(thing, depsgraph, uv_layer, need_uv=True)
+    return _kept[key]
+
+
+def forget() -> None:
+    """When any mesh may have changed."""
+    _kept.clear()
 
 
 def arrays_of(
@@ -103,16 +120,14 @@ def _copy(name: str, mesh: bpy.types.Mesh, uv_layer: str, need_uv: bool) -> Arra
     if not hasattr(mesh, "corner_normals"):  # before Blender 4.1
         mesh.calc_normals_split()
     mesh.calc_loop_triangles()
-    triangles = mesh.loop_triangles
     # Only now: what is found of a mesh before its normals are computed points to what is no more.
     layers = sorted(mesh.uv_layers, key=lambda layer: layer.name != uv_layer if uv_layer else not layer.active_render)
+    has_normals = hasattr(mesh, "corner_normals")
+    of_loop = _read(mesh.loops, "vertex_index", 1, np.int32)[:, 0]
     return Arrays(
-        _read(mesh.vertices, "co", 3, np.float32),
-        _read(triangles, "loops", 3, np.int32),
-        _read(triangles, "vertices", 3, np.int32),
-        _read(mesh.corner_normals, "vector", 3, np.float32)
-        if hasattr(mesh, "corner_normals")
-        else _read(mesh.loops, "normal", 3, np.float32),
+        _read(mesh.vertices, "co", 3, np.float32)[of_loop],
+        _read(mesh.corner_normals if has_normals else mesh.loops, "vector" if has_normals else "normal", 3, np.float32),
+        _read(mesh.loop_triangles, "loops", 3, np.int32),
         [_read(layer.data, "uv", 2, np.float32) for layer in layers],
     )
 

@@ -93,7 +93,9 @@ class ShaderNode(_InTree):
     def draw_buttons(self, context: bpy.types.Context, layout: bpy.types.UILayout) -> None:
         text = messages.told_node(self)
         if text:
-            layout.label(text=text, icon="ERROR")
+            from . import preview
+
+            preview.draw_text(layout, text, self.width - 20)
         looks.draw_main(self, layout)
 
     def draw_buttons_ext(self, context: bpy.types.Context, layout: bpy.types.UILayout) -> None:
@@ -116,7 +118,7 @@ class FernwickOutputNode(_InTree, bpy.types.Node):
     def draw_buttons(self, context: bpy.types.Context, layout: bpy.types.UILayout) -> None:
         from . import preview
 
-        preview.draw(self.id_data, layout, scale=8.5)
+        preview.draw(self.id_data, layout, scale=8.5, width=self.width - 20)
 
 
 class FernwickInputNode(_InTree, bpy.types.Node):

@@ -45,7 +45,7 @@ class FERNWICK_PT_missing(bpy.types.Panel):
 
     def draw(self, context: bpy.types.Context) -> None:
         column = self.layout.column()
-        preview._draw_text(column, library.missing(), 36)
+        preview.draw_text(column, library.missing(), looks.sidebar_width(context))
         column.label(text="Trees of this file are kept as they are.")
 
 
@@ -59,7 +59,7 @@ class FERNWICK_PT_preview(_InEditor, bpy.types.Panel):
             layout.operator("fernwick.open", icon="FILE_FOLDER")
             return
         choice = tree.settings
-        preview.draw(tree, layout, scale=11)
+        preview.draw(tree, layout, 9, looks.sidebar_width(context))
         layout.use_property_split = True
         layout.use_property_decorate = False
         column = layout.column()
@@ -111,12 +111,12 @@ class FERNWICK_PT_fields(_InEditor, bpy.types.Panel):
         node, layout = context.active_node, self.layout
         column = layout.column(align=True)
         column.scale_y = 0.8
-        for line in _wrapped(node.purpose):
+        for line in looks.wrapped(node.purpose, looks.sidebar_width(context)):
             column.label(text=line)
         layout.prop(node, "shader_name")
         text = messages.told_node(node)
         if text:
-            preview._draw_text(layout, text)
+            preview.draw_text(layout, text, looks.sidebar_width(context))
         looks.draw_all(node, layout)
 
 
@@ -133,7 +133,7 @@ class FERNWICK_PT_view(bpy.types.Panel):
             layout.operator("fernwick.new_tree", icon="ADD")
             layout.operator("fernwick.open", icon="FILE_FOLDER")
         else:
-            preview.draw(tree, layout, scale=8)
+            preview.draw(tree, layout, 8, looks.sidebar_width(context))
             draw_bake(layout, context, tree)
 
 
@@ -211,12 +211,6 @@ def _draw_target(layout: bpy.types.UILayout, context: bpy.types.Context, choice:
         layout.label(text="No object is active", icon="INFO")
     elif thing.type == "MESH":
         layout.prop_search(choice, "uv_layer", thing.data, "uv_layers")
-
-
-def _wrapped(text: str) -> list[str]:
-    import textwrap
-
-    return textwrap.wrap(text, 44)
 
 
 CLASSES: list[type] = [

@@ -15,7 +15,7 @@ from typing import TYPE_CHECKING, Any
 import bpy
 import numpy as np
 
-from . import baking, document, images, messages, settings, tree as trees
+from . import baking, document, images, looks, meshes, messages, settings, tree as trees
 from .errors import Refusal
 from .scene import scene_of
 from .tasks import Stopped
@@ -126,7 +126,7 @@ _icons: Any = None  # of bpy.utils.previews
 _asked: set[str] = set()  # trees that were drawn before they had a preview
 _seconds: dict[str, float] = {}  # that the last preview of a tree took
 slowest: dict[str, float] = {"read": 0.0, "show": 0.0}
-"""The longest stays on the main thread, in seconds."""
+"""The longest stays on the main thread, in seconds of its processor time."""
 
 
 def changed(tree: bpy.types.NodeTree) -> None:
@@ -174,10 +174,10 @@ def image_of(tree: bpy.types.NodeTree) -> bpy.types.Image | None:
     return bpy.data.images.get(f"{_IMAGE} {tree.name}")
 
 
-def draw(tree: bpy.types.NodeTree, layout: bpy.types.UILayout, scale: float) -> None:
+def draw(tree: bpy.types.NodeTree, layout: bpy.types.UILayout, scale: float, width: float) -> None:
     """The preview with what there is to say."""
     for text in messages.told(tree):
-        _draw_text(layout, text)
+        draw_text(layout, text, width)
     if tree.name not in _seconds and tree.name not in _asked:
         _asked.add(tree.name)  # once: what can't be shaded isn't tried at each redraw
         changed(tree)
@@ -209,6 +209,7 @@ def unregister() -> None:
 def forget() -> None:
     """For another file: nothing of the last one is shown."""
     _worker.stop()
+    meshes.forget()
     _changed.clear()
     _seconds.clear()
     _asked.clear()
@@ -231,9 +232,9 @@ def _tick() -> float | None:
 
 
 def _timed(what: str, work: Callable[[], None]) -> None:
-    start = time.perf_counter()
+    start = time.thread_time()
     work()
-    slowest[what] = max(slowest[what], time.perf_counter() - start)
+    slowest[what] = max(slowest[what], time.thread_time() - start)
 
 
 def _read(tree: bpy.types.NodeTree) -> None:
@@ -278,7 +279,7 @@ def _job(tree: bpy.types.NodeTree) -> _Job:
         thing = settings.target_of(tree)
         if thing is None:
             raise Refusal("Choose an object to bake onto")
-        job = baking.prepare(thing, tree, choice.uv_layer)
+        job = baking.prepare(thing, tree, choice.uv_layer, is_preview=True)
         return _Job(tree.name, _Onto(job, wanted), size)
     has_scene = "scene" in document.rest_of(tree)
     is_rendered = choice.mode == "SCENE"
@@ -391,11 +392,9 @@ def _redraw() -> None:
                 area.tag_redraw()
 
 
-def _draw_text(layout: bpy.types.UILayout, text: str, width: int = 44) -> None:
+def draw_text(layout: bpy.types.UILayout, text: str, width: float) -> None:
     """A text in as many lines as it needs; only the first has the sign."""
-    import textwrap
-
     column = layout.column(align=True)
     column.scale_y = 0.8
-    for i, line in enumerate(textwrap.wrap(text, width)):
+    for i, line in enumerate(looks.wrapped(text, width - 24)):
         column.label(text=line, icon="ERROR" if i == 0 else "BLANK1")

@@ -12,6 +12,7 @@ from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
 import bpy
+import numpy as np
 
 from .meshes import HAVE_MESHES, arrays_of, rigid
 
@@ -42,9 +43,8 @@ def scene_of(
     names = None if document is None else set(texts(document))
     surfaces = set() if document is None else set(texts(document, _SURFACES))
     elements: dict[str, fernwick.Element] = {}
-    for thing in sorted(depsgraph.scene.objects, key=lambda thing: thing.library is not None):
-        is_wanted = names is None or thing.name in meshes or thing.type in ("LIGHT", "CAMERA")
-        if thing.name in elements or not (is_wanted or any(thing.name.startswith(name) for name in names or ())):
+    for thing in _wanted(depsgraph.scene, names, meshes):
+        if thing.name in elements:
             continue
         mesh = meshes.get(thing.name)
         if thing.name not in meshes and thing.name in surfaces and thing.type in HAVE_MESHES:
@@ -83,6 +83,22 @@ def texts(document: Mapping[str, Any], fields: Iterable[tuple[str, str]] | None 
             if name in ("class", "source") or (fields is not None and (shader.get("class"), name) not in fields):
                 continue
             yield from _texts_in(value)
+
+
+def _wanted(scene: bpy.types.Scene, names: set[str] | None, also: Iterable[str]) -> list[bpy.types.Object]:
+    """The objects whose names begin as some of `names`, of which groups are made, with the lights and the cameras; those
+    of libraries last. Quick for thousands of others."""
+    objects = scene.objects
+    kinds = np.empty(len(objects), np.int32)
+    objects.foreach_get("type", kinds)
+    always = {bpy.types.Object.bl_rna.properties["type"].enum_items[kind].value for kind in ("LIGHT", "CAMERA")}
+    beginnings = None if names is None else (*names, *also)
+    found = [
+        objects[i]
+        for i, (name, kind) in enumerate(zip(objects.keys(), kinds.tolist()))
+        if beginnings is None or kind in always or name.startswith(beginnings)
+    ]
+    return sorted(found, key=lambda thing: thing.library is not None)
 
 
 def _texts_in(value: Any) -> Iterable[str]:

@@ -15,7 +15,7 @@ def _changed(settings: Any, context: bpy.types.Context) -> None:
 
 _SIZES = [(str(size), str(size), f"{size} x {size} pixels") for size in (64, 128, 256, 512, 1024)]
 _CHANNELS = [
-    ("AUTO", "Colour or value", "The colour if the tree gives one, else its value"),
+    ("AUTO", "Colour", "The colour if the tree gives one, else its value"),
     ("lit", "Lit", "The colour under a lamp, bent by the normals"),
     ("normal", "Normal", "The normal map"),
     ("alpha", "Alpha", "The alpha of the colour"),
@@ -40,7 +40,7 @@ class FernwickSettings(bpy.types.PropertyGroup):
         items=[
             ("SQUARE", "UV square", "The square from 0 to 1"),
             ("OBJECT", "Object", "The picture that would be baked onto the object"),
-            ("SCENE", "Document's scene", "The scene that the graph document has, rendered from its camera"),
+            ("SCENE", "Document", "The scene that the graph document has, rendered from its camera"),
         ],
         update=_changed,
     )

@@ -72,10 +72,9 @@ def scene_with_lamp() -> bpy.types.Object:
 def write_ply(path: Path, arrays: meshes.Arrays) -> None:
     """A mesh as a file with every bit of its numbers, a vertex a corner."""
     names = "".join(f"property float {name}\n" for name in ("x", "y", "z", "nx", "ny", "nz", "s", "t"))
-    columns = (arrays.points[arrays.vertices], arrays.normals[arrays.corners], arrays.uvs[0][arrays.corners])
-    rows = np.concatenate([column.reshape(-1, column.shape[2]) for column in columns], axis=1).astype("<f4")
+    rows = np.concatenate([arrays.points, arrays.normals, arrays.uvs[0]], axis=1).astype("<f4")
     faces = np.zeros(len(arrays.corners), [("count", "u1"), ("corners", "<i4", 3)])
-    faces["count"], faces["corners"] = 3, np.arange(len(rows)).reshape(-1, 3)
+    faces["count"], faces["corners"] = 3, arrays.corners
     header = (
         f"ply\nformat binary_little_endian 1.0\nelement vertex {len(rows)}\n{names}"
         f"element face {len(faces)}\nproperty list uchar int vertex_indices\nend_header\n"
