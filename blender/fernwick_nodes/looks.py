@@ -52,7 +52,7 @@ def draw_all(node: bpy.types.Node, layout: bpy.types.UILayout) -> None:
 
 def _draw_group(node: bpy.types.Node, layout: bpy.types.UILayout, leaves: list[fields.Leaf], brief: bool) -> None:
     if len(leaves) == 1 and leaves[0].address == leaves[0].base:
-        _draw_leaf(node, layout, leaves[0])
+        _draw_leaf(node, layout, leaves[0], brief)
     elif "." in leaves[0].address:
         _draw_records(node, layout, leaves, brief)
     else:
@@ -72,7 +72,7 @@ def _draw_group(node: bpy.types.Node, layout: bpy.types.UILayout, leaves: list[f
                 row.prop(node, leaf.property, text="", toggle=1 if leaf.field.type == "bool" else -1)
 
 
-def _draw_leaf(node: bpy.types.Node, layout: bpy.types.UILayout, leaf: fields.Leaf) -> None:
+def _draw_leaf(node: bpy.types.Node, layout: bpy.types.UILayout, leaf: fields.Leaf, brief: bool) -> None:
     import bpy
 
     kind = leaf.field.type
@@ -93,7 +93,7 @@ def _draw_leaf(node: bpy.types.Node, layout: bpy.types.UILayout, leaf: fields.Le
         if leaf.field.only_with:
             other, value = leaf.field.only_with
             row.active = str(getattr(node, fields.leaves(node.table)[other].property)) == str(value)
-        if leaf.field.choices and not _is_told(leaf):
+        if leaf.field.choices and not (brief and _is_told(leaf)):
             row = row.split(factor=0.5)
             row.label(text=leaf.field.label)
         row.prop(node, leaf.property, text="" if leaf.field.choices else _title(leaf))

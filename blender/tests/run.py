@@ -41,7 +41,7 @@ def main() -> None:
     loader = unittest.TestLoader()
     suite = loader.loadTestsFromNames(CHOSEN) if CHOSEN else loader.discover(str(FOLDER), "test_*.py")
     result = unittest.TextTestRunner(stream=sys.stdout, resultclass=Result).run(suite)
-    failed = len(result.failures) + len(result.errors) + len(result.unexpectedSuccesses)
+    failed = len({getattr(test, "test_case", test).id() for test, _ in result.failures + result.errors})
     print(f"{result.testsRun - failed} passed, {failed} failed", flush=True)
     if failed or result.testsRun == 0:
         sys.exit(1)

@@ -2,11 +2,12 @@
 
 
 import json
+import time
 
 import bpy
 import fernwick
 import numpy as np
-from fernwick_nodes import baking, document, handlers, images, meshes, preview
+from fernwick_nodes import baking, document, handlers, images, meshes, preview, tasks
 from fernwick_nodes.errors import Refusal
 from fernwick_nodes.scene import scene_of
 from support import CLOTH, Case, command, pixels, scene_with_lamp, write_ply
@@ -101,6 +102,21 @@ class Bakes(Case):
         self.assertFalse(np.array_equal(pictures[0], pictures[2]))
         image = next(image for image in bpy.data.images if image.source == "SEQUENCE")
         self.assertEqual((image["fernwick_first"], image["fernwick_frames"]), (1, 3))
+
+    def test_go_on_beside_the_interface_and_can_be_stopped(self) -> None:
+        box = scene_with_lamp()
+        expected = baking.bake(box, CLOTH, 64, "color")["color"]
+        runner = tasks.Runner(baking.images_task(box, CLOTH, 64, "color"))
+        while not runner.advance():
+            time.sleep(0.001)
+        self.assertBits(pixels(runner.result["color"]), images.pixels_of(expected, "color"))
+        before = [image.name for image in bpy.data.images]
+        runner = tasks.Runner(baking.images_task(box, CLOTH, 8192, "color", name="Large", samples=64))
+        self.assertFalse(runner.advance())
+        start = time.monotonic()
+        runner.stop()
+        self.assertLess(time.monotonic() - start, 20)  # minutes, if it went on
+        self.assertEqual([image.name for image in bpy.data.images], before)
 
     def test_refuse_what_cannot_be_with_a_sentence(self) -> None:
         box = scene_with_lamp()
