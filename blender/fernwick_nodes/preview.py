@@ -8,8 +8,9 @@ from __future__ import annotations
 
 import threading
 import time
+import warnings
 from collections.abc import Callable
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 from typing import TYPE_CHECKING, Any
 
 import bpy
@@ -30,6 +31,7 @@ _PAUSE = 0.03  # seconds between two looks at what is to be done
 _ICON = 256  # pixels of the longer side
 _FIRST = 4  # a picture is first shaded this many times smaller, to be seen at once
 _IMAGE = "Fernwick preview"
+_MOST_DOUBTS = 2  # that are told
 
 
 @dataclass
@@ -40,6 +42,7 @@ class _Result:
     icon_size: tuple[int, int] = (0, 0)
     seconds: float = 0
     error: str = ""
+    doubts: tuple[str, ...] = ()
     is_whole: bool = True  # of the size that is wanted
 
 
@@ -48,6 +51,7 @@ class _Job:
     tree: str
     shade: Callable[[int, Callable[[float], None]], tuple[Floats, str]]
     size: int
+    doubts: dict[str, None] = field(default_factory=dict)  # that were told of it
 
 
 class _Worker:
@@ -107,8 +111,12 @@ class _Worker:
 
         start = time.perf_counter()
         try:
-            picture, channel = job.shade(size, progress)
+            with warnings.catch_warnings(record=True) as doubts:  # of graphs and shaders, for the interface
+                warnings.simplefilter("always")
+                picture, channel = job.shade(size, progress)
             result = _result(job.tree, picture, channel, time.perf_counter() - start)
+            job.doubts |= {str(doubt.message): None for doubt in doubts}
+            result.doubts = tuple(job.doubts)
             result.is_whole = size == job.size
         except Stopped:
             return False
@@ -363,6 +371,7 @@ def _show(result: _Result) -> None:
     if tree is None:
         return
     messages.tell(tree, "preview", result.error)
+    messages.tell(tree, "doubts", "; ".join(result.doubts[:_MOST_DOUBTS]))
     if result.pixels is not None and result.icon is not None:
         if result.is_whole:  # a size that comes and goes would cost more than the picture
             images.fill(_image(tree, *result.pixels.shape[1::-1]), result.pixels)

@@ -127,7 +127,7 @@ def _light(light: bpy.types.Light) -> fernwick.Light:
     elif light.type == "AREA":  # shines to its front alone, the less the farther aside
         made.kind = "spot"
         made.cone = (0, 90)
-    if light.use_custom_distance:
+    if getattr(light, "use_custom_distance", False):
         made.range = (0, light.cutoff_distance)
     return made
 

@@ -216,6 +216,10 @@ class Previews(Case):
         tree.settings.mode, tree.settings.channel = "SQUARE", "third"
         preview.finish()
         self.assertIn('no "third"', self._told(tree))
+        tree.settings.channel = "AUTO"
+        tree.nodes["cloth"].fRepeatU = -1
+        preview.finish()
+        self.assertIn("fRepeatU: expected 0 or more", self._told(tree))
 
     def _told(self, tree: bpy.types.NodeTree) -> str:
         from fernwick_nodes import messages
