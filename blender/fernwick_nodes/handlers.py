@@ -38,6 +38,8 @@ def _updated(scene: bpy.types.Scene, depsgraph: bpy.types.Depsgraph) -> None:
         meshes.forget()
     if any(isinstance(update.id, _MOVES) for update in depsgraph.updates):
         preview.scene_changed()
+    if any(isinstance(update.id, bpy.types.Action) for update in depsgraph.updates):
+        preview.scene_changed(only_animated=True)
     know_trees(scene)
 
 
@@ -59,6 +61,7 @@ def know_trees(scene: bpy.types.Scene) -> None:
     if missing and scene.library is None:
         for tree in missing:
             scene.fernwick_trees.add().tree = tree
+            trees.begin(tree)
 
 
 def _bring_up(tree: bpy.types.NodeTree) -> None:

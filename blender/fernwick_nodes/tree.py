@@ -93,3 +93,10 @@ def new_tree(name: str) -> bpy.types.NodeTree:
     tree.format = FORMAT
     tree.use_fake_user = True  # no object of Blender uses it, and it would be left out of the .blend
     return tree
+
+
+def begin(tree: bpy.types.NodeTree) -> None:
+    """Gives a tree that Blender's own buttons have made an Output."""
+    if tree.format == 0 and not tree.nodes and tree.library is None:
+        tree.format = FORMAT
+        tree.nodes.new("FernwickOutputNode")

@@ -161,6 +161,14 @@ class Links(Case):
         )
 
 
+class Blank(Case):
+    def test_trees_of_blenders_own_buttons_have_an_output(self) -> None:
+        tree = bpy.data.node_groups.new("New", "FernwickTree")
+        bpy.context.view_layer.update()
+        bpy.ops.mesh.primitive_cube_add()
+        self.assertEqual([node.bl_idname for node in tree.nodes], ["FernwickOutputNode"])
+
+
 class Pictures(Case):
     def test_are_files_or_images_of_the_blend(self) -> None:
         tree = document.load(str(EXAMPLES / "saturation-reds.json"))
