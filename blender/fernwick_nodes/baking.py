@@ -14,7 +14,7 @@ import bpy
 
 from . import images, materials, tasks
 from .errors import Refusal
-from .meshes import Arrays, active_uv, arrays_of, kept_arrays_of, rigid
+from .meshes import Arrays, arrays_of, kept_arrays_of, rigid
 from .scene import scene_of
 
 if TYPE_CHECKING:
@@ -127,7 +127,7 @@ def bake_material(
     :param arguments: further ones of `images_task`
     """
     baked = bake_images(thing, graph, size, name=name, uv_layer=uv_layer, progress=progress, **arguments)
-    return materials.make(thing, baked, uv_layer or active_uv(thing), name)
+    return materials.make(thing, baked, uv_layer, name)
 
 
 def bake_sequence(
@@ -196,14 +196,14 @@ def sequence_task(
     """What `bake_sequence` does. The scene ends at the frame where it was."""
     if last < first:
         raise Refusal("The last frame comes before the first")
-    scene = bpy.context.scene
-    before = scene.frame_current
-    title = name or thing.name
+    before = bpy.context.scene.frame_current
+    thing_name, tree_name = thing.name, graph.name if isinstance(graph, bpy.types.NodeTree) else ""
+    title = name or thing_name
     paths: dict[str, Path] = {}
     try:
         for frame in range(first, last + 1):
-            scene.frame_set(frame)
-            job = prepare(thing, graph, uv_layer)
+            bpy.context.scene.frame_set(frame)
+            job = prepare(object_of(thing_name), _tree_of(tree_name) if tree_name else graph, uv_layer)
             pictures: dict[int, Pictures] = yield functools.partial(_frame_tiles, job, size, channels, arguments)
             if len(pictures) > 1:
                 raise Refusal("Sequences of several UDIM tiles aren't baked: choose a UV map within one tile")
@@ -211,7 +211,7 @@ def sequence_task(
                 path = images.save_frame(folder, title, channel, frame, picture)
                 paths.setdefault(channel, path)
     finally:
-        scene.frame_set(before)
+        bpy.context.scene.frame_set(before)
     count = last - first + 1
     return {
         channel: images.sequence(f"{title} {channel} sequence", channel, path, first, count)
@@ -243,6 +243,22 @@ def _all_tiles(
         number: graph.bake(width, height, wanted, node=job.name, tile=number, progress=of_tile(i), **arguments)
         for i, number in enumerate(numbers)
     }
+
+
+def object_of(name: str) -> bpy.types.Object:
+    """An object that was there a while ago: others may have come in between, and all that was held of Blender's data is
+    gone after an undo."""
+    thing = bpy.data.objects.get(name)
+    if thing is None:
+        raise Refusal(f'"{name}" is gone')
+    return thing
+
+
+def _tree_of(name: str) -> bpy.types.NodeTree:
+    tree = bpy.data.node_groups.get(name)
+    if tree is None:
+        raise Refusal(f'The tree "{name}" is gone')
+    return tree
 
 
 def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "", is_preview: bool = False) -> Job:

@@ -6,6 +6,8 @@ from collections.abc import Mapping
 
 import bpy
 
+from .meshes import active_uv
+
 MARK = "fernwick"
 """Of the nodes that belong to the add-on: what they stand for. All others of a material are left alone."""
 _PLACES = {"uv": (-900, 0), "color": (-620, 300), "alpha": (-620, 0), "normal": (-620, -300), "map": (-280, -300)}
@@ -26,6 +28,7 @@ def make(
     tree = material.node_tree
     principled = _principled(tree)
     uv = _node(tree, "uv", "ShaderNodeUVMap")
+    uv_layer = uv_layer or active_uv(thing)
     uv.uv_map = uv_layer
     base = next((channel for channel in _BASE if channel in images), None)
     if base:

@@ -9,7 +9,6 @@ from bpy_extras.io_utils import ExportHelper, ImportHelper
 
 from . import baking, document, fields, groups, materials, preview, settings, tasks, tree as trees
 from .errors import Refusal
-from .meshes import active_uv
 from .messages import guarded
 
 
@@ -92,13 +91,10 @@ class FERNWICK_OT_bake_material(_NeedsTree, tasks.TaskOperator, bpy.types.Operat
     bl_options = {"REGISTER", "UNDO"}
 
     def task(self, context: bpy.types.Context) -> tasks.Task[str]:
-        tree = _tree(context)
-        thing = _target(tree)
-        choice = tree.settings
-        baked = yield from baking.images_task(
-            thing, tree, choice.bake_size, choice.wanted, folder=choice.folder, **_arguments(choice)
-        )
-        material = materials.make(thing, baked, choice.uv_layer or active_uv(thing))
+        choice = _tree(context).settings
+        name, uv_layer = _target(context).name, choice.uv_layer
+        baked = yield from _images_task(context)
+        material = materials.make(baking.object_of(name), baked, uv_layer)
         return f'Baked {", ".join(baked)} into the material "{material.name}"'
 
 
@@ -110,11 +106,7 @@ class FERNWICK_OT_bake_images(_NeedsTree, tasks.TaskOperator, bpy.types.Operator
     bl_options = {"REGISTER", "UNDO"}
 
     def task(self, context: bpy.types.Context) -> tasks.Task[str]:
-        tree = _tree(context)
-        choice = tree.settings
-        baked = yield from baking.images_task(
-            _target(tree), tree, choice.bake_size, choice.wanted, folder=choice.folder, **_arguments(choice)
-        )
+        baked = yield from _images_task(context)
         return "Baked " + ", ".join(f'"{image.name}"' for image in baked.values())
 
 
@@ -125,15 +117,15 @@ class FERNWICK_OT_bake_sequence(_NeedsTree, tasks.TaskOperator, bpy.types.Operat
     bl_label = "Bake Sequence"
 
     def task(self, context: bpy.types.Context) -> tasks.Task[str]:
-        tree = _tree(context)
-        thing = _target(tree)
-        choice, scene = tree.settings, context.scene
+        tree, thing, scene = _tree(context), _target(context), context.scene
+        choice, name, count = tree.settings, thing.name, scene.frame_end - scene.frame_start + 1
+        uv_layer = choice.uv_layer
         baked = yield from baking.sequence_task(
-            thing, tree, scene.frame_start, scene.frame_end, choice.bake_size, choice.wanted,
+            thing, tree, scene.frame_start, scene.frame_end, choice.bake_size, choice.chooser(),
             folder=choice.folder or "//fernwick", **_arguments(choice),
         )  # fmt: skip
-        materials.make(thing, baked, choice.uv_layer or active_uv(thing))
-        return f"Baked {scene.frame_end - scene.frame_start + 1} frames of {', '.join(baked)}"
+        materials.make(baking.object_of(name), baked, uv_layer)
+        return f"Baked {count} frames of {', '.join(baked)}"
 
 
 class FERNWICK_OT_refresh(_NeedsTree, bpy.types.Operator):
@@ -238,11 +230,19 @@ def _tree(context: bpy.types.Context) -> bpy.types.NodeTree:
     return tree
 
 
-def _target(tree: bpy.types.NodeTree) -> bpy.types.Object:
-    thing = settings.target_of(tree)
+def _target(context: bpy.types.Context) -> bpy.types.Object:
+    thing = settings.target_of(_tree(context))
     if thing is None:
         raise Refusal("Choose an object to bake onto")
     return thing
+
+
+def _images_task(context: bpy.types.Context) -> tasks.Task[dict[str, bpy.types.Image]]:
+    tree = _tree(context)
+    choice = tree.settings
+    return baking.images_task(
+        _target(context), tree, choice.bake_size, choice.chooser(), folder=choice.folder, **_arguments(choice)
+    )
 
 
 def _arguments(choice: settings.FernwickSettings) -> dict[str, Any]:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from collections.abc import Callable
 from typing import Any
 
 import bpy
@@ -92,11 +93,16 @@ class FernwickSettings(bpy.types.PropertyGroup):
         name="Normal", description="Bake the normal map", default=True
     )
 
-    def wanted(self, offered: tuple[str, ...]) -> list[str]:
-        """The channels that are switched on, of those that a graph offers."""
-        base = next((channel for channel in ("color", "main", "value") if channel in offered), "")
-        chosen = [base] if self.color and base else []
-        return chosen + [name for name in ("alpha", "normal") if getattr(self, name) and name in offered]
+    def chooser(self) -> Callable[[tuple[str, ...]], list[str]]:
+        """What chooses the channels that are switched on now, of those that a graph offers. In any thread."""
+        is_color = self.color
+        others = [name for name in ("alpha", "normal") if getattr(self, name)]
+
+        def choose(offered: tuple[str, ...]) -> list[str]:
+            base = [name for name in ("color", "main", "value") if name in offered][:1] if is_color else []
+            return base + [name for name in others if name in offered]
+
+        return choose
 
     @property
     def bake_size(self) -> tuple[int, int]:
