@@ -13,7 +13,7 @@ _KEPT = {"NodeFrame", "NodeReroute"}
 
 
 def make(tree: bpy.types.NodeTree, chosen: Sequence[bpy.types.Node]) -> bpy.types.Node:
-    """Puts nodes into a new group. Its shader is the one that is used outside; what comes from outside comes by inputs."""
+    """Puts nodes into a new group. Its shader is the one that is used outside; what comes from there is an input."""
     chosen = [node for node in chosen if node.bl_idname not in ("FernwickOutputNode", "FernwickInputNode")]
     if not any(hasattr(node, "table") for node in chosen):
         raise Refusal("Select the nodes first that the group is to have")

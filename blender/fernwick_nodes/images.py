@@ -21,7 +21,7 @@ COLORS = {"color", "main", "second", "third", "fourth", "lit"}
 
 
 def pixels_of(picture: Floats, channel: str) -> Floats:
-    """(height, width, 4) with row 0 at the bottom, as images of Blender have them: numbers as greys, normals from 0 to 1."""
+    """(height, width, 4) with row 0 at the bottom, as images have them: numbers as greys, normals from 0 to 1."""
     if picture.ndim == 2:
         grey = picture[::-1, :, None]
         return np.concatenate([grey, grey, grey, np.ones_like(grey)], axis=2)

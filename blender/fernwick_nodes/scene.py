@@ -1,8 +1,8 @@
 """Blender's scene as the shaders see it.
 
 Coordinates are Blender's own, Z up: nothing is turned, and the axes of a Location or the angles of an Iridescent are
-those of Blender's world. A place of the shaders has no scale, so scale and shear go into the mesh, and the coordinates of
-an object are in lengths of the world.
+those of Blender's world. A place of the shaders has no scale, so scale and shear go into the mesh, and the coordinates
+of an object are in lengths of the world.
 """
 
 from __future__ import annotations
@@ -33,8 +33,8 @@ def scene_of(
 ) -> fernwick.Scene:
     """Objects with their places, lights and cameras.
 
-    :param document: of the graph that will ask: only what it names is taken, with the lights, the cameras and the shapes
-        of the surfaces it casts rays at. None takes all, without shapes
+    :param document: of the graph that will ask: only what it names is taken, with the lights, the cameras and the
+        shapes of the surfaces it casts rays at. None takes all, without shapes
     :param meshes: shapes by the names of objects, which are taken in any case; None for one that comes later
     """
     import fernwick
@@ -86,8 +86,8 @@ def texts(document: Mapping[str, Any], fields: Iterable[tuple[str, str]] | None 
 
 
 def _wanted(scene: bpy.types.Scene, names: set[str] | None, also: Iterable[str]) -> list[bpy.types.Object]:
-    """The objects whose names begin as some of `names`, of which groups are made, with the lights and the cameras; those
-    of libraries last. Quick for thousands of others."""
+    """The objects whose names begin as some of `names`, of which groups are made, with the lights and the cameras;
+    those of libraries last. Quick for thousands of others."""
     objects = scene.objects
     kinds = np.empty(len(objects), np.int32)
     objects.foreach_get("type", kinds)

@@ -53,7 +53,7 @@ class FernwickSettings(bpy.types.PropertyGroup):
     )
     own_scene: bpy.props.BoolProperty(  # type: ignore[valid-type]
         name="Document's scene",
-        description="On the UV square, shaders look for objects and lights in the scene of the document, not in Blender's",
+        description="On the UV square, shaders look for objects in the scene of the document, not in Blender's",
         update=_changed,
     )
     target: bpy.props.PointerProperty(  # type: ignore[valid-type]
@@ -87,7 +87,9 @@ class FernwickSettings(bpy.types.PropertyGroup):
         description="Where pictures are put. Without one they are kept in the .blend; tiles and sequences go beside it",
         subtype="DIR_PATH",
     )
-    color: bpy.props.BoolProperty(name="Colour", description="Bake the colour", default=True)  # type: ignore[valid-type]
+    color: bpy.props.BoolProperty(  # type: ignore[valid-type]
+        name="Colour", description="Bake the colour", default=True
+    )
     alpha: bpy.props.BoolProperty(name="Alpha", description="Bake the alpha", default=True)  # type: ignore[valid-type]
     normal: bpy.props.BoolProperty(  # type: ignore[valid-type]
         name="Normal", description="Bake the normal map", default=True
