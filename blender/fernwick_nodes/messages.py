@@ -9,6 +9,7 @@ import bpy
 
 from .errors import Refusal, sentence
 
+DOUBTS = "doubts"  # a topic
 _of_trees: dict[str, dict[str, str]] = {}  # by tree and topic
 _of_nodes: dict[tuple[str, str], str] = {}
 
@@ -23,7 +24,12 @@ def tell(tree: bpy.types.NodeTree, topic: str, text: str) -> None:
 
 
 def told(tree: bpy.types.NodeTree) -> list[str]:
-    return list(_of_trees.get(tree.name, {}).values())
+    return [text for topic, text in _of_trees.get(tree.name, {}).items() if topic != DOUBTS]
+
+
+def doubts(tree: bpy.types.NodeTree) -> str:
+    """What may be a slip, and does no harm."""
+    return _of_trees.get(tree.name, {}).get(DOUBTS, "")
 
 
 def tell_node(node: bpy.types.Node, text: str) -> None:

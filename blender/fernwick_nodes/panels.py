@@ -60,6 +60,7 @@ class FERNWICK_PT_preview(_InEditor, bpy.types.Panel):
             return
         choice = tree.settings
         preview.draw(tree, layout, 9, looks.sidebar_width(context))
+        preview.draw_doubts(tree, layout, looks.sidebar_width(context))
         layout.use_property_split = True
         layout.use_property_decorate = False
         column = layout.column()

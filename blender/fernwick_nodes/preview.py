@@ -195,6 +195,11 @@ def draw(tree: bpy.types.NodeTree, layout: bpy.types.UILayout, scale: float, wid
         layout.label(text=f"{tree.settings.size} pixels in {_seconds[tree.name] * 1000:.0f} ms")
 
 
+def draw_doubts(tree: bpy.types.NodeTree, layout: bpy.types.UILayout, width: float) -> None:
+    if text := messages.doubts(tree):
+        draw_text(layout, text, width, "INFO")
+
+
 def register() -> None:
     global _icons
     import bpy.utils.previews
@@ -246,7 +251,11 @@ def _timed(what: str, work: Callable[[], None]) -> None:
 
 
 def _read(tree: bpy.types.NodeTree) -> None:
-    if not tree.settings.live or not _is_shown(tree):
+    if not tree.settings.live:
+        return
+    if not _is_shown(tree):  # it is asked for when it is drawn again
+        _asked.discard(tree.name)
+        _seconds.pop(tree.name, None)
         return
     try:
         _worker.submit(_job(tree))
@@ -371,7 +380,7 @@ def _show(result: _Result) -> None:
     if tree is None:
         return
     messages.tell(tree, "preview", result.error)
-    messages.tell(tree, "doubts", "; ".join(result.doubts[:_MOST_DOUBTS]))
+    messages.tell(tree, messages.DOUBTS, "; ".join(result.doubts[:_MOST_DOUBTS]))
     if result.pixels is not None and result.icon is not None:
         if result.is_whole:  # a size that comes and goes would cost more than the picture
             images.fill(_image(tree, *result.pixels.shape[1::-1]), result.pixels)
@@ -401,9 +410,9 @@ def _redraw() -> None:
                 area.tag_redraw()
 
 
-def draw_text(layout: bpy.types.UILayout, text: str, width: float) -> None:
+def draw_text(layout: bpy.types.UILayout, text: str, width: float, sign: str = "ERROR") -> None:
     """A text in as many lines as it needs; only the first has the sign."""
     column = layout.column(align=True)
     column.scale_y = 0.8
     for i, line in enumerate(looks.wrapped(text, width - 24)):
-        column.label(text=line, icon="ERROR" if i == 0 else "BLANK1")
+        column.label(text=line, icon=sign if i == 0 else "BLANK1")
