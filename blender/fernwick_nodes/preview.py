@@ -129,7 +129,7 @@ class _Worker:
 
 
 _worker = _Worker()
-_changed: dict[str, float] = {}  # trees by name that wait to be read, with the time of the change
+_changed: dict[str, None] = {}  # trees by name that wait to be read; the newest was added last
 _icons: Any = None  # of bpy.utils.previews
 _asked: set[str] = set()  # trees that were drawn before they had a preview
 _seconds: dict[str, float] = {}  # that the last preview of a tree took
@@ -143,7 +143,7 @@ def changed(tree: bpy.types.NodeTree) -> None:
 
     for each in trees.trees():
         if each == tree or nodes.reaches(each, tree):
-            _changed[each.name] = time.perf_counter()
+            _mark(each)
     _wake()
 
 
@@ -152,13 +152,13 @@ def scene_changed(only_animated: bool = False) -> None:
     for tree in trees.trees():
         is_animated = tree.animation_data is not None
         if is_animated if only_animated else tree.settings.mode == "OBJECT" or _asks_scene(tree):
-            _changed[tree.name] = time.perf_counter()
+            _mark(tree)
     _wake()
 
 
 def step() -> bool:
     """Does what is due on the main thread. Returns whether more is to come."""
-    for name in list(_changed)[:1]:
+    for name in list(_changed)[-1:]:
         del _changed[name]
         tree = bpy.data.node_groups.get(name)
         if tree is not None and tree.bl_idname == trees.FernwickTree.bl_idname:
@@ -228,6 +228,11 @@ def forget() -> None:
     _asked.clear()
     if _icons is not None:
         _icons.clear()
+
+
+def _mark(tree: bpy.types.NodeTree) -> None:
+    _changed.pop(tree.name, None)
+    _changed[tree.name] = None
 
 
 def _wake() -> None:

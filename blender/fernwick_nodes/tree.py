@@ -61,6 +61,7 @@ class FernwickTree(bpy.types.NodeTree):
 def tidy(tree: bpy.types.NodeTree) -> None:
     """Takes out links that make no sense, and shows as many slots as are needed."""
     refused = ""
+    odd: dict[str, str] = {}  # what nodes have to say of links that stay
     wiring = links.Wiring()
     for link in list(tree.links):
         reason = links.misfit(link, wiring)
@@ -68,7 +69,7 @@ def tidy(tree: bpy.types.NodeTree) -> None:
             continue
         if getattr(link.to_socket, "keeps", False):
             link.is_valid = False
-            messages.tell_node(link.to_node, reason)
+            odd[link.to_node.name] = reason
         else:
             with held():
                 tree.links.remove(link)
@@ -80,6 +81,7 @@ def tidy(tree: bpy.types.NodeTree) -> None:
     elif time.monotonic() - _refused_at.get(tree.name, 0) > _STAYS:
         messages.tell(tree, "link", "")
     for node in tree.nodes:
+        messages.tell_node(node, odd.get(node.name, ""))
         if hasattr(node, "show_slots"):
             node.show_slots()
 

@@ -127,6 +127,19 @@ class Links(Case):
         self.assertFalse(tree.nodes["cloth"].inputs["Warp 2"].is_linked)
         self.assertIn('"Warp 2" takes a colour; "Spoke" gives a value', "".join(messages.told(tree)))
 
+    def test_of_documents_stay_though_they_do_not_fit(self) -> None:
+        written = {
+            "shaders": {"cloth": {"class": "Weave", "fGapSubShader": "wheel"}, "wheel": {"class": "Spoke"}},
+            "output": "cloth",
+        }
+        tree = document.from_document(written, "", "Odd")
+        tree.update()
+        self.assertIn('"Gaps" takes a colour', messages.told_node(tree.nodes["cloth"]))
+        self.assertEqual(document.to_document(tree), written)
+        tree.links.remove(tree.nodes["cloth"].inputs["Gaps"].links[0])
+        tree.update()
+        self.assertEqual(messages.told_node(tree.nodes["cloth"]), "")
+
     def test_lead_through_reroutes_muted_nodes_and_frames(self) -> None:
         tree = self.cloth()
         gray = tree.nodes.new(nodes.idname("Gray"))
