@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The Fernwick shaders in Blender: a node editor with a live preview, baked onto objects."""
 
 bl_info = {
