@@ -1,4 +1,3 @@
-# SPDX-License-Identifier: GPL-3.0-or-later
 """The Fernwick shaders in Blender: a node editor with a live preview, baked onto objects."""
 
 bl_info = {
@@ -8,7 +7,6 @@ bl_info = {
     "blender": (3, 4, 0),
     "location": "Fernwick Nodes editor; sidebar of the 3D View",
     "description": "Nineteen shaders as nodes, with a live preview, baked onto objects",
-    "doc_url": "",
     "category": "Node",
 }
 
