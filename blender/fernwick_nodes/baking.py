@@ -214,7 +214,7 @@ def sequence_task(
         bpy.context.scene.frame_set(before)
     count = last - first + 1
     return {
-        channel: images.sequence(f"{title} {channel} sequence", channel, path, first, count)
+        channel: images.sequence(f"{title} {channel} sequence", channel, path, folder, first, count)
         for channel, path in paths.items()
     }
 
@@ -273,7 +273,7 @@ def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "", is_preview:
     evaluated = thing.evaluated_get(depsgraph)
     linear = rigid(evaluated.matrix_world)[2]
     if abs(float(_determinant(linear))) < 1e-12:
-        raise Refusal(f'"{thing.name}" has a scale of 0')
+        raise Refusal(f'"{thing.name}" has a scale of 0, or next to it: apply it')
     if is_preview:
         faces = len(getattr(evaluated.data, "polygons", ()))
         if faces > MOST_FACES:

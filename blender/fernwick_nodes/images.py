@@ -18,6 +18,8 @@ if TYPE_CHECKING:
     Floats = NDArray[np.float32]
 
 COLORS = {"color", "main", "second", "third", "fourth", "lit"}
+NAME = "fernwick_name"
+"""A custom property of images that bakes have made: the name that was asked for, which Blender may have cut or numbered."""
 
 
 def pixels_of(picture: Floats, channel: str) -> Floats:
@@ -34,16 +36,18 @@ def pixels_of(picture: Floats, channel: str) -> Floats:
 
 
 def store(name: str, picture: Floats, channel: str, folder: str = "") -> bpy.types.Image:
-    """Makes or replaces an image of floats, in linear light with a straight alpha.
+    """Makes an image of floats, in linear light with a straight alpha, or replaces the one that was made for the name.
 
     :param folder: where it is a file; without one it is packed into the .blend
     """
     height, width = picture.shape[:2]
-    image = bpy.data.images.get(name)
-    if image is not None and (image.library is not None or image.source == "TILED"):
+    image = _made(name)
+    if image is not None and image.source == "TILED":
+        del image[NAME]
         image = None
     if image is None:
         image = bpy.data.images.new(name, width, height, alpha=True, float_buffer=True, is_data=channel not in COLORS)
+        image[NAME] = name
     elif not image.is_float or image.source != "GENERATED" or tuple(image.size) != (width, height):
         renew(image, width, height)
     _describe(image, channel)
@@ -56,18 +60,15 @@ def store(name: str, picture: Floats, channel: str, folder: str = "") -> bpy.typ
 
 
 def store_tiles(name: str, pictures: Mapping[int, Floats], channel: str, folder: str = "") -> bpy.types.Image:
-    """Makes or replaces a tiled image, whose files are put into the folder, else beside the .blend."""
-    root = _folder(folder or "//fernwick")
+    """Makes a tiled image or replaces that of the name; its files are put into the folder, else beside the .blend."""
+    folder = folder or "//fernwick"
+    root = _folder(folder)
     stem = _file_name(name)
     for number, picture in pictures.items():
         _save(root / f"{stem}.{number}.exr", picture, channel)
-    path = str(root / f"{stem}.<UDIM>.exr")
-    image = bpy.data.images.get(name)
-    if image is None or image.library is not None:
-        image = bpy.data.images.load(str(root / f"{stem}.{min(pictures)}.exr"))
-        image.name = name
+    image = _made(name) or _loaded(root / f"{stem}.{min(pictures)}.exr", name)
     image.source = "TILED"
-    image.filepath = path
+    image.filepath = _kept(root / f"{stem}.<UDIM>.exr", folder)
     known = {tile.number for tile in image.tiles}
     for number in sorted(set(pictures) - known):
         image.tiles.new(number)
@@ -95,13 +96,10 @@ def save_frame(folder: str, name: str, channel: str, frame: int, picture: Floats
     return path
 
 
-def sequence(name: str, channel: str, path: Path, first: int, count: int) -> bpy.types.Image:
-    """The image of a sequence of files, made or replaced."""
-    image = bpy.data.images.get(name)
-    if image is None or image.library is not None:
-        image = bpy.data.images.load(str(path))
-        image.name = name
-    image.filepath = str(path)
+def sequence(name: str, channel: str, path: Path, folder: str, first: int, count: int) -> bpy.types.Image:
+    """The image of a sequence of files in a folder, made or replaced."""
+    image = _made(name) or _loaded(path, name)
+    image.filepath = _kept(path, folder)
     if image.packed_file:
         image.unpack(method="REMOVE")
     image.source = "SEQUENCE"
@@ -122,6 +120,22 @@ def renew(image: bpy.types.Image, width: int, height: int) -> None:
     image.generated_type = "BLANK"
 
 
+def _made(name: str) -> bpy.types.Image | None:
+    """The image that was made for a name. One that the user has called so is another."""
+    return next((each for each in bpy.data.images if each.library is None and each.get(NAME) == name), None)
+
+
+def _loaded(path: Path, name: str) -> bpy.types.Image:
+    image = bpy.data.images.load(str(path))
+    image.name = image[NAME] = name
+    return image
+
+
+def _kept(path: Path, folder: str) -> str:
+    """How the .blend names a file: beside it where the folder was named so, and then they may move together."""
+    return bpy.path.relpath(str(path)) if folder.startswith("//") else str(path)
+
+
 def _describe(image: bpy.types.Image, channel: str) -> None:
     image.alpha_mode = "CHANNEL_PACKED"
     names = [item.identifier for item in image.colorspace_settings.bl_rna.properties["name"].enum_items]
@@ -134,7 +148,7 @@ def _write(image: bpy.types.Image, folder: str, name: str, picture: Floats, chan
     _save(path, picture, channel)
     if image.packed_file:
         image.unpack(method="REMOVE")
-    image.filepath = str(path)
+    image.filepath = _kept(path, folder)
     image.source = "FILE"
     image.reload()
 

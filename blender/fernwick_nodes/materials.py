@@ -6,6 +6,7 @@ from collections.abc import Mapping
 
 import bpy
 
+from .errors import Refusal
 from .meshes import active_uv
 
 MARK = "fernwick"
@@ -23,6 +24,8 @@ def make(
 
     :param images: by channel
     :param uv_layer: the UV map that they are laid out by; without one that which Blender renders with
+
+    Raises Refusal for an object of another file.
     """
     material = _material(thing, name or thing.name)
     tree = material.node_tree
@@ -71,6 +74,8 @@ def _material(thing: bpy.types.Object, name: str) -> bpy.types.Material:
         if slot.material and slot.material.get(MARK) and slot.material.library is None:
             slot.material.use_nodes = True
             return slot.material
+    if thing.library is not None or thing.data.library is not None:
+        raise Refusal(f'"{thing.name}" is of another file, whose materials stay: make it local, or bake images')
     material = bpy.data.materials.new(name)
     material.use_nodes = True
     material[MARK] = 1

@@ -52,6 +52,7 @@ class Bakes(Case):
         material = baking.bake_material(box, CLOTH, 32)
         image = next(node.image for node in material.node_tree.nodes if node.label == "Base colour")
         self.assertEqual((image.source, [tile.number for tile in image.tiles]), ("TILED", [1001, 1002]))
+        self.assertTrue(image.filepath.startswith("//"))  # it may be moved with its pictures
         for tile in (1001, 1002):
             picture = baking.bake(box, CLOTH, 32, "color", tile=tile)["color"]
             stored = fernwick.load_picture(bpy.path.abspath(image.filepath.replace("<UDIM>", str(tile))))
@@ -117,6 +118,32 @@ class Bakes(Case):
         runner.stop()
         self.assertLess(time.monotonic() - start, 20)  # minutes, if it went on
         self.assertEqual([image.name for image in bpy.data.images], before)
+
+    def test_leave_images_of_the_user_alone(self) -> None:
+        box = scene_with_lamp()
+        own = bpy.data.images.new("Box color", 32, 32)
+        box.name = "y" * 63  # which leaves no room for the channel
+        long = baking.bake_images(box, CLOTH, 8)
+        self.assertEqual(len({image.name for image in long.values()}), len(long))
+        box.name = "Box"
+        first = baking.bake_images(box, CLOTH, 8)["color"]
+        self.assertEqual(baking.bake_images(box, CLOTH, 16)["color"], first)
+        self.assertNotEqual(first, own)
+        self.assertEqual((tuple(own.size), tuple(first.size)), ((32, 32), (16, 16)))
+
+    def test_go_to_materials_of_this_file_alone(self) -> None:
+        box = scene_with_lamp()
+        library = self.folder / "library.blend"
+        bpy.data.libraries.write(str(library), {box})
+        with bpy.data.libraries.load(str(library), link=True) as (_, wanted):
+            wanted.objects = [box.name]
+        linked = wanted.objects[0]
+        bpy.context.collection.objects.link(linked)
+        bpy.context.view_layer.update()
+        count = len(bpy.data.materials)
+        with self.assertRaisesRegex(Refusal, "make it local"):
+            baking.bake_material(linked, CLOTH, 8)
+        self.assertEqual(len(bpy.data.materials), count)
 
     def test_refuse_what_cannot_be_with_a_sentence(self) -> None:
         box = scene_with_lamp()
