@@ -50,7 +50,7 @@ def store(name: str, picture: Floats, channel: str, folder: str = "") -> bpy.typ
         image[NAME] = name
     elif not image.is_float or image.source != "GENERATED" or tuple(image.size) != (width, height):
         renew(image, width, height)
-    _describe(image, channel)
+    describe(image, channel)
     fill(image, pixels_of(picture, channel))
     if folder:
         _write(image, folder, name, picture, channel)
@@ -74,7 +74,7 @@ def store_tiles(name: str, pictures: Mapping[int, Floats], channel: str, folder:
         image.tiles.new(number)
     for tile in [tile for tile in image.tiles if tile.number not in pictures and len(image.tiles) > 1]:
         image.tiles.remove(tile)
-    _describe(image, channel)
+    describe(image, channel)
     image.reload()
     return image
 
@@ -104,7 +104,7 @@ def sequence(name: str, channel: str, path: Path, folder: str, first: int, count
         image.unpack(method="REMOVE")
     image.source = "SEQUENCE"
     image["fernwick_first"], image["fernwick_frames"] = first, count
-    _describe(image, channel)
+    describe(image, channel)
     image.reload()
     return image
 
@@ -136,7 +136,8 @@ def _kept(path: Path, folder: str) -> str:
     return bpy.path.relpath(str(path)) if folder.startswith("//") else str(path)
 
 
-def _describe(image: bpy.types.Image, channel: str) -> None:
+def describe(image: bpy.types.Image, channel: str) -> None:
+    """Tells Blender what the numbers of a channel are: linear light or plain numbers, with a straight alpha."""
     image.alpha_mode = "CHANNEL_PACKED"
     names = [item.identifier for item in image.colorspace_settings.bl_rna.properties["name"].enum_items]
     linear = next((each for each in ("Linear", "Linear Rec.709") if each in names), "Non-Color")

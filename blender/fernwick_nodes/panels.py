@@ -25,23 +25,24 @@ _TOPICS = {
 }
 
 
-class _InEditor:
-    bl_space_type = "NODE_EDITOR"
+class _InSidebar:
     bl_region_type = "UI"
     bl_category = "Fernwick"
+
+
+class _InEditor(_InSidebar):
+    bl_space_type = "NODE_EDITOR"
 
     @classmethod
     def poll(cls, context: bpy.types.Context) -> bool:
         return context.space_data.tree_type == trees.FernwickTree.bl_idname
 
 
-class FERNWICK_PT_missing(bpy.types.Panel):
+class FERNWICK_PT_missing(_InSidebar, bpy.types.Panel):
     """Tells what is missing where nothing works without it"""
 
     bl_label = "Fernwick"
     bl_space_type = "VIEW_3D"
-    bl_region_type = "UI"
-    bl_category = "Fernwick"
 
     def draw(self, context: bpy.types.Context) -> None:
         column = self.layout.column()
@@ -121,11 +122,9 @@ class FERNWICK_PT_fields(_InEditor, bpy.types.Panel):
         looks.draw_all(node, layout)
 
 
-class FERNWICK_PT_view(bpy.types.Panel):
+class FERNWICK_PT_view(_InSidebar, bpy.types.Panel):
     bl_label = "Fernwick"
     bl_space_type = "VIEW_3D"
-    bl_region_type = "UI"
-    bl_category = "Fernwick"
 
     def draw(self, context: bpy.types.Context) -> None:
         layout, tree = self.layout, context.scene.fernwick_tree

@@ -21,18 +21,11 @@ BLUED = ((2.16, 7.1, -1.182),) * 3
 VIOLET = ((0.46818, 2.80877, 0.95525),) * 3
 
 
-def bake(
-    thing: bpy.types.Object,
-    graph: Any,
-    size: int | tuple[int, int],
-    channels: str | Sequence[str],
-    samples: int = 1,
-    margin: int = 16,
-) -> dict[str, bpy.types.Image]:
-    """Bakes channels of a graph onto an object as it stands in the scene."""
+def bake(thing: bpy.types.Object, *arguments: Any, **options: Any) -> dict[str, bpy.types.Image]:
+    """Bakes channels of a graph onto an object as it stands in the scene; arguments are those of `arrays`."""
     return {
         channel: image(f"{thing.name} {channel}", picture, channel)
-        for channel, picture in arrays(thing, graph, size, channels, samples, margin).items()
+        for channel, picture in arrays(thing, *arguments, **options).items()
     }
 
 
@@ -56,8 +49,7 @@ def image(name: str, picture: Any, channel: str = "color") -> bpy.types.Image:
     """Floats as an image of Blender, without a copy in a file."""
     height, width = picture.shape[:2]
     made = bpy.data.images.new(name, width, height, alpha=True, float_buffer=True, is_data=channel not in images.COLORS)
-    made.alpha_mode = "CHANNEL_PACKED"
-    made.colorspace_settings.name = "Linear" if channel in images.COLORS else "Non-Color"
+    images.describe(made, channel)
     images.fill(made, images.pixels_of(picture, channel))
     return made
 
