@@ -1,7 +1,7 @@
 """The stage that all scenes share: what the command line asks for, camera, lights, backdrop and the render.
 
-Light comes from few large areas and an even world, with few bounces and without caustics, so that a picture is free of
-noise after some hundred samples and needs no denoiser.
+Light comes from few large areas and an even world, with few bounces and without caustics, so that a picture has
+little noise after few samples; `quiet` takes out what is left.
 """
 
 from __future__ import annotations

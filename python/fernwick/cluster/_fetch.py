@@ -4,7 +4,6 @@ from __future__ import annotations
 
 import logging
 import time
-
 from concurrent.futures import ThreadPoolExecutor
 
 from .._errors import ShaderWarning, warn
