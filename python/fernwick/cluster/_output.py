@@ -5,6 +5,7 @@ from __future__ import annotations
 import dataclasses
 from collections.abc import Callable, Iterable
 from concurrent.futures import ThreadPoolExecutor
+from threading import Lock
 from typing import TYPE_CHECKING
 
 from .._arguments import Progress
@@ -54,6 +55,8 @@ class Output:
         self._sizes: dict[Unit, int] = {}  # bytes of units that were fetched, or are, and aren't written yet
         self._keys: dict[Unit, str] = {}  # of parts
         self._stored: set[Unit] = set()
+        self._storing = Lock()
+        self._is_closed = False
         self._pixels = self._done = 0
         self._row = largest_row(job, pictures)
         self.held = 0
@@ -108,10 +111,16 @@ class Output:
         self.held -= self._sizes.pop(unit, 0)
 
     def store(self, unit: Unit, arrays: dict[str, NDArray[np.float32]]) -> None:
-        """Puts a unit on the disk, where there is a folder for it, in any thread. Raises FileError."""
-        if self._settings.parts is not None:
-            self._settings.parts.save(self._keys[unit], arrays)
-            arrays.clear()
+        """Puts a unit on the disk, where there is a folder for it, in any thread. Raises FileError.
+
+        What comes once all is closed is let go.
+        """
+        if self._settings.parts is None:
+            return
+        with self._storing:
+            if not self._is_closed:
+                self._settings.parts.save(self._keys[unit], arrays)
+                arrays.clear()
 
     def add(self, unit: Unit, arrays: dict[str, NDArray[np.float32]]) -> None:
         """A shaded unit for which there is room; without arrays it is stored."""
@@ -140,7 +149,9 @@ class Output:
             self._writer.submit(self._abandon, opened)
 
     def close(self) -> None:
-        """Waits for what is written."""
+        """Waits for what is written and stored."""
+        with self._storing:
+            self._is_closed = True
         self._writer.shutdown(wait=True)
 
     def _note(self, picture: Picture) -> str:
