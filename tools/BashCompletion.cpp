@@ -1,3 +1,4 @@
+#include "host/sources/Sources.h"
 #include "tools/Completion.h"
 #include "tools/HelpTree.h"
 #include "tools/Names.h"
@@ -107,6 +108,6 @@ std::string BashCompletion(const CLI::App& app)
     }
     commandCases += CommandCase("", app, {.words = names});
     return kHead + FieldFunctions()
-        + fmt::format(kFunction, WordList(names), WordList(ClassAndSourceNames()), WordList(SourceNames()),
-            optionCases, commandCases);
+        + fmt::format(kFunction, WordList(names), WordList(ClassAndSourceNames()),
+            WordList(fernwick::SourceNames()), optionCases, commandCases);
 }

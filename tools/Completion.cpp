@@ -1,5 +1,6 @@
 #include "tools/Completion.h"
 #include "host/shading/Plots.h"
+#include "host/sources/Sources.h"
 #include "host/validation/Validation.h"
 #include "tools/BakeOptions.h"
 #include "tools/Names.h"
@@ -52,7 +53,7 @@ CompletedValue CompletedValueOf(const CLI::Option& option)
     if (type == "CHANNEL")
         return {.words = ChannelNames()};
     if (type == "SOURCE")
-        return {.words = SourceNames(), .isFile = true};
+        return {.words = fernwick::SourceNames(), .isFile = true};
     if (type == "SHAPE")
         return {.words = ShadeShapes(), .isFile = true};
     if (type == "PLOT")

@@ -20,7 +20,7 @@ std::string CheckFrames(const std::string& text)
         : "";
 }
 
-void AddGraphSettings(CLI::App& command, GraphSettings& settings)
+void AddGraphSettings(CLI::App& command, fernwick::GraphSettings& settings)
 {
     command
         .add_option("--set", settings.sets,

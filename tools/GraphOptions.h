@@ -1,21 +1,14 @@
 #pragma once
-#include <string>
-#include <vector>
+#include "host/documents/GraphSettings.h"
 
 namespace CLI {
 class App;
 } // namespace CLI
 
-/// What a command line changes in a graph.
-struct GraphSettings {
-    std::vector<std::string> sets;  ///< such as `drop.fWaves=5`; a later one counts
-    std::vector<std::string> plugs; ///< such as `key.fSubShader=ramp:v`
-};
-
 /// What the commands share that make pictures of a graph in a file.
 struct GraphOptions {
     std::string graph;
-    GraphSettings settings;
+    fernwick::GraphSettings settings;
     std::string frames; ///< such as `1-24`; empty for the first
 };
 

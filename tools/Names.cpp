@@ -24,15 +24,7 @@ std::vector<std::string> ClassAndSourceNames()
     std::vector<std::string> names;
     for (const fernwick::ParameterTable& table : fernwick::AllClasses())
         names.push_back(table.fName);
-    const std::vector<std::string> sources = SourceNames();
+    const std::vector<std::string> sources = fernwick::SourceNames();
     names.insert(names.end(), sources.begin(), sources.end());
-    return names;
-}
-
-std::vector<std::string> SourceNames()
-{
-    std::vector<std::string> names;
-    for (const fernwick::SourceKind& source : fernwick::AllSources())
-        names.push_back(source.fTable.fName);
     return names;
 }

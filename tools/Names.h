@@ -9,5 +9,3 @@ const fernwick::ParameterTable& RequireTable(const std::string& name);
 
 /// The names of all classes, then those of all sources.
 std::vector<std::string> ClassAndSourceNames();
-
-std::vector<std::string> SourceNames();

@@ -1,4 +1,5 @@
 #include "tools/RunCommand.h"
+#include "host/documents/SettingText.h"
 #include "tools/Commands.h"
 #include "tools/Interrupt.h"
 #include "tools/ParseFailure.h"
@@ -45,6 +46,9 @@ int Run(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return AnswerParseError(app, error);
     } catch (const UsageError& error) {
+        TellFailure(error);
+        return kBadUsage;
+    } catch (const fernwick::SettingError& error) {
         TellFailure(error);
         return kBadUsage;
     } catch (const Interrupted& stop) {

@@ -1,3 +1,4 @@
+#include "host/sources/Sources.h"
 #include "tools/Completion.h"
 #include "tools/HelpTree.h"
 #include "tools/Names.h"
@@ -131,6 +132,6 @@ std::string ZshCompletion(const CLI::App& app)
         cases += CommandCase(*command);
     }
     return kHead + FieldFunctions()
-        + fmt::format(kFunctions, WordList(ClassAndSourceNames()), WordList(SourceNames()), descriptions,
-            OptionArguments(app), cases);
+        + fmt::format(kFunctions, WordList(ClassAndSourceNames()), WordList(fernwick::SourceNames()),
+            descriptions, OptionArguments(app), cases);
 }

@@ -95,4 +95,12 @@ const SourceKind* FindSource(std::string_view name)
     return nullptr;
 }
 
+std::vector<std::string> SourceNames()
+{
+    std::vector<std::string> names;
+    for (const SourceKind& kind : AllSources())
+        names.push_back(kind.fTable.fName);
+    return names;
+}
+
 } // namespace fernwick

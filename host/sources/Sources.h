@@ -30,6 +30,9 @@ std::span<const SourceKind> AllSources();
 /// The kind of exactly this name; null when there is none.
 const SourceKind* FindSource(std::string_view name);
 
+/// The names of all kinds.
+std::vector<std::string> SourceNames();
+
 /// Makes a source of a kind out of `AllSources`. Throws `SourceError`.
 MCCountedPtr<IShellShader> MakeSource(const SourceKind& kind, std::span<const FieldSetting> settings);
 

@@ -1,3 +1,4 @@
+#include "host/documents/GroundDocument.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 #include "tools/Outcome.h"
@@ -5,7 +6,6 @@
 #include "tools/ReportSummary.h"
 #include "tools/Tell.h"
 #include "tools/pictures/BakeOnto.h"
-#include "tools/pictures/GroundDocument.h"
 #include "tools/pictures/Shots.h"
 
 void RunBake(const BakeCommandOptions& options)
@@ -25,7 +25,8 @@ void RunBake(const BakeCommandOptions& options)
             RequireTarget(optionsOf(shot));
     WatchForInterrupt();
     const auto graph = OpenGraph(options.graph);
-    const auto ground = options.bake.over.empty() ? nullptr : MakeGround(options.bake.over);
+    const auto ground
+        = options.bake.over.empty() ? nullptr : MakeGround(fernwick::ReadGround(options.bake.over));
     TellAlike(shots, graph->HasKeys() || (ground && ground->HasKeys()));
     fernwick::Library library(FindLibrary(options.library));
     const ReportSummary reports(library.HostUtilities().Debug());

@@ -1,3 +1,4 @@
+#include "host/documents/GroundDocument.h"
 #include "tools/Interrupt.h"
 #include "tools/LibraryOption.h"
 #include "tools/Outcome.h"
@@ -5,7 +6,6 @@
 #include "tools/ReportSummary.h"
 #include "tools/Tell.h"
 #include "tools/pictures/BakeToFile.h"
-#include "tools/pictures/GroundDocument.h"
 #include "tools/pictures/PictureDoubts.h"
 #include "tools/pictures/PictureJob.h"
 #include "tools/pictures/SampleReport.h"
@@ -83,7 +83,7 @@ void RunShade(const ShadeOptions& options)
         return;
     std::optional<fernwick::GraphDocument> ground;
     if (!options.bake.over.empty())
-        ground = MakeGround(options.bake.over)->At(fernwick::kFirstFrame);
+        ground = MakeGround(fernwick::ReadGround(options.bake.over))->At(fernwick::kFirstFrame);
     if (options.settings.shape != kUVSquareShape)
         RenderToFile(library, document, options);
     else

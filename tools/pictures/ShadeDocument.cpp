@@ -1,8 +1,9 @@
 #include "tools/pictures/ShadeDocument.h"
+#include "host/documents/SettingText.h"
 #include "host/sources/Sources.h"
 #include "tools/Names.h"
 #include "tools/Outcome.h"
-#include "tools/pictures/FieldSettings.h"
+#include "tools/Tell.h"
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
@@ -62,14 +63,14 @@ Json SceneOf(const std::string& shape, bool isLit)
 
 void ReadSets(const ShadeSettings& settings, const fernwick::ParameterTable& table, Json& shader)
 {
-    Repetitions repetitions;
+    fernwick::Repetitions repetitions(Tell);
     for (const std::string& text : settings.sets) {
-        const Assignment set = Split(text, "--set", "fCount=8");
+        const fernwick::Assignment set = fernwick::Split(text, "--set", "fCount=8");
         if (set.field == "class" || set.field == "source")
             throw UsageError(fmt::format("{}.{}: {} has no such field", table.fName, set.field, table.fName));
         RequireOption(table, set.field, false, table.fName);
         repetitions.Add("--set", table.fName + '.' + set.field);
-        Put(shader, set.field, ValueOf(table, set, table.fName));
+        fernwick::Put(shader, set.field, ValueOf(table, set, table.fName));
     }
 }
 
@@ -77,15 +78,15 @@ void ReadSets(const ShadeSettings& settings, const fernwick::ParameterTable& tab
 void ReadPlugs(
     const ShadeSettings& settings, const fernwick::ParameterTable& table, Json& shader, Json& shaders)
 {
-    Repetitions repetitions;
+    fernwick::Repetitions repetitions(Tell);
     for (const std::string& text : settings.plugs) {
-        const Assignment plug = Split(text, "--plug", "fSubShader=checker");
+        const fernwick::Assignment plug = fernwick::Split(text, "--plug", "fSubShader=checker");
         RequireOption(table, plug.field, true, table.fName);
         repetitions.Add("--plug", table.fName + '.' + plug.field);
         const std::string plugged = settings.name + '.' + plug.field;
-        shaders[plugged] = SourceOf(plug.value, "--plug", plugged);
+        shaders[plugged] = fernwick::SourceOf(plug.value, "--plug", plugged);
         const size_t count = CountSlots(table, plug.field);
-        Put(shader, plug.field, count > 0 ? Json(std::vector(count, plugged)) : Json(plugged));
+        fernwick::Put(shader, plug.field, count > 0 ? Json(std::vector(count, plugged)) : Json(plugged));
     }
 }
 

@@ -2,13 +2,12 @@
 #include "tools/Frames.h"
 #include "tools/Outcome.h"
 #include "tools/Tell.h"
-#include "tools/pictures/GraphSettings.h"
 #include <fmt/format.h>
 
 std::unique_ptr<fernwick::GraphSequence> OpenGraph(const GraphOptions& options)
 {
     fernwick::Json document = fernwick::ReadGraphFile(options.graph);
-    Apply(options.settings, document);
+    Apply(options.settings, document, Tell);
     return std::make_unique<fernwick::GraphSequence>(
         std::move(document), std::filesystem::path(options.graph));
 }

@@ -3,7 +3,8 @@
 #include "tools/GraphOptions.h"
 #include <functional>
 
-/// The graph with what the command line sets in it. Throws `fernwick::GraphError` and `UsageError`.
+/// The graph with what the command line sets in it. Throws `fernwick::GraphError` and
+/// `fernwick::SettingError`.
 std::unique_ptr<fernwick::GraphSequence> OpenGraph(const GraphOptions& options);
 
 /// A graph at one frame.

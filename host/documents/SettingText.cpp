@@ -1,31 +1,29 @@
-#include "tools/pictures/FieldSettings.h"
+#include "host/documents/SettingText.h"
 #include "host/documents/HexColor.h"
 #include "host/sources/Sources.h"
-#include "tools/Outcome.h"
-#include "tools/Tell.h"
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
 #include <optional>
 
-using fernwick::Json;
+namespace fernwick {
 
 namespace {
 
-/// `#ff8800`, `#f80` or `1,0.5,0` as the numbers of a colour, else the text as it is. Throws `UsageError` for any
+/// `#ff8800`, `#f80` or `1,0.5,0` as the numbers of a colour, else the text as it is. Throws `SettingError` for any
 /// other text that begins as a colour of the web, and for an alpha that isn't wanted.
 /// @param channels  3, or 4 with alpha
 Json ColorOf(const std::string& text, size_t channels, const std::string& place)
 {
     const bool isHex = text.starts_with('#');
-    const auto color = fernwick::ReadHexColor(text);
+    const auto color = ReadHexColor(text);
     if (isHex && !color)
-        throw UsageError(
+        throw SettingError(
             fmt::format("{}: \"{}\" is no colour; a colour is like #ff8800, #f80 or 1,0.5,0", place, text));
     const bool hasAlpha
         = isHex && (text.size() == std::size("#rgba") - 1 || text.size() == std::size("#rrggbbaa") - 1);
     if (hasAlpha && channels < 4)
-        throw UsageError(fmt::format("{}: this colour has no alpha; leave it out of \"{}\"", place, text));
+        throw SettingError(fmt::format("{}: this colour has no alpha; leave it out of \"{}\"", place, text));
     if (color) {
         Json numbers = {color->fRed, color->fGreen, color->fBlue};
         if (channels > 3)
@@ -51,10 +49,10 @@ constexpr Argument kArguments[] = {
 };
 
 /// Takes a choice such as `:linear` off the end of a picture's name, unless there is a file of the whole name.
-std::optional<std::string> TakeEncoding(const fernwick::Field& encoding, std::string& name)
+std::optional<std::string> TakeEncoding(const Field& encoding, std::string& name)
 {
     std::error_code ignored;
-    for (const fernwick::Choice& choice : encoding.fChoices)
+    for (const Choice& choice : encoding.fChoices)
         if (name.ends_with(':' + choice.fLabel) && !std::filesystem::exists(name, ignored)) {
             name.resize(name.size() - choice.fLabel.size() - 1);
             return choice.fLabel;
@@ -62,7 +60,7 @@ std::optional<std::string> TakeEncoding(const fernwick::Field& encoding, std::st
     return std::nullopt;
 }
 
-bool IsSlot(const fernwick::Field& field) { return field.fType == fernwick::FieldType::kShader; }
+bool IsSlot(const Field& field) { return field.fType == FieldType::kShader; }
 
 } // namespace
 
@@ -70,24 +68,23 @@ Assignment Split(const std::string& text, const char* option, const char* exampl
 {
     const size_t sign = text.find('=');
     if (sign == std::string::npos || sign == 0)
-        throw UsageError(
+        throw SettingError(
             fmt::format("{}: \"{}\" has no field and value; it is like {}", option, text, example));
     return {text.substr(0, sign), text.substr(sign + 1)};
 }
 
-Json ValueOf(const fernwick::ParameterTable& table, const Assignment& set, const std::string& shader)
+Json ValueOf(const ParameterTable& table, const Assignment& set, const std::string& shader)
 {
-    using fernwick::FieldType;
-    const fernwick::Field* const field = table.Find(set.field);
+    const Field* const field = table.Find(set.field);
     const FieldType type = field != nullptr ? field->fType : FieldType::kFloat;
     if ((type == FieldType::kRGB || type == FieldType::kRGBA) && !Json::accept(set.value))
         return ColorOf(set.value, type == FieldType::kRGB ? 3 : 4, shader + '.' + set.field);
     const bool isLabel = field != nullptr
         && std::any_of(field->fChoices.begin(), field->fChoices.end(),
-            [&set](const fernwick::Choice& choice) { return choice.fLabel == set.value; });
+            [&set](const Choice& choice) { return choice.fLabel == set.value; });
     if (isLabel || !Json::accept(set.value))
         return set.value;
-    Json value = fernwick::ParseJson(set.value);
+    Json value = ParseJson(set.value);
     const bool holdsText = type == FieldType::kString || type == FieldType::kFile;
     return holdsText && !value.is_string() ? Json(set.value) : value;
 }
@@ -103,15 +100,15 @@ Json SourceOf(const std::string& text, const char* option, const std::string& sh
     const size_t colon = text.find(':');
     const std::string name = text.substr(0, colon);
     Json source = {{"source", name}};
-    const fernwick::SourceKind* const kind = fernwick::FindSource(name);
+    const SourceKind* const kind = FindSource(name);
     if (colon == std::string::npos || kind == nullptr)
         return source;
     const auto argument = std::find_if(std::begin(kArguments), std::end(kArguments),
         [&name](const Argument& candidate) { return candidate.source == name; });
     if (argument == std::end(kArguments))
-        throw UsageError(fmt::format("{}: {} takes nothing behind a colon", option, name));
+        throw SettingError(fmt::format("{}: {} takes nothing behind a colon", option, name));
     std::string value = text.substr(colon + 1);
-    if (const fernwick::Field* const encoding = kind->fTable.Find("encoding"))
+    if (const Field* const encoding = kind->fTable.Find("encoding"))
         if (const auto label = TakeEncoding(*encoding, value))
             source["encoding"] = *label;
     source[argument->field] = ValueOf(kind->fTable, {argument->field, value}, shader);
@@ -121,24 +118,24 @@ Json SourceOf(const std::string& text, const char* option, const std::string& sh
 void Repetitions::Add(const char* option, const std::string& field)
 {
     if (++fCounts[field] == 2)
-        Tell(fmt::format("{}: {} is given more than once; the last one counts", option, field));
+        fTell(fmt::format("{}: {} is given more than once; the last one counts", option, field));
 }
 
-size_t CountSlots(const fernwick::ParameterTable& table, const std::string& name)
+size_t CountSlots(const ParameterTable& table, const std::string& name)
 {
-    return static_cast<size_t>(
-        std::count_if(table.fFields.begin(), table.fFields.end(), [&name](const fernwick::Field& field) {
-            return IsSlot(field) && field.fName.starts_with(name + '[');
-        }));
+    return static_cast<size_t>(std::count_if(table.fFields.begin(), table.fFields.end(),
+        [&name](const Field& field) { return IsSlot(field) && field.fName.starts_with(name + '['); }));
 }
 
 void RequireOption(
-    const fernwick::ParameterTable& table, const std::string& name, bool isPlug, const std::string& shader)
+    const ParameterTable& table, const std::string& name, bool isPlug, const std::string& shader)
 {
-    const fernwick::Field* const field = table.Find(name);
+    const Field* const field = table.Find(name);
     const std::string taken = table.AddressText(name);
     if (isPlug && !taken.empty() && (field == nullptr || !IsSlot(*field)) && CountSlots(table, name) == 0)
-        throw UsageError(fmt::format("--plug: {}.{} takes {}; give it with --set", shader, name, taken));
+        throw SettingError(fmt::format("--plug: {}.{} takes {}; give it with --set", shader, name, taken));
     if (!isPlug && ((field != nullptr && IsSlot(*field)) || CountSlots(table, name) > 0))
-        throw UsageError(fmt::format("--set: {}.{} takes a shader; give it with --plug", shader, name));
+        throw SettingError(fmt::format("--set: {}.{} takes a shader; give it with --plug", shader, name));
 }
+
+} // namespace fernwick

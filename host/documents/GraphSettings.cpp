@@ -1,18 +1,14 @@
-#include "tools/pictures/GraphSettings.h"
+#include "host/documents/GraphSettings.h"
 #include "host/documents/GraphSequence.h"
 #include "host/json/FieldReader.h"
 #include "host/json/Nearest.h"
-#include "tools/Outcome.h"
-#include "tools/pictures/FieldSettings.h"
 #include <filesystem>
 #include <fmt/format.h>
 #include <optional>
 
-namespace {
+namespace fernwick {
 
-using fernwick::Json;
-using fernwick::ParameterTable;
-using fernwick::TableOf;
+namespace {
 
 /// A field that the command line gives, and whose it is.
 struct Target {
@@ -39,7 +35,9 @@ void MakeAbsolute(Json& file)
 /// Takes settings into the shaders of a document.
 class Setter {
 public:
-    Setter(Json& shaders, std::string output) : fShaders(shaders), fOutput(std::move(output)) { }
+    Setter(Json& shaders, std::string output, const TellSlip& tell)
+        : fShaders(shaders), fOutput(std::move(output)), fRepetitions(tell)
+    { }
 
     void Plug(const std::string& text)
     {
@@ -66,8 +64,8 @@ public:
             return;
         const auto& [target, table, written] = *given;
         Json value = ValueOf(table, {target.field, written}, "--set " + target.shader);
-        if (const fernwick::Field* const field = table.Find(target.field);
-            field != nullptr && field->fType == fernwick::FieldType::kFile)
+        if (const Field* const field = table.Find(target.field);
+            field != nullptr && field->fType == FieldType::kFile)
             MakeAbsolute(value);
         Store("--set", table, target, std::move(value));
     }
@@ -108,8 +106,8 @@ private:
         if (dot == std::string::npos || isOutputs)
             return {fOutput, address};
         const std::string name = address.substr(0, dot);
-        throw UsageError(
-            fmt::format("{}: there is no shader \"{}\"{}", option, name, fernwick::NearestHint(name, names)));
+        throw SettingError(
+            fmt::format("{}: there is no shader \"{}\"{}", option, name, NearestHint(name, names)));
     }
 
     /// A name that no shader has.
@@ -123,31 +121,31 @@ private:
     /// Stores what the field can take, and throws for what it can't.
     void Store(const char* option, const ParameterTable& table, const Target& target, Json value)
     {
-        fernwick::ShaderNames names;
+        ShaderNames names;
         for (const auto& [name, shader] : fShaders.items())
             names.emplace(name, names.size());
         const std::filesystem::path nowhere;
         const Json first = AtFirstFrame(table, target.field, value);
-        const fernwick::JsonNode node(first, fmt::format("{} {}", option, target.Name()));
-        std::vector<fernwick::FieldSetting> ignored;
-        fernwick::FieldReader(table, names, nowhere).Read(target.field, node, ignored);
+        const JsonNode node(first, fmt::format("{} {}", option, target.Name()));
+        std::vector<FieldSetting> ignored;
+        FieldReader(table, names, nowhere).Read(target.field, node, ignored);
         Put(fShaders[target.shader], target.field, std::move(value));
     }
 
     /// What a value that may be keyed is at first.
     static Json AtFirstFrame(const ParameterTable& table, const std::string& field, const Json& value)
     {
-        const char* const sort = fernwick::FindSource(table.fName) != nullptr ? "source" : "class";
+        const char* const sort = FindSource(table.fName) != nullptr ? "source" : "class";
         const std::string given = "--set";
         Json document = {{"shaders", {{given, {{sort, table.fName}, {field, value}}}}}};
-        fernwick::Keys(document).Store(fernwick::kFirstFrame);
+        Keys(document).Store(kFirstFrame);
         return document["shaders"][given][field];
     }
 };
 
 } // namespace
 
-void Apply(const GraphSettings& settings, Json& document)
+void Apply(const GraphSettings& settings, Json& document, const TellSlip& tell)
 {
     if (!document.is_object() || !document.contains("shaders") || !document.contains("output"))
         return;
@@ -156,14 +154,16 @@ void Apply(const GraphSettings& settings, Json& document)
     if (!shaders.is_object() || !output.is_string() || !shaders.contains(output.get<std::string>()))
         return;
     try {
-        Setter setter(shaders, output.get<std::string>());
+        Setter setter(shaders, output.get<std::string>(), tell);
         for (const std::string& plug : settings.plugs)
             setter.Plug(plug);
         for (const std::string& set : settings.sets)
             setter.Set(set);
-    } catch (const fernwick::GraphError& error) {
-        throw UsageError(error.what());
+    } catch (const GraphError& error) {
+        throw SettingError(error.what());
     } catch (const Json::exception&) {
-        throw UsageError("--set, --plug: a text isn't UTF-8");
+        throw SettingError("--set, --plug: a text isn't UTF-8");
     }
 }
+
+} // namespace fernwick
