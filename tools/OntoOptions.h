@@ -1,5 +1,5 @@
 #pragma once
-#include "host/documents/GltfFile.h"
+#include <string>
 
 namespace CLI {
 class App;
@@ -25,10 +25,9 @@ struct MaterialShader {
     const char* name; ///< of its map, as an output
     const char* option;
     std::string OntoOptions::*shader;
-    std::string fernwick::GltfMaps::*map;
 };
 
 inline constexpr MaterialShader kMaterialShaders[] = {
-    {"roughness", "--gltf-roughness", &OntoOptions::roughness, &fernwick::GltfMaps::fRoughness},
-    {"occlusion", "--gltf-occlusion", &OntoOptions::occlusion, &fernwick::GltfMaps::fOcclusion},
+    {"roughness", "--gltf-roughness", &OntoOptions::roughness},
+    {"occlusion", "--gltf-occlusion", &OntoOptions::occlusion},
 };

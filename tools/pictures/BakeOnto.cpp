@@ -1,5 +1,5 @@
 #include "tools/pictures/BakeOnto.h"
-#include "host/documents/ModelScene.h"
+#include "host/documents/ModelFile.h"
 #include "host/files/OutputFile.h"
 #include "host/json/Nearest.h"
 #include "host/pictures/Margin.h"
@@ -11,8 +11,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -94,15 +92,6 @@ size_t FindShader(const fernwick::GraphDocument& document, const MaterialShader&
     }
     throw UsageError(
         fmt::format("{}: there is no shader \"{}\"{}", row.option, name, fernwick::NearestHint(name, names)));
-}
-
-std::string BytesOf(const std::string& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream || bytes.empty())
-        throw fernwick::FileError(file + ": can't be read back");
-    return bytes;
 }
 
 /// Bakes all that one command line asks for.
@@ -189,18 +178,15 @@ private:
     void WriteModel() const
     {
         const BakeOptions options = OptionsOf(fSurvey.fTiles.front());
-        fernwick::GltfMaps maps;
-        for (const std::string& channel : options.channels)
-            if (channel == "color" || channel == "main")
-                maps.fColor = BytesOf(FileOfOutput(options, channel));
-            else if (channel == "normal")
-                maps.fNormal = BytesOf(FileOfOutput(options, channel));
+        std::vector<fernwick::MaterialPicture> pictures;
+        for (const fernwick::BakeChannel channel : fJob.channels) {
+            const std::string output(NameOf(channel));
+            pictures.push_back({output, FileOfOutput(options, output)});
+        }
         for (const MaterialShader& row : kMaterialShaders)
             if (const std::string& shader = fOnto.*row.shader; !shader.empty())
-                maps.*row.map = BakeMap(row, shader);
-        const std::string file = GltfFile(GltfMeshesOf(fModel, fSet), maps);
-        fernwick::MakeFolderOf(fOnto.gltf);
-        fernwick::WriteFile(fOnto.gltf, file);
+                pictures.push_back({row.name, BakeMap(row, shader)});
+        fernwick::WriteModel(fOnto.gltf, fModel, fSet, pictures);
     }
 
     /// Throws when there is no such shader, or it has no value.
@@ -211,7 +197,8 @@ private:
         RequireChannels(fLibrary, fModel.fDocument.WithOutput(output), kValue);
     }
 
-    /// The value of one of the graph's shaders, beside the other maps.
+    /// Bakes the value of one of the graph's shaders, beside the other maps.
+    /// @return the picture file
     std::string BakeMap(const MaterialShader& row, const std::string& shader) const
     {
         const size_t output = FindShader(fModel.fDocument, row, shader);
@@ -221,9 +208,10 @@ private:
         options.picture.file = FileOfOutput(options, row.name);
         options.picture.layout.bits = 8;
         options.over.clear();
+        options.isLit = false;
         options.isDirectX = false;
         BakeTile(model, fSurvey.fTiles.front(), options);
-        return BytesOf(options.picture.file);
+        return options.picture.file;
     }
 };
 
