@@ -51,11 +51,17 @@ def check_field(table: str, address: str, json: str, shaders: Several[str]) -> N
     shaders: the names that a slot may take.
     """
 
+def nearest_hint(name: str, known: Several[str]) -> str:
+    """Such as `; did you mean "fMode"?`, or nothing when no known name is like it."""
+
 def hex_color(text: str) -> list[float] | None:
     """A colour as the web writes it, such as #c83c14: linear light and a straight alpha. None for any other text."""
 
 def channel_names() -> list[str]:
     """What can be baked: color, main, alpha, second, third, fourth, normal, coverage, value, lit."""
+
+def has_ground(channel: str) -> bool:
+    """Whether it is a colour, under which another graph can lie."""
 
 def layer_groups() -> list[str]:
     """What can be rendered beside the colour, such as second and normal."""
@@ -120,6 +126,17 @@ def write_file(path: str, text: str) -> None:
 def read_json(path: str) -> str:
     """The text of a graph's file, read and parsed as the command does. Raises GraphError, which names the file."""
 
+def apply_settings(json: str, sets: Several[str], plugs: Several[str], tell: Callable[[str], object]) -> str:
+    """A document with fields set and shaders plugged in, as the command's --set and --plug take them. Relative files are
+    found from the current folder. ValueError, whose text starts with the option.
+
+    tell: is told of what is given twice.
+    """
+
+def read_ground(over: str) -> tuple[str, str]:
+    """The graph that the command's --over names, and its file; empty for a source. ValueError for a source that isn't
+    one. Raises GraphError for a file."""
+
 widest_margin: int
 longest_side_onto: int  # of a picture of a model, in pixels
 
@@ -148,6 +165,22 @@ def bake(
 def tiles(document: Document, width: int, height: int, onto: str | Mesh, node: str, uv_set: int) -> list[int]:
     """The numbers of the tiles that a model is laid out on, ascending."""
 
+def require_channels(document: Document, channels: Several[str]) -> None:
+    """Raises BakeError or GraphError for what `bake` can't make of a document."""
+
+def require_ground(over: Document, channels: Several[str]) -> None:
+    """The same for what lies under some channels."""
+
+def write_model(
+    document: Document, path: str, onto: str | Mesh, node: str, uv_set: int, pictures: Several[tuple[str, str]]
+) -> None:
+    """Writes what is baked onto as a .glb file with pictures in it.
+
+    pictures: output and file; of the outputs color, main, normal, roughness and occlusion go into the model.
+
+    Raises GraphError, ModelError, FileError.
+    """
+
 def render(
     document: Document,
     width: int,
@@ -160,6 +193,9 @@ def render(
     progress: Progress,
 ) -> dict[str, Floats]:
     """ "color", (height, width, 4), and each group of layers, (height, width) or (height, width, numbers)."""
+
+def require_view(document: Document, camera: str) -> None:
+    """Raises RenderError or GraphError for what `render` can't make of a document."""
 
 def shade(
     document: Document,
@@ -216,6 +252,17 @@ class RowWriter:
     def finish(self) -> None: ...
     def abandon(self) -> None: ...
 
+def require_fit(path: str, bits: int = ..., straight: bool = ..., tiled: bool = ..., compression: str = ...) -> None:
+    """Raises FileError for a name that no picture has, and a layout that isn't one of its format."""
+
+def require_writable(path: str) -> None:
+    """Raises FileError for a file that can't be written. Folders may be missing."""
+
+def is_stream(path: str) -> bool:
+    """Whether a name stands for stdout, a pipe or a device."""
+
+def holds_layers(path: str) -> bool: ...
+def compressions() -> list[str]: ...
 def encode(pixels: Floats, content: str) -> NDArray[np.uint8]:
     """The integers that a PNG of 8 bits holds of pixels of the shape (height, width, 4)."""
 

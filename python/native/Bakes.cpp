@@ -1,4 +1,4 @@
-#include "host/documents/ModelScene.h"
+#include "host/documents/ModelFile.h"
 #include "host/pictures/Margin.h"
 #include "host/shading/Bake.h"
 #include "host/shading/MarginStage.h"
@@ -24,11 +24,16 @@ using fernwick::PictureRegion;
 /// A file's name, or a mesh.
 using Model = std::variant<std::string, const PyMesh*>;
 
-BakeChannel ChannelOf(const std::string& name)
+std::vector<BakeChannel> ChannelsOf(const std::vector<std::string>& names)
 {
-    if (const auto channel = fernwick::FindBakeChannel(name))
-        return *channel;
-    throw fernwick::BakeError(fmt::format("there is no output \"{}\"", name));
+    std::vector<BakeChannel> channels;
+    for (const std::string& name : names) {
+        const auto channel = fernwick::FindBakeChannel(name);
+        if (!channel)
+            throw fernwick::BakeError(fmt::format("there is no output \"{}\"", name));
+        channels.push_back(*channel);
+    }
+    return channels;
 }
 
 bool IsNumber(BakeChannel channel) { return ContentOf(channel) == fernwick::PictureContent::kValue; }
@@ -149,9 +154,7 @@ std::vector<Floats> BakeArrays(const PyDocument& document, int width, int height
     BakeJob job;
     job.width = width;
     job.height = height;
-    job.channels.clear();
-    for (const std::string& channel : channels)
-        job.channels.push_back(ChannelOf(channel));
+    job.channels = ChannelsOf(channels);
     job.samples = samples;
     job.region = PictureRegionOf(region);
     job.green = isGreenDown ? fernwick::GreenDirection::kDown : fernwick::GreenDirection::kUp;
@@ -184,6 +187,36 @@ std::vector<int> Tiles(
     return numbers;
 }
 
+void RequireChannels(const PyDocument& document, const std::vector<std::string>& channels)
+{
+    Serve(py::none(),
+        [&](Control&) { RequireChannels(LoadedLibrary(), document.fGraph, ChannelsOf(channels)); });
+}
+
+void RequireGround(const PyDocument& over, const std::vector<std::string>& channels)
+{
+    std::vector<BakeChannel> grounds;
+    for (const BakeChannel channel : ChannelsOf(channels))
+        if (HasGround(channel))
+            grounds.push_back(GroundOf(channel));
+    Serve(py::none(), [&](Control&) { RequireChannels(LoadedLibrary(), over.fGraph, grounds); });
+}
+
+void WriteModel(const PyDocument& document, const std::string& path, const Model& onto,
+    const std::string& node, int set, const std::vector<std::pair<std::string, std::string>>& pictures)
+{
+    std::vector<fernwick::MaterialPicture> material;
+    for (const auto& [output, file] : pictures)
+        material.push_back({output, file});
+    Serve(py::none(), [&](Control&) {
+        try {
+            fernwick::WriteModel(path, PutOnto(document, onto, node), static_cast<size_t>(set), material);
+        } catch (const fernwick::GltfError& error) {
+            throw fernwick::SceneFileError(error.what());
+        }
+    });
+}
+
 } // namespace
 
 void AddBakes(py::module_& module)
@@ -196,4 +229,10 @@ void AddBakes(py::module_& module)
         py::arg("threads"), py::arg("progress"));
     module.def("tiles", &Tiles, py::arg("document"), py::arg("width"), py::arg("height"), py::arg("onto"),
         py::arg("node"), py::arg("uv_set"));
+    module.def("require_channels",
+        py::overload_cast<const PyDocument&, const std::vector<std::string>&>(&RequireChannels),
+        py::arg("document"), py::arg("channels"));
+    module.def("require_ground", &RequireGround, py::arg("over"), py::arg("channels"));
+    module.def("write_model", &WriteModel, py::arg("document"), py::arg("path"), py::arg("onto"),
+        py::arg("node"), py::arg("uv_set"), py::arg("pictures"));
 }

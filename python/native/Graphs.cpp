@@ -1,10 +1,13 @@
 #include "python/native/Graphs.h"
+#include "host/documents/GraphSettings.h"
+#include "host/documents/GroundDocument.h"
 #include "host/files/OutputFile.h"
 #include "host/shading/Answers.h"
 #include "host/shading/BakeReading.h"
 #include "python/native/Pictures.h"
 #include "python/native/Rooms.h"
 #include "python/native/Serve.h"
+#include <pybind11/functional.h>
 #include <pybind11/stl.h>
 
 namespace py = pybind11;
@@ -67,6 +70,22 @@ void WriteText(const std::string& path, const std::string& text)
     fernwick::WriteFile(path, text);
 }
 
+std::string ApplySettings(const std::string& json, const std::vector<std::string>& sets,
+    const std::vector<std::string>& plugs, const fernwick::TellSlip& tell)
+{
+    fernwick::Json document = fernwick::ParseJson(json);
+    fernwick::Apply({.sets = sets, .plugs = plugs}, document, tell);
+    return document.dump();
+}
+
+std::pair<std::string, std::string> ReadGround(const std::string& over)
+{
+    fernwick::Ground ground = fernwick::ReadGround(over);
+    if (ground.fFile.empty())
+        MakeGround(ground); // throws for a picture that can't be read
+    return {ground.fDocument.dump(), ground.fFile.string()};
+}
+
 } // namespace
 
 void AddGraphs(py::module_& module)
@@ -98,4 +117,7 @@ void AddGraphs(py::module_& module)
     module.def(
         "read_json", [](const std::string& path) { return fernwick::ReadGraphFile(path).dump(); },
         py::arg("path"));
+    module.def("apply_settings", &ApplySettings, py::arg("json"), py::arg("sets"), py::arg("plugs"),
+        py::arg("tell"));
+    module.def("read_ground", &ReadGround, py::arg("over"));
 }

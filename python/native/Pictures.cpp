@@ -1,4 +1,5 @@
 #include "python/native/Pictures.h"
+#include "host/files/OutputFile.h"
 #include "host/pictures/PictureWriter.h"
 #include "host/sources/PictureSource.h"
 #include "python/native/Arrays.h"
@@ -225,4 +226,21 @@ void AddPictures(py::module_& module)
         .def("write", &RowWriter::Write, py::arg("rows"), py::arg("layers"))
         .def("finish", &RowWriter::Finish)
         .def("abandon", &RowWriter::Abandon);
+    module.def(
+        "require_fit",
+        [](const std::string& path, int bits, bool straight, bool tiled, const std::string& compression) {
+            fernwick::RequireFit(path, {bits, straight, tiled, compression});
+        },
+        py::arg("path"), py::arg("bits") = 0, py::arg("straight") = false, py::arg("tiled") = false,
+        py::arg("compression") = "");
+    module.def(
+        "require_writable", [](const std::string& path) { fernwick::RequireWritable(path); },
+        py::arg("path"));
+    module.def(
+        "is_stream", [](const std::string& path) { return fernwick::IsStream(path); }, py::arg("path"));
+    module.def(
+        "holds_layers", [](const std::string& path) { return fernwick::HoldsLayers(path); }, py::arg("path"));
+    module.def("compressions", [] {
+        return std::vector<std::string>(fernwick::Compressions().begin(), fernwick::Compressions().end());
+    });
 }

@@ -68,10 +68,21 @@ py::dict Render(const PyDocument& document, int width, int height, const std::st
     return ArraysOf(std::move(picture));
 }
 
+/// Begins to render and ends before the first tile.
+void RequireView(const PyDocument& document, const std::string& camera)
+{
+    fernwick::RenderJob job;
+    job.camera = camera;
+    const std::atomic<bool> isOver{true};
+    job.cancel = &isOver;
+    Serve(py::none(), [&](Control&) { fernwick::Render(LoadedLibrary(), document.fGraph, job); });
+}
+
 } // namespace
 
 void AddRenders(py::module_& module)
 {
     module.def("render", &Render, py::arg("document"), py::arg("width"), py::arg("height"), py::arg("camera"),
         py::arg("samples"), py::arg("layers"), py::arg("region"), py::arg("threads"), py::arg("progress"));
+    module.def("require_view", &RequireView, py::arg("document"), py::arg("camera"));
 }

@@ -1,5 +1,6 @@
 #include "host/documents/HexColor.h"
 #include "host/json/FieldReader.h"
+#include "host/json/Nearest.h"
 #include "host/shading/Answers.h"
 #include "host/shading/BakeChannels.h"
 #include "host/shading/Description.h"
@@ -100,8 +101,7 @@ void AddTables(py::module_& module)
 {
     module.def("class_names",
         [] { return Names(fernwick::AllClasses(), [](const auto& table) { return table.fName; }); });
-    module.def("source_names",
-        [] { return Names(fernwick::AllSources(), [](const auto& kind) { return kind.fTable.fName; }); });
+    module.def("source_names", &fernwick::SourceNames);
     module.def("describe", &Describe, py::arg("name"));
     module.def(
         "layout", [](const std::string& name) { return JsonOf(TableOf(name).fRows).dump(); },
@@ -110,6 +110,13 @@ void AddTables(py::module_& module)
         py::arg("shaders"));
     module.def("channel_names",
         [] { return Names(fernwick::BakeChannels(), [](const auto& channel) { return channel.name; }); });
+    module.def(
+        "has_ground",
+        [](const std::string& channel) {
+            const auto found = fernwick::FindBakeChannel(channel);
+            return found && HasGround(*found);
+        },
+        py::arg("channel"));
     module.def("layer_groups", &fernwick::SurfaceLayerGroups);
     module.def(
         "layers",
@@ -119,4 +126,5 @@ void AddTables(py::module_& module)
         py::arg("groups"));
     module.def("operations", &Operations);
     module.def("hex_color", &HexColor, py::arg("text"));
+    module.def("nearest_hint", &fernwick::NearestHint, py::arg("name"), py::arg("known"));
 }
