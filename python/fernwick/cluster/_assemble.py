@@ -32,8 +32,6 @@ class PictureFiles:
 
     def __init__(self, picture: Picture, layout: Layout) -> None:
         """Raises FileError when a file can't be written."""
-        for file in picture.files.values():
-            file.parent.mkdir(parents=True, exist_ok=True)
         self._picture = picture
         self._writers: dict[str, Any] = {}
         try:
@@ -67,9 +65,11 @@ class PictureFiles:
             writer.abandon()
 
 
-def try_files(picture: Picture, layout: Layout) -> None:
+def require_files(picture: Picture, layout: Layout) -> None:
     """Whether a picture can be written. Raises FileError."""
-    PictureFiles(picture, layout).abandon()
+    for file in map(str, picture.files.values()):
+        _native.require_fit(file, layout.bits, layout.straight, layout.tiled, layout.compression)
+        _native.require_writable(file)
 
 
 def _rows(pieces: list[NDArray[np.float32]], top: int) -> NDArray[np.float32]:

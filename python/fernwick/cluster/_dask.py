@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import contextlib
+import dataclasses
 import importlib
 import signal
 import tempfile
@@ -17,13 +18,17 @@ try:
     distributed: Any = importlib.import_module("distributed")
 except ImportError as _error:
     raise ImportError(
-        "fernwick.cluster needs Dask distributed: apt-get install python3-distributed, or pip install distributed"
+        f"fernwick.cluster needs Dask distributed ({_error}): "
+        "apt-get install python3-distributed, or pip install distributed"
     ) from _error
 
 Client = Any  # distributed.Client
 Future = Any  # distributed.Future
 CancelledError: type[BaseException] = distributed.CancelledError
 KilledWorker: type[Exception] = distributed.KilledWorker
+
+
+version: str = distributed.__version__.partition("+")[0]  # behind the sign distributors put theirs
 
 
 class Interrupted(Exception):
@@ -80,12 +85,33 @@ def connect(address: str | None, workers: int, *, direct: bool = False) -> Itera
             processes=True,
             local_directory=folder,
             dashboard_address=":0",
-            silence_logs=40,  # errors only; workers that are lost are told of by the run
+            silence_logs=50,  # what goes wrong is told of by the run
         ) as cluster,
         distributed.Client(cluster, direct_to_workers=True) as client,
     ):
         client.register_worker_plugin(_Uninterrupted())
         yield client
+
+
+@dataclasses.dataclass(frozen=True)
+class Later:
+    """Stands for a client that is connected when the work begins, and all that may be wrong before is told."""
+
+    connect: Callable[[], contextlib.AbstractContextManager[Client]]
+
+
+@contextlib.contextmanager
+def connected(client: Client) -> Iterator[Client]:
+    """Raises Error where the scheduler has another Dask, with which much goes wrong in ways of its own."""
+    with client.connect() if isinstance(client, Later) else contextlib.nullcontext(client) as running:
+        theirs = version
+        with contextlib.suppress(OSError):  # a scheduler that is away, which the run waits for
+            if running.status == "running":
+                packages = running.sync(running.scheduler.versions)["packages"]
+                theirs = packages["distributed"].partition("+")[0]
+        if theirs != version:
+            raise Error(f"the scheduler has Dask distributed {theirs}, and this machine {version}; both need the same")
+        yield running
 
 
 def cheap_submission() -> contextlib.AbstractContextManager[object]:

@@ -12,9 +12,8 @@ from .. import _arguments, _native
 from .._arguments import PathLike, Progress, Region
 from .._errors import GraphError
 from .._graph import Graph
-from .._library import library
 from .._mesh import Mesh
-from ._assemble import Layout, try_files
+from ._assemble import Layout, require_files
 from ._dask import Client
 from ._facts import facts
 from ._files import hashes
@@ -36,7 +35,7 @@ class Wanted:
     region: Region | None = None
     over: Graph | None = None
     onto: str | Mesh | None = None
-    udims: list[int] = dataclasses.field(default_factory=lambda: [0])
+    udims: list[int] = dataclasses.field(default_factory=lambda: [0])  # 0 where there is no model
     strip: bool = False
 
     @property
@@ -55,32 +54,39 @@ class Means:
     progress: Progress | None
 
 
-def make(
-    client: Client,
-    graph: Graph,
-    path: PathLike,
-    wanted: Wanted,
-    frames: Iterable[float] | None,
-    layout: Layout,
-    means: Means,
-) -> list[Path]:
-    """As `bake` and `render`."""
+@dataclasses.dataclass(frozen=True)
+class Plan:
+    """A job that is checked, and can run."""
+
+    job: Job
+    pictures: list[Picture]
+    sources: dict[str, str]  # the files that it needs: names by hash
+    settings: Settings
+
+    def run(self, client: Client) -> list[Path]:
+        """Answers the files."""
+        Run(client, self.job, self.pictures, self.sources, self.settings).run()
+        return [file for picture in self.pictures for file in picture.files.values()]
+
+
+def plan(
+    graph: Graph, path: PathLike, wanted: Wanted, frames: Iterable[float] | None, layout: Layout, means: Means
+) -> Plan:
+    """Of what is wanted. Raises what `bake` and `render` raise before the work."""
     given = [graph.frame] if frames is None else frames
     chosen = sorted({_arguments.frame("frames", frame) for frame in given})
     pictures = _pictures(_arguments.path("path", path), wanted, means, chosen, frames is not None)
     known: dict[str, str] = {}
     files = {frame: hashes(_read(graph, wanted, frame), known) for frame in chosen}
-    library()
     over = None if wanted.over is None else wanted.over.__reduce__()[1]
     job = Job(wanted.kind, *wanted.size, graph.__reduce__()[1], over, wanted.onto, wanted.options, files, facts())
     require_memory(job, pictures, _arguments.integer("memory", means.memory, 1, 2**60))
     for picture in pictures:
-        try_files(picture, layout)
+        require_files(picture, layout)
     parts = None if means.resume is None else Parts(Path(_arguments.path("resume", means.resume)))
     timeout = _arguments.number("timeout", means.timeout, 0, above=True)
     settings = Settings(layout, means.memory, timeout, parts, _arguments.progress(means.progress))
-    Run(client, job, pictures, {each: file for file, each in known.items()}, settings).run()
-    return [file for picture in pictures for file in picture.files.values()]
+    return Plan(job, pictures, {each: file for file, each in known.items()}, settings)
 
 
 def _pictures(name: str, wanted: Wanted, means: Means, frames: list[float], is_sequence: bool) -> list[Picture]:
@@ -92,11 +98,12 @@ def _pictures(name: str, wanted: Wanted, means: Means, frames: list[float], is_s
         raise ValueError(f"path: {len(frames)} frames need a number in the name, as in ripple.####.png")
     if len(outputs) > 1 and "{output}" not in name:
         raise ValueError(
-            f"path: {len(outputs)} outputs need a file each; put {{output}} into the name, as in key.{{output}}.png"
+            f"{len(outputs)} outputs need a file each; put {{output}} into the name of the picture, "
+            "as in key.{output}.png"
         )
     if strip and layers:
         raise ValueError("strip: a strip has no layers; leave them out")
-    if layers and not name.lower().endswith(".exr"):
+    if layers and not _native.holds_layers(name):
         raise ValueError("layers: only an .exr holds them")
     tile = checked_tile(means.tile, wanted.kind)
     width, height = wanted.size
@@ -109,8 +116,12 @@ def _pictures(name: str, wanted: Wanted, means: Means, frames: list[float], is_s
     for group in [frames] if strip else [[frame] for frame in frames]:
         for udim in wanted.udims:
             frame = group[0] if is_sequence and not strip else None
-            paths = {each: Path(named(name, frame=frame, output=each, udim=udim)) for each in outputs}
-            units = bands(part, tile, group, udim, len(pictures))
+            several = len(wanted.udims) > 1
+            paths = {
+                each: Path(named(name, frame=frame, output=each, udim=udim, is_one_of_several=several))
+                for each in outputs
+            }
+            units = bands(part, tile, group, udim if several else 0, len(pictures))
             pictures.append(Picture(paths, width, height, region, layers, units))
     return pictures
 

@@ -11,7 +11,7 @@ from typing import Any
 from .._errors import Error, LibraryError
 from . import _worker
 from ._contents import Contents
-from ._dask import Client, Future, workers_of
+from ._dask import Client, Future, version, workers_of
 from ._events import Events
 from ._facts import differences, facts
 
@@ -38,7 +38,7 @@ class Members:
         self._client = client
         self._contents = contents
         self._events = events
-        self._facts = facts()
+        self._facts = facts() | {"Dask": version}
         self._members: dict[str, _Member] = {}
         self._idle_since = time.monotonic()
         self.is_busy: Callable[[], bool] = lambda: False

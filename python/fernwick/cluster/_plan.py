@@ -121,16 +121,21 @@ def _spans(first: int, last: int, step: int) -> list[tuple[int, int]]:
     return list(zip(cuts, cuts[1:]))
 
 
-def named(name: str, *, frame: float | None = None, output: str | None = None, udim: int = 0) -> str:
-    """A picture's name as the command makes it: ####, {frame}, {output} and {udim} stand for what they say."""
+def named(
+    name: str, *, frame: float | None = None, output: str | None = None, udim: int = 0, is_one_of_several: bool = False
+) -> str:
+    """A picture's name as the command makes it: ####, {frame}, {output} and {udim} stand for what they say.
+
+    :param is_one_of_several: UDIM tiles, whose numbers stand before the ending where the name has no place for them
+    """
     if frame is not None:
         name = "".join(_numbered(name, frame))
     if output is not None:
         name = name.replace("{output}", output)
-    if udim:
-        path = Path(name)
-        name = name.replace("{udim}", str(udim)) if "{udim}" in name else str(path.with_suffix(f".{udim}{path.suffix}"))
-    return name
+    if "{udim}" in name and udim:
+        return name.replace("{udim}", str(udim))
+    path = Path(name)
+    return str(path.with_suffix(f".{udim}{path.suffix}")) if is_one_of_several else name
 
 
 def has_frame_mark(name: str) -> bool:

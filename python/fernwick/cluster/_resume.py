@@ -9,6 +9,7 @@ from collections.abc import Iterable
 from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
+from .. import _native
 from .._errors import FileError
 from .._numpy import numpy
 from ._files import digest, put
@@ -57,7 +58,9 @@ class Parts:
 
     def finish(self, picture: str, files: Iterable[Path], keys: Iterable[str]) -> None:
         """Notes that a picture is written, and lets go of its units."""
-        put(self._note(picture), json.dumps([_seen(file) for file in files]).encode())
+        written = list(files)
+        if not any(_native.is_stream(str(file)) for file in written):
+            put(self._note(picture), json.dumps([_seen(file) for file in written]).encode())
         for key in keys:
             self._part(key).unlink(missing_ok=True)
 

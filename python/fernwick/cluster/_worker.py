@@ -17,7 +17,7 @@ from .. import _native
 from .._errors import Error, GraphError, ShaderWarning
 from .._graph import Graph, _remake
 from .._library import set_library
-from ._dask import offer, own_address, while_wanted, worker_folder
+from ._dask import offer, own_address, version, while_wanted, worker_folder
 from ._facts import Facts, facts, library_files
 from ._files import Store
 from ._plan import Job, Unit
@@ -45,7 +45,12 @@ class Shaded:
 
 def look(hashes: list[str]) -> tuple[Facts, dict[str, str], bool, list[str]]:
     """What this worker is, its library, whether that's loaded already, and what it lacks of some contents."""
-    return facts(), library_files(), bool(_native.library_path()), Store(worker_folder()).lacks(hashes)
+    return (
+        facts() | {"Dask": version},
+        library_files(),
+        bool(_native.library_path()),
+        Store(worker_folder()).lacks(hashes),
+    )
 
 
 def take(job_hash: str, library: dict[str, str], resource: str, contents: dict[str, bytes]) -> None:

@@ -111,6 +111,13 @@ def test_refused(fresh: Any, tmp_path: Path, caplog: Any) -> None:
         fernwick.cluster.bake(fresh, graph, tmp_path / "b.png", 300, tile=(128, 128))
 
 
+def test_scheduler_of_another_version(shared: Any, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    monkeypatch.setattr("fernwick.cluster._dask.version", "1.2.3")
+    graph = fernwick.Graph.load(EXAMPLES / "key.json")
+    with unchanged(tmp_path), pytest.raises(fernwick.Error, match="the scheduler has Dask distributed .*machine 1.2.3"):
+        fernwick.cluster.bake(shared, graph, tmp_path / "a.png", 300)
+
+
 def test_library_is_sent(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     """To workers that have none, or another one."""
     graph = fernwick.Graph.load(EXAMPLES / "key.json")
@@ -209,8 +216,10 @@ def test_frames(text: str, frames: list[float] | None) -> None:
 
 
 def test_names() -> None:
-    assert _plan.named("a.####.{output}.png", frame=7, output="color", udim=1002) == "a.0007.color.1002.png"
+    several = _plan.named("a.####.{output}.png", frame=7, output="color", udim=1002, is_one_of_several=True)
+    assert several == "a.0007.color.1002.png"
     assert _plan.named("{frame}/{udim}.png", frame=7, udim=1001) == "7/1001.png"
+    assert _plan.named("a.png", udim=1001) == "a.png"
 
 
 def test_store_and_parts_survive_damage(tmp_path: Path) -> None:
