@@ -91,4 +91,17 @@ TEST_F(BakeOntoTest, AModelGetsItsPicturesAsAMaterial)
     }
 }
 
+TEST_F(BakeOntoTest, AModelTakesNoLitPictureForItsColour)
+{
+    Store(fFolder / "wave.json", R"({"shaders": {"wave": {"class": "Drip"}}, "output": "wave"})");
+    const std::string bake = "bake wave.json --onto sail.obj --size 32x32 --gltf-roughness wave ";
+    const Answer shortOne = Run(bake + "--lit -o a.{output}.png --gltf a.glb");
+    ASSERT_EQ(shortOne.status, 0) << shortOne.error;
+    ASSERT_EQ(Run(bake + "--output lit -o b.{output}.png --gltf b.glb").status, 0);
+    EXPECT_THAT(FilesIn(fFolder),
+        testing::IsSupersetOf({"a.lit.png", "a.roughness.png", "b.lit.png", "b.roughness.png"}));
+    EXPECT_EQ(FileText(fFolder / "a.glb"), FileText(fFolder / "b.glb"));
+    EXPECT_THAT(FileText(fFolder / "a.glb"), testing::Not(HasSubstr(FileText(fFolder / "a.lit.png"))));
+}
+
 } // namespace
