@@ -3,15 +3,13 @@
 from __future__ import annotations
 
 import argparse
-import math
 import os
-import re
 import sys
-from collections.abc import Callable, Sequence
+from collections.abc import Sequence
 from typing import Any, NoReturn
 
 from .. import _native
-from . import MEMORY, _plan
+from . import MEMORY, _plan, _values
 from ._terminal import tell
 
 _PROGRAM = "python -m fernwick.cluster"
@@ -22,20 +20,6 @@ _COMMANDS = {
 }
 _EPILOG = """The help of `fernwick {}` tells more of what both have; the files are the same.
 Exit status: 0 done, 1 the job failed, 2 the command line is wrong, 130 stopped by Ctrl-C."""
-_LONGEST_SIDE = 65536  # pixels
-_UNITS = {
-    "": 1,
-    "KiB": 2**10,
-    "MiB": 2**20,
-    "GiB": 2**30,
-    "TiB": 2**40,
-    "kB": 10**3,
-    "MB": 10**6,
-    "GB": 10**9,
-    "TB": 10**12,
-}
-
-Type = Callable[[str], Any]
 
 
 def read(arguments: Sequence[str]) -> argparse.Namespace:
@@ -163,7 +147,7 @@ def _add_graph_options(parser: argparse.ArgumentParser) -> None:
         "--frames",
         metavar="FRAMES",
         action=_Once,
-        type=_checked(_plan.frames),
+        type=_values.checked(_plan.frames),
         help="makes a picture of each frame, as of 1-24",
     )
 
@@ -175,10 +159,12 @@ def _add_picture_options(parser: argparse.ArgumentParser) -> None:
         "--picture",
         metavar="FILE",
         action=_Once,
-        type=_picture,
+        type=_values.picture,
         help="the picture: .png, .exr, .tif or .tx; - is a PNG on stdout",
     )
-    add("--bits", metavar="N", action=_Once, type=_one_of(["8", "16", "32"]), default=0, help="bits of a channel")
+    add(
+        "--bits", metavar="N", action=_Once, type=_values.one_of(["8", "16", "32"]), default=0, help="bits of a channel"
+    )
     add("--straight", action="store_true", help="leaves the colours of floats not multiplied by the alpha")
     add("--tiled", action="store_true", help="lays an .exr or .tif out in tiles of 64 pixels")
     compressions = _native.compressions()
@@ -186,14 +172,14 @@ def _add_picture_options(parser: argparse.ArgumentParser) -> None:
         "--compression",
         metavar="NAME",
         action=_Once,
-        type=_one_of(compressions),
+        type=_values.one_of(compressions),
         help=f"how an .exr or .tx is compressed: {', '.join(compressions)}; a .tif by zip or none",
     )
     add(
         "--size",
         metavar="WxH",
         action=_Once,
-        type=_size,
+        type=_values.size,
         default=(512, 512),
         help="width and height in pixels (512x512)",
     )
@@ -201,7 +187,7 @@ def _add_picture_options(parser: argparse.ArgumentParser) -> None:
         "--region",
         metavar="X0,Y0,X1,Y1",
         action=_Once,
-        type=_region,
+        type=_values.region,
         help="a part of the picture, in pixels, the ends not included",
     )
 
@@ -215,7 +201,7 @@ def _add_bake_options(parser: argparse.ArgumentParser) -> None:
         dest="outputs",
         metavar="CHANNEL",
         action=_Names,
-        type=_some_of(outputs),
+        type=_values.some_of(outputs),
         default=["color"],
         help=f"what is baked, {', '.join(outputs)}; several by commas, into pictures named by {{output}}",
     )
@@ -241,7 +227,7 @@ def _add_bake_options(parser: argparse.ArgumentParser) -> None:
         "--margin",
         metavar="N",
         action=_Once,
-        type=_whole(0, widest),
+        type=_values.whole(0, widest),
         default=16,
         help=f"pixels by which what is covered is continued, up to {widest} (16)",
     )
@@ -249,7 +235,7 @@ def _add_bake_options(parser: argparse.ArgumentParser) -> None:
         "--uv-set",
         metavar="N",
         action=_Once,
-        type=_whole(0, 7),
+        type=_values.whole(0, 7),
         default=0,
         help="the set of UV that lays the model out (0)",
     )
@@ -257,7 +243,7 @@ def _add_bake_options(parser: argparse.ArgumentParser) -> None:
         "--gltf",
         metavar="FILE",
         action=_Once,
-        type=_model,
+        type=_values.model,
         help="writes the model with the pictures in it: color, normal and those of the next two options",
     )
     for output in ("roughness", "occlusion"):
@@ -278,7 +264,7 @@ def _add_render_options(parser: argparse.ArgumentParser) -> None:
         "--layers",
         metavar="NAMES",
         action=_Names,
-        type=_some_of(groups),
+        type=_values.some_of(groups),
         default=["none"],
         help=f"layers of an .exr, by commas: {', '.join(groups)}",
     )
@@ -291,7 +277,7 @@ def _add_samples(parser: argparse.ArgumentParser, usual: int) -> None:
         "--samples",
         metavar="N",
         action=_Once,
-        type=_whole(1, 4096),
+        type=_values.whole(1, 4096),
         default=usual,
         help=f"samples a pixel ({usual})",
     )
@@ -315,18 +301,18 @@ def _add_cluster_options(parser: argparse.ArgumentParser, command: str) -> None:
         "--workers",
         metavar="N",
         action=_Once,
-        type=_whole(1, 4096),
+        type=_values.whole(1, 4096),
         default=os.cpu_count() or 1,
         help="processes without --scheduler (one a processor)",
     )
     add("--direct", action="store_true", help="takes tiles from workers past the scheduler, where they can be reached")
     usual = "{}x{}".format(*_plan.USUAL_TILE[command])
-    add("--tile", metavar="WxH", action=_Once, type=_size, help=f"what a worker shades at a time ({usual})")
+    add("--tile", metavar="WxH", action=_Once, type=_values.size, help=f"what a worker shades at a time ({usual})")
     add(
         "--memory",
         metavar="SIZE",
         action=_Once,
-        type=_bytes,
+        type=_values.memory,
         default=MEMORY,
         help="for pixels in this process, as 500MB or 4GiB (1GiB)",
     )
@@ -334,7 +320,7 @@ def _add_cluster_options(parser: argparse.ArgumentParser, command: str) -> None:
         "--timeout",
         metavar="S",
         action=_Once,
-        type=_seconds,
+        type=_values.seconds,
         default=600,
         help="seconds for a tile before its worker is restarted (600)",
     )
@@ -342,86 +328,3 @@ def _add_cluster_options(parser: argparse.ArgumentParser, command: str) -> None:
         "--resume", metavar="FOLDER", action=_Once, help="keeps finished tiles there, and begins with those that it has"
     )
     add("--verbose", action="store_true", help="tells of each tile")
-
-
-def _checked(read_text: Type) -> Type:
-    """Of what raises errors whose texts users see."""
-
-    def take(text: str) -> Any:
-        try:
-            return read_text(text)
-        except (ValueError, OSError) as error:
-            raise argparse.ArgumentTypeError(str(error)) from None
-
-    return take
-
-
-def _one_of(words: list[str]) -> Type:
-    def take(text: str) -> str:
-        if text not in words:
-            hint = _native.nearest_hint(text, words)
-            raise argparse.ArgumentTypeError(f'expected one of {", ".join(words)}, got "{text}"{hint}')
-        return text
-
-    return take
-
-
-def _some_of(words: list[str]) -> Type:
-    take = _one_of(words)
-    return lambda text: [take(word) for word in text.split(",")]
-
-
-def _whole(least: int, most: int) -> Type:
-    def take(text: str) -> int:
-        if re.fullmatch("-?[0-9]{1,9}", text) is None or not least <= int(text) <= most:
-            raise argparse.ArgumentTypeError(f'expected an integer from {least} to {most}, got "{text}"')
-        return int(text)
-
-    return take
-
-
-@_checked
-def _picture(text: str) -> str:
-    _native.require_fit(text)
-    return text
-
-
-def _model(text: str) -> str:
-    if not text.endswith(".glb"):
-        raise argparse.ArgumentTypeError(f"{text}: a model's name ends in .glb")
-    return text
-
-
-def _size(text: str) -> tuple[int, int]:
-    match = re.fullmatch(r"([0-9]{1,9})x([0-9]{1,9})", text)
-    size = (0, 0) if match is None else (int(match[1]), int(match[2]))
-    if not all(1 <= side <= _LONGEST_SIDE for side in size):
-        told = f"a size is like 640x480, each side 1 to {_LONGEST_SIDE}"
-        raise argparse.ArgumentTypeError(f'"{text}" is no size; {told}')
-    return size
-
-
-def _region(text: str) -> tuple[int, int, int, int]:
-    match = re.fullmatch(",".join(["([0-9]{1,9})"] * 4), text)
-    left, top, right, bottom = (0, 0, 0, 0) if match is None else map(int, match.groups())
-    if left >= right or top >= bottom:
-        what = "one is like 0,0,320,240: left, top, and the right and bottom that aren't in it"
-        raise argparse.ArgumentTypeError(f'"{text}" is no region; {what}')
-    return left, top, right, bottom
-
-
-def _seconds(text: str) -> float:
-    try:
-        seconds = float(text)
-    except ValueError:
-        seconds = 0
-    if not 0 < seconds < math.inf:
-        raise argparse.ArgumentTypeError(f'expected a number above 0, got "{text}"')
-    return seconds
-
-
-def _bytes(text: str) -> int:
-    match = re.fullmatch(r"(\d+(?:\.\d+)?) ?([kKMGT]i?B|)", text)
-    if match is None or match[2] not in _UNITS:
-        raise argparse.ArgumentTypeError(f'"{text}" is no size of memory; one is like 500MB or 4GiB')
-    return int(float(match[1]) * _UNITS[match[2]])
