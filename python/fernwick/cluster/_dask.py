@@ -89,7 +89,8 @@ def connect(address: str | None, workers: int, *, direct: bool = False) -> Itera
         ) as cluster,
         distributed.Client(cluster, direct_to_workers=True) as client,
     ):
-        client.register_worker_plugin(_Uninterrupted())
+        register = getattr(client, "register_plugin", None) or client.register_worker_plugin  # before 2023.9
+        register(_Uninterrupted())
         yield client
 
 

@@ -17,6 +17,7 @@ from ._facts import differences, facts
 
 _logger = logging.getLogger("fernwick.cluster")
 _PATIENCE = 300.0  # seconds without a worker
+_SILENCE = 15.0  # of these before a word is said
 
 
 @dataclasses.dataclass
@@ -41,6 +42,7 @@ class Members:
         self._facts = facts() | {"Dask": version}
         self._members: dict[str, _Member] = {}
         self._idle_since = time.monotonic()
+        self._has_told = False  # that there is no worker
         self.is_busy: Callable[[], bool] = lambda: False
         """Whether units are sent already."""
 
@@ -94,12 +96,16 @@ class Members:
         now = time.monotonic()
         if any(member.ready for member in self._members.values()):
             self._idle_since = now
+            self._has_told = False
             return
         refused = [
             f"{address} is refused: {member.refused}" for address, member in self._members.items() if member.refused
         ]
         if refused and len(refused) == len(self._members):
             raise LibraryError("no worker is like this machine\n  " + "\n  ".join(refused))
+        if now - self._idle_since > _SILENCE and not self._has_told and not self._members:
+            self._has_told = True
+            _logger.warning("no worker is there; one is waited for, up to %g s", _PATIENCE)
         if now - self._idle_since > _PATIENCE:
             raise Error(f"no worker has come within {_PATIENCE:g} s")
 

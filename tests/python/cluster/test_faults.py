@@ -85,6 +85,20 @@ def test_worker_out_of_memory(graph: fernwick.Graph, expected: bytes, tmp_path: 
     assert (tmp_path / "a.png").read_bytes() == expected
 
 
+def test_no_worker(graph: fernwick.Graph, tmp_path: Path, caplog: Any, monkeypatch: pytest.MonkeyPatch) -> None:
+    """It is waited for, which is told, and not for ever."""
+    monkeypatch.setattr("fernwick.cluster._members._SILENCE", 0.2)
+    monkeypatch.setattr("fernwick.cluster._members._PATIENCE", 1.5)
+    with (
+        distributed.LocalCluster(n_workers=0, threads_per_worker=1, processes=False, dashboard_address=":0") as cluster,
+        distributed.Client(cluster) as client,
+        unchanged(tmp_path),
+        pytest.raises(fernwick.Error, match="no worker has come within 1.5 s"),
+    ):
+        fernwick.cluster.bake(client, graph, tmp_path / "a.png", SIDE)
+    assert caplog.text.count("no worker is there; one is waited for, up to 1.5 s") == 1
+
+
 class Processes:
     """A scheduler and two workers as their own commands start them."""
 
