@@ -156,7 +156,9 @@ def dashboard(client: Client) -> str:
 
 def workers_of(client: Client) -> dict[str, Any]:
     """What the scheduler knows of each worker, by address. Raises OSError while the scheduler is away."""
-    return dict(client.scheduler_info()["workers"])
+    if client.scheduler is None:
+        raise OSError("the client is closed")
+    return dict(client.sync(client.scheduler.identity)["workers"])  # what `scheduler_info` answers may be old
 
 
 def places(client: Client, futures: Iterable[Future]) -> dict[str, str]:

@@ -8,6 +8,7 @@ import os
 from .. import _native
 from .._errors import FileError
 from . import _plan
+from ._values import LONGEST_SIDE
 
 
 class UsageError(Exception):
@@ -85,7 +86,7 @@ def _require_model(options: argparse.Namespace) -> None:
 
 def _require_strip(options: argparse.Namespace) -> None:
     count, width = len(options.frames), options.size[0]
-    if count * width > 65536:
+    if count * width > LONGEST_SIDE:
         told = f"{count} frames side by side are {count * width} pixels wide, which no picture is"
         raise UsageError(f"--strip: {told}")
     if options.layers != ["none"]:

@@ -10,7 +10,7 @@ from typing import Any
 
 from .. import _native
 
-_LONGEST_SIDE = 65536  # pixels
+LONGEST_SIDE = 65536  # pixels
 _UNITS = {
     "": 1,
     "KiB": 2**10,
@@ -77,8 +77,8 @@ def model(text: str) -> str:
 def size(text: str) -> tuple[int, int]:
     match = re.fullmatch(r"([0-9]{1,9})x([0-9]{1,9})", text)
     size = (0, 0) if match is None else (int(match[1]), int(match[2]))
-    if not all(1 <= side <= _LONGEST_SIDE for side in size):
-        told = f"a size is like 640x480, each side 1 to {_LONGEST_SIDE}"
+    if not all(1 <= side <= LONGEST_SIDE for side in size):
+        told = f"a size is like 640x480, each side 1 to {LONGEST_SIDE}"
         raise argparse.ArgumentTypeError(f'"{text}" is no size; {told}')
     return size
 
