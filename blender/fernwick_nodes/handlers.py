@@ -64,6 +64,30 @@ def know_trees(scene: bpy.types.Scene) -> None:
             trees.begin(tree)
 
 
+def let_go() -> None:
+    """Has Blender drop the copies that it evaluates of trees, before the classes of their nodes are taken back.
+
+    Blender keeps those copies, whose nodes point to what is no more, and crashes when it drops them later.
+    """
+    chosen = {}
+    for scene in bpy.data.scenes:
+        if scene.library is None:
+            chosen[scene] = scene.fernwick_tree, [item.tree for item in scene.fernwick_trees]
+            scene.property_unset("fernwick_tree")
+            scene.property_unset("fernwick_trees")
+    # What is removed has Blender look anew at what depends on what; without that it keeps the copies.
+    bpy.data.node_groups.remove(bpy.data.node_groups.new("Fernwick", "ShaderNodeTree"))
+    for scene in bpy.data.scenes:
+        for layer in scene.view_layers:
+            if layer.depsgraph is not None:
+                layer.update()
+    for scene, (tree, known) in chosen.items():  # for when the add-on is back; nothing is copied at once
+        if tree is not None:
+            scene["fernwick_tree"] = tree
+        if known:
+            scene["fernwick_trees"] = [{"tree": each} for each in known if each is not None]
+
+
 def _bring_up(tree: bpy.types.NodeTree) -> None:
     unknown = sorted({node.bl_idname or node.name for node in tree.nodes if node.bl_idname == "NodeUndefined"})
     text = ""
@@ -102,3 +126,5 @@ def unregister() -> None:
         several = getattr(bpy.app.handlers, name)
         if handler in several:
             several.remove(handler)
+    if bpy.app.timers.is_registered(bring_up):
+        bpy.app.timers.unregister(bring_up)

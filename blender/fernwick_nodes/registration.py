@@ -46,6 +46,8 @@ def register(is_complete: bool) -> None:
     # While add-ons are started Blender has no data to look at.
     if hasattr(bpy.data, "node_groups"):
         handlers.bring_up()
+    else:
+        bpy.app.timers.register(handlers.bring_up)
 
 
 def unregister() -> None:
@@ -57,6 +59,8 @@ def unregister() -> None:
         preview.unregister()
         bpy.types.NODE_MT_node.remove(panels.draw_menu)
         panels.unregister_menu()
+        if hasattr(bpy.data, "node_groups"):
+            handlers.let_go()
         del bpy.types.Scene.fernwick_trees, bpy.types.Scene.fernwick_tree
     while _registered:
         bpy.utils.unregister_class(_registered.pop())
