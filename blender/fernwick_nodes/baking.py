@@ -3,18 +3,20 @@
 from __future__ import annotations
 
 import functools
-import json
+import operator
 import os
+import sys
+import warnings
 from collections.abc import Callable, Mapping, Sequence
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
 import bpy
 
-from . import images, materials, tasks
-from .errors import Refusal
-from .meshes import Arrays, arrays_of, kept_arrays_of, rigid
+from . import images, materials, messages, tasks, tree as trees
+from .errors import BakeWarning, Refusal, sentence
+from .meshes import Arrays, arrays_of, kept_arrays_of, rigid_of
 from .scene import scene_of
 
 if TYPE_CHECKING:
@@ -29,6 +31,8 @@ Channels = str | Sequence[str] | Callable[[tuple[str, ...]], list[str]] | None
 """Names of channels; or what chooses them of those that a graph offers; or None for those of a material."""
 MOST_FACES = 50_000  # of a preview: reading more would be felt
 MATERIAL_CHANNELS = ("color", "alpha", "normal")
+LONGEST_SIDE = 32768  # of a picture onto an object, in pixels
+_FOLDER = str(Path(__file__).parent) + os.sep
 
 
 @dataclass
@@ -43,6 +47,7 @@ class Job:
     arrays: Arrays
     linear: NDArray[np.float64]
     frame: float
+    remarks: list[str] = field(default_factory=list)  # what there is to say of the pictures in the end
 
     def graph(self) -> fernwick.Graph:
         import fernwick
@@ -82,18 +87,25 @@ def bake(
 
     Raises Refusal and the errors of `fernwick`.
     """
-    made = prepare(thing, graph, uv_layer).graph()
-    width, height = _size(size)
-    wanted = _channels(made, channels)
-    return made.bake(
-        width, height, wanted, node=thing.name, samples=samples, margin=margin, tile=tile, green=green,
-        threads=threads, progress=progress,
-    )  # fmt: skip
+    options = _options(samples=samples, margin=margin, green=green, threads=threads)
+    job = prepare(thing, graph, uv_layer)
+
+    def chosen(tiles: list[int]) -> list[int]:
+        if tile is not None and tile not in tiles:
+            raise Refusal(f'"{job.name}" lies on no tile {tile}, only on {_listed(tiles)}')
+        if tile is None and len(tiles) > 1:
+            raise Refusal(f'"{job.name}" lies on {_listed(tiles)}: choose one, or use bake_images for all')
+        return tiles if tile is None else [tile]
+
+    pictures = _pictures(job, size, channels, progress or _unheeded, options, chosen)
+    _warn(job.remarks)
+    return next(iter(pictures.values()))
 
 
 def tiles(thing: bpy.types.Object, graph: Any, uv_layer: str = "") -> list[int]:
     """The UDIM tiles that an object is laid out on, 1001 and so on."""
-    return prepare(thing, graph, uv_layer).graph().tiles(node=thing.name)
+    job = prepare(thing, graph, uv_layer)
+    return job.graph().tiles(node=job.name)
 
 
 def bake_images(
@@ -109,7 +121,10 @@ def bake_images(
 
     :param arguments: further ones of `images_task`
     """
-    return tasks.run(images_task(thing, graph, size, channels, **arguments), progress)
+    remarks: list[str] = []
+    made = tasks.run(images_task(thing, graph, size, channels, remarks=remarks, **arguments), progress)
+    _warn(remarks)
+    return made
 
 
 def bake_material(
@@ -119,15 +134,25 @@ def bake_material(
     *,
     name: str = "",
     uv_layer: str = "",
+    shared: bool = False,
     progress: Progress | None = None,
     **arguments: Any,
 ) -> bpy.types.Material:
     """Bakes what a Principled material takes, and makes or updates the material of the object with it.
 
+    :param shared: all objects that share the mesh or the material get it; else the others keep theirs
     :param arguments: further ones of `images_task`
     """
-    baked = bake_images(thing, graph, size, name=name, uv_layer=uv_layer, progress=progress, **arguments)
-    return materials.make(thing, baked, uv_layer, name)
+    remarks: list[str] = []
+    made = tasks.run(
+        images_task(
+            thing, graph, size, name=name, uv_layer=uv_layer, shared=shared, remarks=remarks, **arguments
+        ),
+        progress,
+    )  # fmt: skip
+    material = materials.make(thing, made, uv_layer, name, shared)
+    _warn(remarks + materials.remarks(thing, material))
+    return material
 
 
 def bake_sequence(
@@ -145,7 +170,10 @@ def bake_sequence(
 
     :param arguments: further ones of `sequence_task`
     """
-    return tasks.run(sequence_task(thing, graph, first, last, size, channels, **arguments), progress)
+    remarks: list[str] = []
+    made = tasks.run(sequence_task(thing, graph, first, last, size, channels, remarks=remarks, **arguments), progress)
+    _warn(remarks)
+    return made
 
 
 def images_task(
@@ -155,27 +183,34 @@ def images_task(
     channels: Channels = None,
     *,
     name: str = "",
-    folder: str = "",
+    folder: str | os.PathLike[str] = "",
     uv_layer: str = "",
+    shared: bool = True,
+    remarks: list[str] | None = None,
     **arguments: Any,
 ) -> tasks.Task[dict[str, bpy.types.Image]]:
     """What `bake_images` does.
 
     :param name: begins the names of the images; without one that of the object
     :param folder: where files are put; without one images are kept in the .blend, and those of tiles beside it
+    :param shared: whether images that other objects show too are replaced, or stay beside new ones
+    :param remarks: gets what there is to say
     :param arguments: further ones of `bake`: samples, margin, green, threads
     """
+    options = _options(**arguments)
+    where = _text("folder", folder)
     job = prepare(thing, graph, uv_layer)
-    title = name or thing.name
-    pictures: dict[int, Pictures] = yield lambda progress: _all_tiles(job, size, channels, progress, arguments)
+    title = _text("name", name) or job.name
+    pictures: dict[int, Pictures] = yield lambda progress: _pictures(job, size, channels, progress, options)
+    if remarks is not None:
+        remarks += job.remarks
+    place = images.Place(title, where, object_of(job.name), shared)
     if list(pictures) == [1001]:
         only = pictures[1001]
-        return {channel: images.store(f"{title} {channel}", only[channel], channel, folder) for channel in only}
+        return {channel: images.store(place, channel, only[channel]) for channel in only}
     wanted = next(iter(pictures.values()))
     return {
-        channel: images.store_tiles(
-            f"{title} {channel}", {number: several[channel] for number, several in pictures.items()}, channel, folder
-        )
+        channel: images.store_tiles(place, channel, {number: made[channel] for number, made in pictures.items()})
         for channel in wanted
     }
 
@@ -189,60 +224,83 @@ def sequence_task(
     channels: Channels = None,
     *,
     name: str = "",
-    folder: str = "//fernwick",
+    folder: str | os.PathLike[str] = images.BESIDE,
     uv_layer: str = "",
+    shared: bool = True,
+    remarks: list[str] | None = None,
     **arguments: Any,
 ) -> tasks.Task[dict[str, bpy.types.Image]]:
     """What `bake_sequence` does. The scene ends at the frame where it was."""
+    options = _options(**arguments)
+    first, last = _whole("The first frame", first), _whole("The last frame", last)
     if last < first:
         raise Refusal("The last frame comes before the first")
     before = bpy.context.scene.frame_current
-    thing_name, tree_name = thing.name, graph.name if isinstance(graph, bpy.types.NodeTree) else ""
-    title = name or thing_name
-    paths: dict[str, Path] = {}
+    thing_name, tree_name = _name_of(thing), graph.name if isinstance(graph, bpy.types.NodeTree) else ""
+    title, where = _text("name", name) or thing_name, _text("folder", folder) or images.BESIDE
+    stems: dict[str, str] = {}
     try:
         for frame in range(first, last + 1):
             bpy.context.scene.frame_set(frame)
             job = prepare(object_of(thing_name), _tree_of(tree_name) if tree_name else graph, uv_layer)
-            pictures: dict[int, Pictures] = yield functools.partial(_frame_tiles, job, size, channels, arguments)
-            if len(pictures) > 1:
-                raise Refusal("Sequences of several UDIM tiles aren't baked: choose a UV map within one tile")
+            pictures: dict[int, Pictures] = yield functools.partial(_frame_pictures, job, size, channels, options)
+            if remarks is not None:
+                remarks += [text for text in job.remarks if text not in remarks]
+            place = images.Place(title, where, object_of(thing_name), shared)
             for channel, picture in next(iter(pictures.values())).items():
-                path = images.save_frame(folder, title, channel, frame, picture)
-                paths.setdefault(channel, path)
+                if channel not in stems:
+                    stems[channel] = images.sequence_stem(place, channel)
+                images.save_frame(stems[channel], channel, images.number_of(frame, first), picture)
     finally:
         bpy.context.scene.frame_set(before)
     count = last - first + 1
-    return {
-        channel: images.sequence(f"{title} {channel} sequence", channel, path, folder, first, count)
-        for channel, path in paths.items()
-    }
+    return {channel: images.sequence(place, channel, stem, first, count) for channel, stem in stems.items()}
 
 
-def _frame_tiles(job: Job, size: Any, channels: Channels, arguments: Any, progress: Progress) -> dict[int, Pictures]:
-    return _all_tiles(job, size, channels, progress, arguments)
+def _frame_pictures(job: Job, size: Any, channels: Channels, options: Any, progress: Progress) -> dict[int, Pictures]:
+    def only(tiles: list[int]) -> list[int]:
+        if len(tiles) > 1:
+            raise Refusal(
+                f'Blender has no sequences of tiles, and "{job.name}" lies on {_listed(tiles)}: choose a UV map within '
+                "one tile, or bake stills with Images"
+            )
+        return tiles
+
+    return _pictures(job, size, channels, progress, options, only)
 
 
-def _all_tiles(
-    job: Job, size: int | tuple[int, int], channels: Channels, progress: Progress, arguments: Mapping[str, Any]
+def _pictures(
+    job: Job,
+    size: int | tuple[int, int],
+    channels: Channels,
+    progress: Progress,
+    options: Mapping[str, Any],
+    chosen: Callable[[list[int]], list[int]] = list,
 ) -> dict[int, Pictures]:
-    """The pictures of all tiles that an object is laid out on. In any thread."""
-    graph = job.graph()
-    wanted = _channels(graph, channels)
-    if not wanted:
-        raise Refusal("There is nothing to bake: choose colour, alpha or normal")
+    """The pictures of the tiles that are chosen of those that an object is laid out on. In any thread."""
+    if not callable(progress):
+        raise Refusal("The progress is a function of a share from 0 to 1")
     width, height = _size(size)
-    numbers = graph.tiles(node=job.name, width=width, height=height)
-    if not numbers:
-        raise Refusal(f'"{job.name}" covers nothing of the picture: look at its UV map')
+    with messages.heard() as heard:
+        graph = job.graph()
+        wanted = _channels(graph, channels)
+        numbers = graph.tiles(node=job.name, width=width, height=height)
+        left_out = job.arrays.left_out(width, height)
+        if not numbers:
+            raise Refusal(left_out or f'"{job.name}" covers nothing of the picture: look at its UV map')
+        numbers = chosen(numbers)
 
-    def of_tile(i: int) -> Progress:
-        return lambda share: progress((i + share) / len(numbers))
+        def of_tile(i: int) -> Progress:
+            return lambda share: progress((i + share) / len(numbers))
 
-    return {
-        number: graph.bake(width, height, wanted, node=job.name, tile=number, progress=of_tile(i), **arguments)
-        for i, number in enumerate(numbers)
-    }
+        made = {
+            number: _checked(
+                graph.bake, width, height, wanted, node=job.name, tile=number, progress=of_tile(i), **options
+            )
+            for i, number in enumerate(numbers)
+        }
+    job.remarks += [*([left_out] if left_out else []), *heard]
+    return made
 
 
 def object_of(name: str) -> bpy.types.Object:
@@ -266,12 +324,14 @@ def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "", is_preview:
 
     :param is_preview: the mesh is that of the last time, if it hasn't changed, and may not be large
     """
+    _name_of(thing)
     document, folder, files = document_of(graph)
+    _text("uv_layer", uv_layer)
     if thing.name not in bpy.context.scene.objects:
         raise Refusal(f'"{thing.name}" is not in this scene')
     depsgraph = bpy.context.evaluated_depsgraph_get()
     evaluated = thing.evaluated_get(depsgraph)
-    linear = rigid(evaluated.matrix_world)[2]
+    linear = rigid_of(evaluated)[2]
     if abs(float(_determinant(linear))) < 1e-12:
         raise Refusal(f'"{thing.name}" has a scale of 0, or next to it: apply it')
     if is_preview:
@@ -292,39 +352,109 @@ def document_of(graph: Any) -> tuple[Mapping[str, Any], str, Mapping[str, Any]]:
     if isinstance(graph, bpy.types.NodeTree):
         from . import document
 
+        if graph.bl_idname != trees.FernwickTree.bl_idname:
+            raise Refusal(f'"{graph.name}" is no tree of Fernwick')
         return document.shading_document(graph), document.folder_of(graph), {}
     if isinstance(graph, (str, os.PathLike)):
         if not Path(graph).is_file():
             raise Refusal(f"There is no graph {graph}")
         graph = fernwick.Graph.load(graph)
-    folder = os.getcwd()
-    files: Mapping[str, Any] = {}
+    if isinstance(graph, Mapping):
+        graph = _checked(fernwick.Graph, {key: value for key, value in graph.items() if key != "scene"})
     if isinstance(graph, fernwick.Shader):
         graph = fernwick.Graph(graph)
-    if isinstance(graph, fernwick.Graph):
-        folder, files = str(graph.folder), graph.files
-        graph = graph.to_dict()
-    members = json.loads(json.dumps(graph)) if isinstance(graph, Mapping) else graph
-    if not isinstance(members, dict):
+    if not isinstance(graph, fernwick.Graph):
         raise Refusal("A graph is a tree of nodes, a shader or graph of fernwick, a document or its file")
+    members = graph.to_dict()
     members.pop("scene", None)
-    return members, folder, files
+    return members, str(graph.folder), graph.files
 
 
 def _channels(graph: fernwick.Graph, channels: Channels) -> list[str]:
-    if callable(channels):
-        return channels(graph.outputs)
-    if channels is not None:
-        return [channels] if isinstance(channels, str) else list(channels)
     offered = graph.outputs
+    if callable(channels):
+        wanted = channels(offered)
+        if not wanted:
+            raise Refusal("There is nothing to bake: choose colour, alpha or normal")
+        return wanted
+    if channels is not None:
+        names = [channels] if isinstance(channels, str) else list(channels) if isinstance(channels, Sequence) else []
+        unknown = [name for name in names if name not in offered]
+        if unknown or not names or len(set(names)) < len(names):
+            asked = f": not {unknown[0]!r}" if unknown else ""
+            raise Refusal(f"The channels are some of {', '.join(offered)}, each once{asked}")
+        return names
     wanted = [channel for channel in MATERIAL_CHANNELS if channel in offered]
     if "color" not in offered:  # a surface's own colour, or a number as a grey
         wanted[:0] = [channel for channel in ("main", "value") if channel in offered][:1]
     return wanted
 
 
-def _size(size: int | tuple[int, int]) -> tuple[int, int]:
-    return (size, size) if isinstance(size, int) else (size[0], size[1])
+def _size(size: Any) -> tuple[int, int]:
+    try:
+        width, height = (size, size) if not isinstance(size, Sequence) else size
+        sides = operator.index(width), operator.index(height)
+        if all(1 <= side <= LONGEST_SIDE for side in sides):
+            return sides
+    except (TypeError, ValueError):
+        pass
+    raise Refusal(f"The size is a number of pixels from 1 to {LONGEST_SIDE}, or two of them: not {size!r}")
+
+
+def _options(**given: Any) -> dict[str, Any]:
+    known = ("samples", "margin", "green", "threads")
+    for name in given:
+        if name not in known:
+            raise Refusal(f'A bake takes no "{name}", only {", ".join(known)} and what the function names')
+    return given
+
+
+def _name_of(thing: Any) -> str:
+    if not isinstance(thing, bpy.types.Object):
+        raise Refusal(f"What is baked onto is an object of Blender: not {thing!r}")
+    try:
+        return thing.name
+    except ReferenceError:
+        raise Refusal("The object to bake onto is gone") from None
+
+
+def _text(what: str, value: Any) -> str:
+    made = os.fspath(value) if isinstance(value, os.PathLike) else value
+    if not isinstance(made, str):
+        raise Refusal(f"The {what} is a text: not {value!r}")
+    return made
+
+
+def _whole(what: str, value: Any) -> int:
+    try:
+        return operator.index(value)
+    except TypeError:
+        raise Refusal(f"{what} is a whole number: not {value!r}") from None
+
+
+def _checked(call: Callable[..., Any], *arguments: Any, **options: Any) -> Any:
+    """Calls the package, whose texts tell which argument is wrong."""
+    try:
+        return call(*arguments, **options)
+    except (ValueError, TypeError) as error:
+        raise Refusal(sentence(error)) from error
+
+
+def _warn(remarks: list[str]) -> None:
+    """Tells a script what there is to say, at its own line."""
+    level, frame = 1, sys._getframe()
+    while frame.f_back is not None and frame.f_code.co_filename.startswith(_FOLDER):
+        level, frame = level + 1, frame.f_back
+    for text in remarks:
+        warnings.warn(text, BakeWarning, stacklevel=level)
+
+
+def _listed(tiles: list[int]) -> str:
+    return f"the tiles {', '.join(map(str, tiles[:8]))}{' and more' if len(tiles) > 8 else ''}"
+
+
+def _unheeded(share: float) -> None:
+    pass
 
 
 def _determinant(linear: Any) -> Any:

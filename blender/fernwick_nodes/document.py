@@ -11,7 +11,7 @@ from typing import Any
 import bpy
 import numpy as np
 
-from . import fields, keys, links, nodes, slots, tree as trees
+from . import fields, images, keys, links, nodes, slots, tree as trees
 from .errors import Refusal
 from .fields import UNSHOWN, Leaf
 
@@ -324,7 +324,7 @@ def _store_images(document: dict[str, Any], target: Path) -> None:
             continue
         array = _array_of(image)
         is_float = array.dtype == np.float32
-        path = str(target.with_name(f"{target.stem}.{bpy.path.clean_name(image.name)}.{'exr' if is_float else 'png'}"))
+        path = str(target.with_name(f"{target.stem}.{images.file_name(image.name)}.{'exr' if is_float else 'png'}"))
         if not is_float:  # as a file of integers would be read
             array = fernwick.Graph(fernwick.Picture(array)).bake(array.shape[1], array.shape[0])
         fernwick.save(path, array, **({"bits": 32, "straight": True} if is_float else {}))

@@ -7,6 +7,10 @@ class Refusal(Exception):
     """Something that can't be done as asked; its text is a sentence for the user."""
 
 
+class BakeWarning(UserWarning):
+    """What a bake left out, or what its shaders reported."""
+
+
 def sentence(error: BaseException) -> str:
     """The text of an error as one line."""
     text = " ".join(str(error).split()) or type(error).__name__

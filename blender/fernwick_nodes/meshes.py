@@ -16,6 +16,7 @@ if TYPE_CHECKING:
     from numpy.typing import NDArray
 
 HAVE_MESHES = {"MESH", "CURVE", "SURFACE", "META", "FONT"}
+_COLUMNS, _ROWS = 10, 900  # of tiles, from 1001 on
 
 
 @dataclass
@@ -25,7 +26,9 @@ class Arrays:
     points: NDArray[np.float32]  # by loop, that is by corner of a face
     normals: NDArray[np.float32]
     corners: NDArray[np.int32]  # (m, 3), loops of triangles
+    faces: NDArray[np.int32]  # (m,), of which a triangle is part
     uvs: list[NDArray[np.float32]] = field(default_factory=list)  # the one that lays pictures out is the first
+    name: str = ""  # of the object, for messages
 
     def scaled(self, linear: NDArray[np.float64]) -> Arrays:
         """The same in coordinates without scale; normals have any length.
@@ -38,15 +41,43 @@ class Arrays:
         normals = (self.normals.astype(np.float64) @ np.linalg.inv(linear)).astype(np.float32)
         # Mirrored triangles are turned over, or their fronts would be inside.
         corners = self.corners[:, ::-1] if np.linalg.det(linear) < 0 else self.corners
-        return Arrays(points, normals, corners, self.uvs)
+        return Arrays(points, normals, corners, self.faces, self.uvs, self.name)
 
     def mesh(self, linear: NDArray[np.float64]) -> fernwick.Mesh:
-        """The mesh in coordinates without scale, as a model's file with these numbers would be read."""
+        """The mesh in coordinates without scale, as a model's file with these numbers would be read.
+
+        Raises Refusal where some of the numbers are none.
+        """
         import fernwick
 
         made = self.scaled(linear)
+        for what, several in (("coordinates", [made.points]), ("normals", [made.normals]), ("UV", made.uvs)):
+            for numbers in several:
+                bad = ~np.isfinite(numbers).all(axis=1)
+                if bad.any():
+                    count = len(np.unique(made.faces[bad[made.corners].any(axis=1)]))
+                    raise Refusal(f'"{self.name}" has {what} that are no numbers, at {count} of its faces: mend these')
         # A vertex a corner: the host joins those of one place by itself.
         return fernwick.Mesh(made.points, made.corners, made.uvs or None, _unit(made.normals))
+
+    def left_out(self, width: int, height: int) -> str:
+        """What there is to say of faces that lie on no picture; empty without any.
+
+        :param width, height: of a tile's picture, in pixels
+        """
+        if not self.uvs:
+            return ""
+        places = self.uvs[0] * np.array((width, height), np.float32)
+        # What reaches less than to the middle of the first pixel covers nothing there.
+        inside = (places > -0.5) & (places < np.array((_COLUMNS * width, _ROWS * height)) + 0.5)
+        outside = ~inside.all(axis=1)[self.corners].all(axis=1)
+        if not outside.any():
+            return ""
+        count, total = len(np.unique(self.faces[outside])), len(np.unique(self.faces))
+        return (
+            f'{count} of {total} faces of "{self.name}" are left out, wholly or in part: their UV lie outside of the '
+            f"tiles. Move them to U from 0 to {_COLUMNS} and V from 0 up"
+        )
 
 
 def _unit(vectors: NDArray[np.float32]) -> NDArray[np.float32]:
@@ -66,6 +97,13 @@ def rigid(matrix: Matrix) -> tuple[tuple[float, ...], tuple[float, ...], NDArray
         linear = np.eye(3)
     angles = tuple(float(np.degrees(angle)) for angle in rotation.to_euler("XYZ"))
     return tuple(location), angles, linear
+
+
+def rigid_of(evaluated: bpy.types.Object) -> tuple[tuple[float, ...], tuple[float, ...], NDArray[np.float64]]:
+    """The same of an object. Raises Refusal where its place is no number."""
+    if not np.isfinite(np.array(evaluated.matrix_world)).all():
+        raise Refusal(f'The place, rotation or scale of "{evaluated.name}" is no number')
+    return rigid(evaluated.matrix_world)
 
 
 _kept: dict[tuple[str, str], Arrays] = {}
@@ -128,7 +166,9 @@ def _copy(name: str, mesh: bpy.types.Mesh, uv_layer: str, need_uv: bool) -> Arra
         _read(mesh.vertices, "co", 3, np.float32)[of_loop],
         _read(mesh.corner_normals if has_normals else mesh.loops, "vector" if has_normals else "normal", 3, np.float32),
         _read(mesh.loop_triangles, "loops", 3, np.int32),
+        _read(mesh.loop_triangles, "polygon_index", 1, np.int32)[:, 0],
         [_read(layer.data, "uv", 2, np.float32) for layer in layers],
+        name,
     )
 
 

@@ -2,16 +2,26 @@
 
 from __future__ import annotations
 
+import contextlib
 import functools
-from collections.abc import Callable
+import os
+import re
+import threading
+import warnings
+from collections.abc import Callable, Iterator
+from pathlib import Path
+from typing import Any
 
 import bpy
 
 from .errors import Refusal, sentence
 
-DOUBTS = "doubts"  # a topic
+DOUBTS, BAKED = "doubts", "baked"  # topics
 _of_trees: dict[str, dict[str, str]] = {}  # by tree and topic
 _of_nodes: dict[tuple[str, str], str] = {}
+_FOLDER = str(Path(__file__).parent) + os.sep
+_ears = threading.local()  # what is heard in a thread
+_show_before: Any = None  # while it is listened: what warnings were shown by
 
 
 def tell(tree: bpy.types.NodeTree, topic: str, text: str) -> None:
@@ -24,12 +34,17 @@ def tell(tree: bpy.types.NodeTree, topic: str, text: str) -> None:
 
 
 def told(tree: bpy.types.NodeTree) -> list[str]:
-    return [text for topic, text in _of_trees.get(tree.name, {}).items() if topic != DOUBTS]
+    return [text for topic, text in _of_trees.get(tree.name, {}).items() if topic not in (DOUBTS, BAKED)]
 
 
 def doubts(tree: bpy.types.NodeTree) -> str:
     """What may be a slip, and does no harm."""
     return _of_trees.get(tree.name, {}).get(DOUBTS, "")
+
+
+def baked(tree: bpy.types.NodeTree) -> str:
+    """What there is to say about the last bake of a tree."""
+    return _of_trees.get(tree.name, {}).get(BAKED, "")
 
 
 def tell_node(node: bpy.types.Node, text: str) -> None:
@@ -61,6 +76,50 @@ def guarded(execute: Callable[..., set[str]]) -> Callable[..., set[str]]:
             return {"CANCELLED"}
 
     return run
+
+
+@contextlib.contextmanager
+def heard() -> Iterator[list[str]]:
+    """What shaders and graphs report in this thread meanwhile, each once."""
+    outer = getattr(_ears, "texts", None)
+    _ears.texts = texts = []
+    try:
+        yield texts
+    finally:
+        _ears.texts = outer
+
+
+def hear(text: str) -> None:
+    """Adds to what is `heard`."""
+    texts = getattr(_ears, "texts", None)
+    if texts is not None and text not in texts:
+        texts.append(text)
+
+
+def listen() -> None:
+    """Keeps from the console what the package `fernwick` reports of the add-on's doing."""
+    global _show_before
+    import fernwick
+
+    for category in (fernwick.GraphWarning, fernwick.ShaderWarning):
+        warnings.filterwarnings("always", category=category, module=re.escape(__package__))
+    if _show_before is None:
+        _show_before, warnings.showwarning = warnings.showwarning, _show
+
+
+def unlisten() -> None:
+    global _show_before
+    if warnings.showwarning is _show:  # else somebody else hands on to it
+        warnings.showwarning, _show_before = _show_before, None
+
+
+def _show(message: Warning | str, category: type[Warning], filename: str, *others: Any, **also: Any) -> None:
+    import fernwick
+
+    if issubclass(category, (fernwick.GraphWarning, fernwick.ShaderWarning)) and filename.startswith(_FOLDER):
+        hear(str(message))
+    else:
+        _show_before(message, category, filename, *others, **also)
 
 
 def explained(error: BaseException) -> str:

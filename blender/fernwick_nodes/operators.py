@@ -7,7 +7,7 @@ from typing import Any
 import bpy
 from bpy_extras.io_utils import ExportHelper, ImportHelper
 
-from . import baking, document, fields, groups, materials, preview, settings, tasks, tree as trees
+from . import baking, document, fields, groups, materials, messages, preview, settings, tasks, tree as trees
 from .errors import Refusal
 from .messages import guarded
 
@@ -90,12 +90,14 @@ class FERNWICK_OT_bake_material(_NeedsTree, tasks.TaskOperator, bpy.types.Operat
     bl_label = "Bake Material"
     bl_options = {"REGISTER", "UNDO"}
 
-    def task(self, context: bpy.types.Context) -> tasks.Task[str]:
-        choice = _tree(context).settings
-        name, uv_layer = _target(context).name, choice.uv_layer
-        baked = yield from _images_task(context)
-        material = materials.make(baking.object_of(name), baked, uv_layer)
-        return f'Baked {", ".join(baked)} into the material "{material.name}"'
+    def task(self, context: bpy.types.Context) -> tasks.Task[list[str]]:
+        tree, thing = _tree(context).name, _target(context).name
+        uv_layer, shared = _tree(context).settings.uv_layer, _tree(context).settings.shared
+        remarks: list[str] = []
+        baked = yield from _images_task(context, remarks, shared)
+        material = materials.make(baking.object_of(thing), baked, uv_layer, shared=shared)
+        remarks += materials.remarks(baking.object_of(thing), material)
+        return _told(tree, f'Baked {", ".join(baked)} into the material "{material.name}"', remarks)
 
 
 class FERNWICK_OT_bake_images(_NeedsTree, tasks.TaskOperator, bpy.types.Operator):
@@ -105,9 +107,11 @@ class FERNWICK_OT_bake_images(_NeedsTree, tasks.TaskOperator, bpy.types.Operator
     bl_label = "Bake Images"
     bl_options = {"REGISTER", "UNDO"}
 
-    def task(self, context: bpy.types.Context) -> tasks.Task[str]:
-        baked = yield from _images_task(context)
-        return "Baked " + ", ".join(f'"{image.name}"' for image in baked.values())
+    def task(self, context: bpy.types.Context) -> tasks.Task[list[str]]:
+        tree = _tree(context).name
+        remarks: list[str] = []
+        baked = yield from _images_task(context, remarks)
+        return _told(tree, "Baked " + ", ".join(f'"{image.name}"' for image in baked.values()), remarks)
 
 
 class FERNWICK_OT_bake_sequence(_NeedsTree, tasks.TaskOperator, bpy.types.Operator):
@@ -116,16 +120,18 @@ class FERNWICK_OT_bake_sequence(_NeedsTree, tasks.TaskOperator, bpy.types.Operat
     bl_idname = "fernwick.bake_sequence"
     bl_label = "Bake Sequence"
 
-    def task(self, context: bpy.types.Context) -> tasks.Task[str]:
-        tree, thing, scene = _tree(context), _target(context), context.scene
-        choice, name, count = tree.settings, thing.name, scene.frame_end - scene.frame_start + 1
-        uv_layer = choice.uv_layer
+    def task(self, context: bpy.types.Context) -> tasks.Task[list[str]]:
+        tree, thing, scene = _tree(context), _target(context).name, context.scene
+        choice, count = tree.settings, scene.frame_end - scene.frame_start + 1
+        tree_name, uv_layer, shared = tree.name, choice.uv_layer, choice.shared
+        remarks: list[str] = []
         baked = yield from baking.sequence_task(
-            thing, tree, scene.frame_start, scene.frame_end, choice.bake_size, choice.chooser(),
-            folder=choice.folder or "//fernwick", **_arguments(choice),
+            _target(context), tree, scene.frame_start, scene.frame_end, choice.bake_size, choice.chooser(),
+            folder=choice.folder, shared=shared, remarks=remarks, **_arguments(choice),
         )  # fmt: skip
-        materials.make(baking.object_of(name), baked, uv_layer)
-        return f"Baked {count} frames of {', '.join(baked)}"
+        material = materials.make(baking.object_of(thing), baked, uv_layer, shared=shared)
+        remarks += materials.remarks(baking.object_of(thing), material)
+        return _told(tree_name, f'Baked {count} frames of {", ".join(baked)} into "{material.name}"', remarks)
 
 
 class FERNWICK_OT_refresh(_NeedsTree, bpy.types.Operator):
@@ -157,11 +163,17 @@ class FERNWICK_OT_color(bpy.types.Operator):
 
     @guarded
     def execute(self, context: bpy.types.Context) -> set[str]:
-        node = bpy.data.node_groups[self.tree].nodes[self.node]
-        leaf = next(leaf for leaf in fields.leaves(node.table).values() if leaf.field.type == "colors")
+        tree = bpy.data.node_groups.get(self.tree)
+        node = tree.nodes.get(self.node) if tree is not None else None
+        known = fields.leaves(node.table).values() if hasattr(node, "table") else ()
+        leaf = next((leaf for leaf in known if leaf.field.type == "colors"), None)
+        if leaf is None:
+            raise Refusal(f'There is no node "{self.node}" with a gradient in a tree "{self.tree}"')
         colors = list(fields.read(node, leaf))
         if self.action == "ADD":
             colors.append(colors[-1])
+        elif not 0 <= self.index < len(colors):
+            raise Refusal(f"The gradient has {len(colors)} colours, counted from 0: there is no {self.index}")
         elif len(colors) > 2:
             del colors[self.index]
         fields.write(node, leaf, colors)
@@ -237,12 +249,24 @@ def _target(context: bpy.types.Context) -> bpy.types.Object:
     return thing
 
 
-def _images_task(context: bpy.types.Context) -> tasks.Task[dict[str, bpy.types.Image]]:
+def _images_task(
+    context: bpy.types.Context, remarks: list[str], shared: bool = True
+) -> tasks.Task[dict[str, bpy.types.Image]]:
     tree = _tree(context)
     choice = tree.settings
     return baking.images_task(
-        _target(context), tree, choice.bake_size, choice.chooser(), folder=choice.folder, **_arguments(choice)
-    )
+        _target(context), tree, choice.bake_size, choice.chooser(), folder=choice.folder, shared=shared,
+        remarks=remarks, **_arguments(choice),
+    )  # fmt: skip
+
+
+def _told(tree_name: str, text: str, remarks: list[str]) -> list[str]:
+    """What is reported of a bake; what there is to say of it stays in the panel, unless the preview has it."""
+    tree = bpy.data.node_groups.get(tree_name)
+    if tree is not None:
+        remarks = [remark for remark in remarks if remark not in messages.doubts(tree)]
+        messages.tell(tree, messages.BAKED, ". ".join(remarks))
+    return [text, *remarks]
 
 
 def _arguments(choice: settings.FernwickSettings) -> dict[str, Any]:

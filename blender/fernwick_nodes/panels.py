@@ -6,7 +6,7 @@ from typing import Any
 
 import bpy
 
-from . import document, library, looks, messages, nodes, preview, settings, tree as trees
+from . import document, library, looks, materials, messages, nodes, preview, settings, tree as trees
 from .operators import active_tree
 
 try:
@@ -157,12 +157,17 @@ def draw_bake(layout: bpy.types.UILayout, context: bpy.types.Context, tree: bpy.
     if choice.normal:
         column.row().prop(choice, "green", expand=True)
     column.prop(choice, "folder")
+    thing = settings.target_of(tree)
+    if thing is not None and materials.is_shared(thing):
+        column.prop(choice, "shared")
     buttons = layout.column()
     buttons.scale_y = 1.3
     buttons.operator("fernwick.bake_material", icon="MATERIAL")
     row = layout.row(align=True)
     row.operator("fernwick.bake_images", text="Images", icon="IMAGE_DATA")
     row.operator("fernwick.bake_sequence", text="Sequence", icon="RENDER_ANIMATION")
+    if text := messages.baked(tree):
+        preview.draw_text(layout, text, looks.sidebar_width(context), "INFO")
 
 
 def draw_menu(self: Any, context: bpy.types.Context) -> None:

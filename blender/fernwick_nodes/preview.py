@@ -8,7 +8,6 @@ from __future__ import annotations
 
 import threading
 import time
-import warnings
 from collections.abc import Callable
 from dataclasses import dataclass, field
 from typing import TYPE_CHECKING, Any
@@ -111,11 +110,10 @@ class _Worker:
 
         start = time.perf_counter()
         try:
-            with warnings.catch_warnings(record=True) as doubts:  # of graphs and shaders, for the interface
-                warnings.simplefilter("always")
+            with messages.heard() as doubts:
                 picture, channel = job.shade(size, progress)
             result = _result(job.tree, picture, channel, time.perf_counter() - start)
-            job.doubts |= {str(doubt.message): None for doubt in doubts}
+            job.doubts |= dict.fromkeys(doubts)
             result.doubts = tuple(job.doubts)
             result.is_whole = size == job.size
         except Stopped:
@@ -337,6 +335,8 @@ class _Onto:
         tiles = self._graph.tiles(node=self._job.name)
         if not tiles:
             raise Refusal(f'"{self._job.name}" covers nothing of the picture: look at its UV map')
+        if text := self._job.arrays.left_out(side, side):
+            messages.hear(text)
         picture = self._graph.bake(side, side, channel, node=self._job.name, tile=tiles[0], margin=2, progress=progress)
         return picture, channel
 
@@ -399,13 +399,12 @@ def _show(result: _Result) -> None:
 
 def _image(tree: bpy.types.NodeTree, width: int, height: int) -> bpy.types.Image:
     image = image_of(tree)
-    if image is None:
+    made = images.of_floats(image, f"{_IMAGE} {tree.name}")
+    if made != image:
         _drop_images()
-        image = bpy.data.images.new(f"{_IMAGE} {tree.name}", width, height, alpha=True, float_buffer=True)
-        image.alpha_mode = "CHANNEL_PACKED"
-    elif tuple(image.size) != (width, height) or not image.is_float or image.source != "GENERATED":
-        images.renew(image, width, height)
-    return image
+        made.alpha_mode = "CHANNEL_PACKED"
+    images.resize(made, width, height)
+    return made
 
 
 def _redraw() -> None:

@@ -2,12 +2,9 @@
 
 from __future__ import annotations
 
-import re
-import warnings
-
 import bpy
 
-from . import handlers, nodes, operators, panels, preview, settings, sockets, tree
+from . import handlers, messages, nodes, operators, panels, preview, settings, sockets, tree
 
 _registered: list[type] = []
 _keymaps: list[tuple[bpy.types.KeyMap, bpy.types.KeyMapItem]] = []
@@ -20,10 +17,7 @@ def register(is_complete: bool) -> None:
     if not is_complete:
         _add(panels.FERNWICK_PT_missing)
         return
-    import fernwick
-
-    # The interface tells it, see `messages`.
-    warnings.filterwarnings("ignore", category=fernwick.GraphWarning, module=re.escape(__package__))
+    messages.listen()
     for each in (settings.FernwickSettings, settings.FernwickTreePointer, sockets.FernwickShaderSocket):
         _add(each)
     tree.FernwickTree.__annotations__["settings"] = bpy.props.PointerProperty(type=settings.FernwickSettings)
@@ -61,6 +55,7 @@ def unregister() -> None:
         panels.unregister_menu()
         if hasattr(bpy.data, "node_groups"):
             handlers.let_go()
+        messages.unlisten()
         del bpy.types.Scene.fernwick_trees, bpy.types.Scene.fernwick_tree
     while _registered:
         bpy.utils.unregister_class(_registered.pop())

@@ -14,7 +14,7 @@ from typing import TYPE_CHECKING, Any
 import bpy
 import numpy as np
 
-from .meshes import HAVE_MESHES, arrays_of, rigid
+from .meshes import HAVE_MESHES, arrays_of, rigid_of
 
 if TYPE_CHECKING:
     import fernwick
@@ -49,7 +49,7 @@ def scene_of(
         mesh = meshes.get(thing.name)
         if thing.name not in meshes and thing.name in surfaces and thing.type in HAVE_MESHES:
             evaluated = thing.evaluated_get(depsgraph)
-            mesh = arrays_of(thing, depsgraph).mesh(rigid(evaluated.matrix_world)[2])
+            mesh = arrays_of(thing, depsgraph).mesh(rigid_of(evaluated)[2])
         elements[thing.name] = element_of(thing, depsgraph, mesh)
     camera = depsgraph.scene.camera
     return fernwick.Scene(list(elements.values()), camera=camera.name if camera and camera.name in elements else None)
@@ -61,7 +61,7 @@ def element_of(
     import fernwick
 
     evaluated = thing.evaluated_get(depsgraph)
-    position, rotation, _ = rigid(evaluated.matrix_world)
+    position, rotation, _ = rigid_of(evaluated)
     element = fernwick.Element(thing.name, mesh, position=position, rotation=rotation)
     hot_point = thing.get(HOT_POINT)
     if hot_point is not None and len(hot_point) == 3:

@@ -82,6 +82,12 @@ class FernwickSettings(bpy.types.PropertyGroup):
         description="Of normal maps",
         items=[("up", "Up", "Along V, as Blender takes it"), ("down", "Down", "Against V, as some games take it")],
     )
+    shared: bpy.props.BoolProperty(  # type: ignore[valid-type]
+        name="Shared",
+        description="All objects that share the mesh or the material get what is baked. Else the others keep their "
+        "look, and the object gets a material of its own",
+        default=False,
+    )
     folder: bpy.props.StringProperty(  # type: ignore[valid-type]
         name="Folder",
         description="Where pictures are put. Without one they are kept in the .blend; tiles and sequences go beside it",

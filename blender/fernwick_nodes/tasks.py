@@ -86,13 +86,13 @@ class TaskOperator:
 
     _runner: Runner | None = None
 
-    def task(self, context: bpy.types.Context) -> Task[str]:
-        """Returns what is reported in the end."""
+    def task(self, context: bpy.types.Context) -> Task[list[str]]:
+        """Returns what is reported in the end: what was done, and behind it what there is to say of that."""
         raise NotImplementedError
 
     def execute(self, context: bpy.types.Context) -> set[str]:
         try:
-            self.report({"INFO"}, run(self.task(context)))  # type: ignore[attr-defined]
+            self._tell(run(self.task(context)))
         except Exception as error:
             return self._fail(error)
         return {"FINISHED"}
@@ -121,9 +121,9 @@ class TaskOperator:
         context.window_manager.progress_update(self._runner.share * 100)
         if not is_done:
             return {"PASS_THROUGH"}
-        text = self._runner.result
+        texts = self._runner.result
         self._end(context)
-        self.report({"INFO"}, text)  # type: ignore[attr-defined]
+        self._tell(texts)
         return {"FINISHED"}
 
     def cancel(self, context: bpy.types.Context) -> None:
@@ -135,6 +135,9 @@ class TaskOperator:
         if self._runner is not None:
             self._runner.stop()
             self._runner = None
+
+    def _tell(self, texts: list[str]) -> None:
+        self.report({"WARNING" if len(texts) > 1 else "INFO"}, ". ".join(texts))  # type: ignore[attr-defined]
 
     def _fail(self, error: BaseException) -> set[str]:
         self.report({"ERROR"}, messages.explained(error))  # type: ignore[attr-defined]
