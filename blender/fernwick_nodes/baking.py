@@ -236,7 +236,7 @@ def sequence_task(
     if last < first:
         raise Refusal("The last frame comes before the first")
     before = bpy.context.scene.frame_current
-    thing_name, tree_name = _name_of(thing), graph.name if isinstance(graph, bpy.types.NodeTree) else ""
+    thing_name, tree_name = _object_name(thing), _name_of(graph) if isinstance(graph, bpy.types.NodeTree) else ""
     title, where = _text("name", name) or thing_name, _text("folder", folder) or images.BESIDE
     stems: dict[str, str] = {}
     try:
@@ -324,7 +324,7 @@ def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "", is_preview:
 
     :param is_preview: the mesh is that of the last time, if it hasn't changed, and may not be large
     """
-    _name_of(thing)
+    _object_name(thing)
     document, folder, files = document_of(graph)
     _text("uv_layer", uv_layer)
     if thing.name not in bpy.context.scene.objects:
@@ -352,11 +352,12 @@ def document_of(graph: Any) -> tuple[Mapping[str, Any], str, Mapping[str, Any]]:
     if isinstance(graph, bpy.types.NodeTree):
         from . import document
 
+        _name_of(graph)
         if graph.bl_idname != trees.FernwickTree.bl_idname:
             raise Refusal(f'"{graph.name}" is no tree of Fernwick')
         return document.shading_document(graph), document.folder_of(graph), {}
     if isinstance(graph, (str, os.PathLike)):
-        if not Path(graph).is_file():
+        if not os.path.isfile(graph):
             raise Refusal(f"There is no graph {graph}")
         graph = fernwick.Graph.load(graph)
     if isinstance(graph, Mapping):
@@ -409,13 +410,17 @@ def _options(**given: Any) -> dict[str, Any]:
     return given
 
 
-def _name_of(thing: Any) -> str:
+def _object_name(thing: Any) -> str:
     if not isinstance(thing, bpy.types.Object):
         raise Refusal(f"What is baked onto is an object of Blender: not {thing!r}")
+    return _name_of(thing)
+
+
+def _name_of(block: bpy.types.ID) -> str:
     try:
-        return thing.name
+        return block.name
     except ReferenceError:
-        raise Refusal("The object to bake onto is gone") from None
+        raise Refusal(f"The {'object' if issubclass(type(block), bpy.types.Object) else 'tree'} is gone") from None
 
 
 def _text(what: str, value: Any) -> str:
@@ -434,9 +439,13 @@ def _whole(what: str, value: Any) -> int:
 
 def _checked(call: Callable[..., Any], *arguments: Any, **options: Any) -> Any:
     """Calls the package, whose texts tell which argument is wrong."""
+    import fernwick
+
     try:
         return call(*arguments, **options)
     except (ValueError, TypeError) as error:
+        if isinstance(error, fernwick.Error):
+            raise
         raise Refusal(sentence(error)) from error
 
 
@@ -450,7 +459,7 @@ def _warn(remarks: list[str]) -> None:
 
 
 def _listed(tiles: list[int]) -> str:
-    return f"the tiles {', '.join(map(str, tiles[:8]))}{' and more' if len(tiles) > 8 else ''}"
+    return f"the tile{'s' * (len(tiles) > 1)} {', '.join(map(str, tiles[:8]))}{' and more' if len(tiles) > 8 else ''}"
 
 
 def _unheeded(share: float) -> None:

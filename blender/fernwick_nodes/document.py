@@ -29,25 +29,21 @@ def load(path: str, name: str = "") -> bpy.types.NodeTree:
 def from_document(document: Mapping[str, Any], folder: str, name: str) -> bpy.types.NodeTree:
     """A new tree of a document that makes a graph."""
     tree = trees.new_tree(name)
-    tree.folder = folder
-    tree.rest = json.dumps({key: value for key, value in document.items() if key not in ("shaders", "output")})
-    with trees.held():
-        made = {name: _add_node(tree, name, members) for name, members in document["shaders"].items()}
-        output = tree.nodes.new(nodes.FernwickOutputNode.bl_idname)
-        tree.nodes.active = output
-        for name, members in document["shaders"].items():
-            _plug(tree, made, name, members)
-        tree.links.new(made[document["output"]].outputs[0], output.inputs[0])
-    trees.tidy(tree)
-    _arrange(tree, output)
+    try:
+        _fill(tree, document, folder)
+    except BaseException:
+        bpy.data.node_groups.remove(tree)
+        raise
     return tree
 
 
-def save(tree: bpy.types.NodeTree, path: str) -> None:
+def save(tree: bpy.types.NodeTree, path: str | os.PathLike[str]) -> None:
     """Writes a tree as a document's file. Relative names of files are changed so that they lead where they led."""
     import fernwick
 
-    target = Path(bpy.path.abspath(path)).absolute()
+    if not isinstance(path, (str, os.PathLike)):
+        raise Refusal(f"A document is saved under the name of a file: not {path!r}")
+    target = Path(bpy.path.abspath(os.fspath(path))).absolute()
     document = to_document(tree)
     _store_images(document, target)
     _move_files(document, folder_of(tree), str(target.parent))
@@ -94,6 +90,20 @@ def rest_of(tree: bpy.types.NodeTree) -> dict[str, Any]:
     except ValueError:
         rest = {}
     return rest if isinstance(rest, dict) else {}
+
+
+def _fill(tree: bpy.types.NodeTree, document: Mapping[str, Any], folder: str) -> None:
+    tree.folder = folder
+    tree.rest = json.dumps({key: value for key, value in document.items() if key not in ("shaders", "output")})
+    with trees.held():
+        made = {name: _add_node(tree, name, members) for name, members in document["shaders"].items()}
+        output = tree.nodes.new(nodes.FernwickOutputNode.bl_idname)
+        tree.nodes.active = output
+        for name, members in document["shaders"].items():
+            _plug(tree, made, name, members)
+        tree.links.new(made[document["output"]].outputs[0], output.inputs[0])
+    trees.tidy(tree)
+    _arrange(tree, output)
 
 
 class _Writer:

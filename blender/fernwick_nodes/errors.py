@@ -16,4 +16,5 @@ def sentence(error: BaseException) -> str:
     text = " ".join(str(error).split()) or type(error).__name__
     if isinstance(error, MemoryError):
         text = "There isn't enough memory for that"
-    return text[:1].upper() + text[1:]
+    # The name of an argument or a shader, as in `cloth.fRepeatU: expected`, stays as it is.
+    return text[:1].upper() + text[1:] if text.partition(" ")[0].isalpha() else text

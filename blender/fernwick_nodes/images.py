@@ -264,5 +264,8 @@ def _folder(folder: str) -> Path:
     if folder.startswith("//") and not bpy.data.filepath:
         raise Refusal("Save the .blend first: the pictures are put beside it")
     path = Path(bpy.path.abspath(folder))
-    os.makedirs(path, exist_ok=True)
+    try:
+        os.makedirs(path, exist_ok=True)
+    except OSError as error:
+        raise Refusal(f"There can't be a folder {path}: {error.strerror}") from error
     return path

@@ -11,7 +11,9 @@ from types import ModuleType
 
 import bpy
 
+GUIDE = Path(__file__).parent / "guide.md"
 _WHEELS = Path(__file__).parent / "wheels"
+_NEEDS = "libassimp5 libembree3-3 libfmt9 libopenimageio2.4 libtbb12"  # packages of Debian 12, of the wheel
 _missing = ""
 
 
@@ -27,7 +29,7 @@ def load() -> ModuleType | None:
         module.classes()
         module.library()
     except Exception as error:  # whatever a broken build throws must not keep Blender from starting
-        _missing = f"The shaders can't be loaded: {error}"
+        _missing = f"The shaders can't be loaded: {error}. {_remedy(error)}, and start Blender anew"
         return None
     _missing = ""
     return module
@@ -36,6 +38,29 @@ def load() -> ModuleType | None:
 def missing() -> str:
     """Why the shaders can't be used; empty when they can."""
     return _missing
+
+
+def where() -> str:
+    """What is used, and how to begin."""
+    import fernwick
+
+    return (
+        f"The shaders are loaded from {fernwick.library().parent}. Split the 3D view and choose Fernwick as the type of "
+        "the new editor; its sidebar (N), tab Fernwick, makes the first tree"
+    )
+
+
+def _remedy(error: Exception) -> str:
+    text = str(error)
+    if "FERNWICK_LIBRARY" in text:
+        return "Mend or unset that variable of the environment"
+    if "shared object file" in text:
+        return f"Install what they need, in Debian 12 with: sudo apt install {_NEEDS}"
+    return (
+        "Install the package fernwick into the Python of this Blender, in Debian 12 with: "
+        "sudo apt install ./fernwick-shaders_*.deb ./python3-fernwick_*.deb; or take Debian 12's Blender and the zip "
+        "with the wheel in it"
+    )
 
 
 def _installed() -> ModuleType | None:

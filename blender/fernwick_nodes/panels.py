@@ -50,6 +50,21 @@ class FERNWICK_PT_missing(_InSidebar, bpy.types.Panel):
         column.label(text="Trees of this file are kept as they are.")
 
 
+class FernwickPreferences(bpy.types.AddonPreferences):
+    """Where to go on from the list of add-ons"""
+
+    bl_idname = __package__
+
+    def draw(self, context: bpy.types.Context) -> None:
+        layout = self.layout
+        width = looks.sidebar_width(context)
+        if library.missing():
+            preview.draw_text(layout, library.missing(), width)
+        else:
+            preview.draw_text(layout, library.where(), width, "CHECKMARK")
+        layout.operator("wm.path_open", text="Open the Guide", icon="HELP").filepath = str(library.GUIDE)
+
+
 class FERNWICK_PT_preview(_InEditor, bpy.types.Panel):
     bl_label = "Preview"
 

@@ -14,6 +14,7 @@ def register(is_complete: bool) -> None:
     """
     :param is_complete: whether the shaders are there; else only that is told
     """
+    _add(panels.FernwickPreferences)
     if not is_complete:
         _add(panels.FERNWICK_PT_missing)
         return

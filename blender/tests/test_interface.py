@@ -6,7 +6,7 @@ import types
 
 import bpy
 import fernwick
-from fernwick_nodes import looks, nodes, panels, preview
+from fernwick_nodes import library, looks, nodes, panels, preview
 from support import ROOT, Case, pixels
 
 
@@ -112,6 +112,19 @@ class Guide(Case):
         middle, edge = picture[20:34, 36:60, :3], picture[:6, :, :3]
         self.assertGreater(float(middle.std()), 3 * float(edge.std()))  # threads before a plain ground
         self.assertGreater(float(middle[..., 0].mean()), 1.2 * float(middle[..., 2].mean()))  # cream and rust
+
+    def test_comes_with_the_zip(self) -> None:
+        layout = Layout()
+        preferences = types.SimpleNamespace(system=types.SimpleNamespace(ui_scale=1))
+        region = types.SimpleNamespace(width=600)
+        context = types.SimpleNamespace(preferences=preferences, region=region)
+        panels.FernwickPreferences.draw(types.SimpleNamespace(layout=layout), context)
+        self.assertIn("Open the Guide", layout.seen)
+        text = library.GUIDE.read_text()
+        names = [name for name in re.findall(r"\]\(([^)]*)\)", text) if not name.startswith("#")]
+        self.assertGreater(len(names), 2)
+        for name in names:
+            self.assertTrue((library.GUIDE.parent / name).is_file(), name)
 
     def test_has_scripts_that_run(self) -> None:
         bpy.ops.wm.read_homefile(use_factory_startup=True)

@@ -137,6 +137,39 @@ class Remarks(Case):
             baking.bake(box, CLOTH, 8)
 
 
+class Arguments(Case):
+    def test_of_scripts_are_refused_with_a_sentence(self) -> None:
+        box = scene_with_lamp()
+        other = bpy.data.node_groups.new("Other", "ShaderNodeTree")
+        gone = box.copy()
+        bpy.data.objects.remove(gone)
+        gone_tree = self.cloth()
+        bpy.data.node_groups.remove(gone_tree)
+        for call, text in (
+            (lambda: baking.bake(box, CLOTH, "big"), "pixels from 1 to 32768, or two of them: not 'big'"),
+            (lambda: baking.bake(box, CLOTH, (8, 8, 8)), r"not \(8, 8, 8\)"),
+            (lambda: baking.bake(box, CLOTH, 0), "not 0"),
+            (lambda: baking.bake(box, CLOTH, 8, "colour"), "The channels are some of color, .*: not 'colour'"),
+            (lambda: baking.bake(box, CLOTH, 8, []), "The channels are some of"),
+            (lambda: baking.bake(box, CLOTH, 8, samples=0), "samples: expected 1 to 4096"),
+            (lambda: baking.bake(box, CLOTH, 8, tile=1002), "no tile 1002, only on the tile 1001"),
+            (lambda: baking.bake(box, CLOTH, 8, progress=5), "progress is a function"),
+            (lambda: baking.bake(box, CLOTH, 8, uv_layer=5), "uv_layer is a text"),
+            (lambda: baking.bake_images(box, CLOTH, 8, sample=1), 'takes no "sample"'),
+            (lambda: baking.bake_images(box, CLOTH, 8, folder="/proc/none"), "can't be a folder /proc/none"),
+            (lambda: baking.bake_material("Box", CLOTH, 8), "an object of Blender: not 'Box'"),
+            (lambda: baking.bake_sequence(box, CLOTH, 1.5, 2), "first frame is a whole number"),
+            (lambda: baking.bake(gone, CLOTH, 8), "object is gone"),
+            (lambda: baking.bake(box, gone_tree, 8), "tree is gone"),
+            (lambda: baking.bake(box, other, 8), "no tree of Fernwick"),
+            (lambda: baking.bake(box, "x" * 400, 8), "There is no graph"),
+        ):
+            with self.subTest(text), self.assertRaisesRegex(Refusal, text):
+                call()
+        with self.assertRaisesRegex(RuntimeError, 'no node "b" with a gradient'):
+            bpy.ops.fernwick.color(tree="a", node="b")
+
+
 class FullDisk(Case):
     def test_leaves_the_old_document(self) -> None:
         tree = self.cloth()
