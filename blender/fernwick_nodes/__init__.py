@@ -7,7 +7,7 @@ bl_info = {
     "author": "Fernwick",
     "version": (1, 0, 0),
     "blender": (3, 4, 0),
-    "location": "Fernwick Nodes editor; sidebar of the 3D View",
+    "location": "Node editor of the type Fernwick; sidebar of the 3D view",
     "description": "Nineteen shaders as nodes, with a live preview, baked onto objects",
     "category": "Node",
 }

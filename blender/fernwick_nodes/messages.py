@@ -42,9 +42,9 @@ def doubts(tree: bpy.types.NodeTree) -> str:
     return _of_trees.get(tree.name, {}).get(DOUBTS, "")
 
 
-def baked(tree: bpy.types.NodeTree) -> str:
+def baked(tree: bpy.types.NodeTree) -> list[str]:
     """What there is to say about the last bake of a tree."""
-    return _of_trees.get(tree.name, {}).get(BAKED, "")
+    return _of_trees.get(tree.name, {}).get(BAKED, "").splitlines()
 
 
 def tell_node(node: bpy.types.Node, text: str) -> None:

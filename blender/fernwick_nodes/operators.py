@@ -265,7 +265,7 @@ def _told(tree_name: str, text: str, remarks: list[str]) -> list[str]:
     tree = bpy.data.node_groups.get(tree_name)
     if tree is not None:
         remarks = [remark for remark in remarks if remark not in messages.doubts(tree)]
-        messages.tell(tree, messages.BAKED, ". ".join(remarks))
+        messages.tell(tree, messages.BAKED, "\n".join(remarks))
     return [text, *remarks]
 
 

@@ -181,7 +181,7 @@ def draw_bake(layout: bpy.types.UILayout, context: bpy.types.Context, tree: bpy.
     row = layout.row(align=True)
     row.operator("fernwick.bake_images", text="Images", icon="IMAGE_DATA")
     row.operator("fernwick.bake_sequence", text="Sequence", icon="RENDER_ANIMATION")
-    if text := messages.baked(tree):
+    for text in messages.baked(tree):
         preview.draw_text(layout, text, looks.sidebar_width(context), "INFO")
 
 

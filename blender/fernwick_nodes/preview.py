@@ -412,6 +412,10 @@ def _redraw() -> None:
         for area in window.screen.areas:
             if area.type in ("NODE_EDITOR", "IMAGE_EDITOR"):
                 area.tag_redraw()
+            elif area.type == "VIEW_3D":  # the scene needs no new look
+                for region in area.regions:
+                    if region.type == "UI":
+                        region.tag_redraw()
 
 
 def draw_text(layout: bpy.types.UILayout, text: str, width: float, sign: str = "ERROR") -> None:

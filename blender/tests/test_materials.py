@@ -54,12 +54,12 @@ class Sharing(Case):
         choice.target = box
         twin = self._copy(box)
         bpy.ops.fernwick.bake_material()
-        self.assertIn("share the mesh and keep their material: 1", messages.baked(tree))
+        self.assertIn("share the mesh and keep their material: 1", messages.baked(tree)[0])
         self.assertEqual(len(twin.material_slots), 1)
         self.assertIsNone(twin.material_slots[0].material)
         choice.shared = True
         bpy.ops.fernwick.bake_material()
-        self.assertEqual(messages.baked(tree), "")
+        self.assertEqual(messages.baked(tree), [])
         self.assertEqual(look(twin), look(box))
         tree.nodes["red"].color_ = (0, 0, 1, 1)
         before = look(twin)
@@ -105,4 +105,4 @@ class Slots(Case):
         tree.settings.target = box
         bpy.context.scene.fernwick_tree = tree
         bpy.ops.fernwick.bake_material()
-        self.assertEqual(messages.baked(tree), "")
+        self.assertEqual(messages.baked(tree), [])
