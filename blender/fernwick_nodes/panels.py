@@ -47,7 +47,7 @@ class FERNWICK_PT_missing(_InSidebar, bpy.types.Panel):
     def draw(self, context: bpy.types.Context) -> None:
         column = self.layout.column()
         preview.draw_text(column, library.missing(), looks.sidebar_width(context))
-        column.label(text="Trees of this file are kept as they are.")
+        preview.draw_text(column, "Trees of this file are kept as they are", looks.sidebar_width(context), "INFO")
 
 
 class FernwickPreferences(bpy.types.AddonPreferences):

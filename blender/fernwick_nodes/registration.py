@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import bpy
 
-from . import handlers, messages, nodes, operators, panels, preview, settings, sockets, tree
+from . import handlers, messages, nodes, operators, panels, preview, settings, sockets, tasks, tree
 
 _registered: list[type] = []
 _keymaps: list[tuple[bpy.types.KeyMap, bpy.types.KeyMapItem]] = []
@@ -51,6 +51,7 @@ def unregister() -> None:
             keymap.keymap_items.remove(item)
         _keymaps.clear()
         handlers.unregister()
+        tasks.stop_all()
         preview.unregister()
         bpy.types.NODE_MT_node.remove(panels.draw_menu)
         panels.unregister_menu()

@@ -33,6 +33,15 @@ def run(task: Task[Result], progress: Callable[[float], object] | None = None) -
         answer = step(progress if progress is not None else lambda share: None)  # type: ignore[arg-type]
 
 
+_running: set[Runner] = set()
+
+
+def stop_all() -> None:
+    """When the operators that look after them go."""
+    for runner in list(_running):
+        runner.stop()
+
+
 class Runner:
     """Does a task bit by bit: `advance` returns soon, and is called again until it returns True."""
 
@@ -44,9 +53,20 @@ class Runner:
         self._thread: threading.Thread | None = None
         self._answer: Any = None
         self._error: BaseException | None = None
+        _running.add(self)
 
     def advance(self) -> bool:
         """Raises what the task raises."""
+        try:
+            is_done = self._advance()
+        except BaseException:
+            _running.discard(self)
+            raise
+        if is_done:
+            _running.discard(self)
+        return is_done
+
+    def _advance(self) -> bool:
         if self._thread is not None:
             if self._thread.is_alive():
                 return False
@@ -64,6 +84,7 @@ class Runner:
 
     def stop(self) -> None:
         """Ends the work; waits for the thread."""
+        _running.discard(self)
         self._stop.set()
         if self._thread is not None:
             self._thread.join()

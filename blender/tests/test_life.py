@@ -45,6 +45,12 @@ from fernwick_nodes import document, errors as read_again
 assert read_again is not errors
 assert document.to_document(scene.fernwick_tree) == before
 assert bpy.ops.fernwick.bake_material() == {"FINISHED"}
+import threading
+from fernwick_nodes import baking, tasks
+runner = tasks.Runner(baking.images_task(bpy.context.object, scene.fernwick_tree, 8192, "color", samples=64))
+assert not runner.advance()
+bpy.ops.preferences.addon_disable(module="fernwick_nodes")
+assert "fernwick task" not in [thread.name for thread in threading.enumerate()]
 """,
             enable=True,
         )
