@@ -16,7 +16,7 @@ import bpy
 
 from . import images, materials, messages, tasks, tree as trees
 from .errors import BakeWarning, Refusal, sentence
-from .meshes import Arrays, arrays_of, kept_arrays_of, rigid_of
+from .meshes import Arrays, arrays_of, kept_arrays_of, rigid_of, unwrapping
 from .scene import scene_of
 
 if TYPE_CHECKING:
@@ -47,6 +47,7 @@ class Job:
     arrays: Arrays
     linear: NDArray[np.float64]
     frame: float
+    unwrapping: str  # how the object gets another UV map
     remarks: list[str] = field(default_factory=list)  # what there is to say of the pictures in the end
 
     def graph(self) -> fernwick.Graph:
@@ -287,7 +288,7 @@ def _pictures(
         numbers = graph.tiles(node=job.name, width=width, height=height)
         left_out = job.arrays.left_out(width, height)
         if not numbers:
-            raise Refusal(left_out or f'"{job.name}" covers nothing of the picture: look at its UV map')
+            raise Refusal(left_out or f'"{job.name}" covers nothing of the picture: {job.unwrapping}')
         numbers = chosen(numbers)
 
         def of_tile(i: int) -> Progress:
@@ -342,7 +343,9 @@ def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "", is_preview:
     else:
         arrays = arrays_of(thing, depsgraph, uv_layer, need_uv=True)
     scene = scene_of(depsgraph, document, {thing.name: None})
-    return Job(document, scene, folder, files, thing.name, arrays, linear, bpy.context.scene.frame_current)
+    return Job(
+        document, scene, folder, files, thing.name, arrays, linear, bpy.context.scene.frame_current, unwrapping(thing)
+    )
 
 
 def document_of(graph: Any) -> tuple[Mapping[str, Any], str, Mapping[str, Any]]:

@@ -139,7 +139,7 @@ def arrays_of(
     try:
         if mesh is None or not mesh.polygons:
             raise Refusal(f'"{thing.name}" has no faces')
-        return _copy(thing.name, mesh, uv_layer, need_uv)
+        return _copy(thing, mesh, uv_layer, need_uv)
     finally:
         evaluated.to_mesh_clear()
 
@@ -150,11 +150,17 @@ def active_uv(thing: bpy.types.Object) -> str:
     return next((layer.name for layer in layers if layer.active_render), "")
 
 
-def _copy(name: str, mesh: bpy.types.Mesh, uv_layer: str, need_uv: bool) -> Arrays:
+def unwrapping(thing: bpy.types.Object) -> str:
+    """How an object gets a UV map."""
+    return "unwrap it first (Edit Mode, U)" if thing.type == "MESH" else "convert it to a mesh, and unwrap that"
+
+
+def _copy(thing: bpy.types.Object, mesh: bpy.types.Mesh, uv_layer: str, need_uv: bool) -> Arrays:
+    name = thing.name
     if uv_layer and uv_layer not in mesh.uv_layers:
         raise Refusal(f'"{name}" has no UV map "{uv_layer}"')
     if need_uv and not mesh.uv_layers:
-        raise Refusal(f'"{name}" has no UV map: unwrap it first (Edit Mode, U)')
+        raise Refusal(f'"{name}" has no UV map: {unwrapping(thing)}')
     if not hasattr(mesh, "corner_normals"):  # before Blender 4.1
         mesh.calc_normals_split()
     mesh.calc_loop_triangles()

@@ -20,6 +20,7 @@ DOUBTS, BAKED = "doubts", "baked"  # topics
 _of_trees: dict[str, dict[str, str]] = {}  # by tree and topic
 _of_nodes: dict[tuple[str, str], str] = {}
 _FOLDER = str(Path(__file__).parent) + os.sep
+_REST = re.compile(r" \([\w/]+\.(cpp|h):\d+\)|, \d+ times$")  # of a report, where it comes from and how often
 _ears = threading.local()  # what is heard in a thread
 _show_before: Any = None  # while it is listened: what warnings were shown by
 
@@ -117,7 +118,7 @@ def _show(message: Warning | str, category: type[Warning], filename: str, *other
     import fernwick
 
     if issubclass(category, (fernwick.GraphWarning, fernwick.ShaderWarning)) and filename.startswith(_FOLDER):
-        hear(str(message))
+        hear(_REST.sub("", str(message)))
     else:
         _show_before(message, category, filename, *others, **also)
 

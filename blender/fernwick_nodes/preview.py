@@ -334,7 +334,7 @@ class _Onto:
         channel = _channel(self._graph, self._wanted)
         tiles = self._graph.tiles(node=self._job.name)
         if not tiles:
-            raise Refusal(f'"{self._job.name}" covers nothing of the picture: look at its UV map')
+            raise Refusal(f'"{self._job.name}" covers nothing of the picture: {self._job.unwrapping}')
         if text := self._job.arrays.left_out(side, side):
             messages.hear(text)
         picture = self._graph.bake(side, side, channel, node=self._job.name, tile=tiles[0], margin=2, progress=progress)

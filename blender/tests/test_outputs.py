@@ -117,7 +117,7 @@ class Remarks(Case):
         bpy.context.scene.fernwick_tree = tree
         with _console() as words:
             bpy.ops.fernwick.bake_images()
-        self.assertNotIn(".py:", words[0] + self.words.getvalue())
+        self.assertNotRegex(words[0] + self.words.getvalue(), r"\.(py|cpp):")
         self.assertEqual(sum("Nobody" in text for text in messages.baked(tree)), 1)
 
     def test_of_meshes_name_the_object(self) -> None:
