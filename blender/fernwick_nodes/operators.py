@@ -243,6 +243,8 @@ def _tree(context: bpy.types.Context) -> bpy.types.NodeTree:
 
 
 def _target(context: bpy.types.Context) -> bpy.types.Object:
+    """What is baked onto from now on: of the last bake nothing more is said."""
+    messages.tell(_tree(context), messages.BAKED, "")
     thing = settings.target_of(_tree(context))
     if thing is None:
         raise Refusal("Choose an object to bake onto")
