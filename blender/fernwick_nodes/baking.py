@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import functools
-import operator
 import os
 import sys
 import warnings
@@ -14,8 +13,8 @@ from typing import TYPE_CHECKING, Any
 
 import bpy
 
-from . import images, materials, messages, tasks, tree as trees
-from .errors import BakeWarning, Refusal, sentence
+from . import given, images, materials, messages, tasks, tree as trees
+from .errors import BakeWarning, Refusal
 from .meshes import Arrays, arrays_of, kept_arrays_of, rigid_of, unwrapping
 from .scene import scene_of
 
@@ -31,7 +30,6 @@ Channels = str | Sequence[str] | Callable[[tuple[str, ...]], list[str]] | None
 """Names of channels; or what chooses them of those that a graph offers; or None for those of a material."""
 MOST_FACES = 50_000  # of a preview: reading more would be felt
 MATERIAL_CHANNELS = ("color", "alpha", "normal")
-LONGEST_SIDE = 32768  # of a picture onto an object, in pixels
 _FOLDER = str(Path(__file__).parent) + os.sep
 
 
@@ -88,7 +86,7 @@ def bake(
 
     Raises Refusal and the errors of `fernwick`.
     """
-    options = _options(samples=samples, margin=margin, green=green, threads=threads)
+    options = given.options(samples=samples, margin=margin, green=green, threads=threads)
     job = prepare(thing, graph, uv_layer)
 
     def chosen(tiles: list[int]) -> list[int]:
@@ -198,10 +196,10 @@ def images_task(
     :param remarks: gets what there is to say
     :param arguments: further ones of `bake`: samples, margin, green, threads
     """
-    options = _options(**arguments)
-    where = _text("folder", folder)
+    options = given.options(**arguments)
+    where = given.text("folder", folder)
     job = prepare(thing, graph, uv_layer)
-    title = _text("name", name) or job.name
+    title = given.text("name", name) or job.name
     pictures: dict[int, Pictures] = yield lambda progress: _pictures(job, size, channels, progress, options)
     if remarks is not None:
         remarks += job.remarks
@@ -232,13 +230,16 @@ def sequence_task(
     **arguments: Any,
 ) -> tasks.Task[dict[str, bpy.types.Image]]:
     """What `bake_sequence` does. The scene ends at the frame where it was."""
-    options = _options(**arguments)
-    first, last = _whole("The first frame", first), _whole("The last frame", last)
+    options = given.options(**arguments)
+    first, last = given.whole("The first frame", first), given.whole("The last frame", last)
     if last < first:
         raise Refusal("The last frame comes before the first")
     before = bpy.context.scene.frame_current
-    thing_name, tree_name = _object_name(thing), _name_of(graph) if isinstance(graph, bpy.types.NodeTree) else ""
-    title, where = _text("name", name) or thing_name, _text("folder", folder) or images.BESIDE
+    thing_name, tree_name = (
+        given.object_name(thing),
+        given.name_of(graph) if isinstance(graph, bpy.types.NodeTree) else "",
+    )
+    title, where = given.text("name", name) or thing_name, given.text("folder", folder) or images.BESIDE
     stems: dict[str, str] = {}
     try:
         for frame in range(first, last + 1):
@@ -281,7 +282,7 @@ def _pictures(
     """The pictures of the tiles that are chosen of those that an object is laid out on. In any thread."""
     if not callable(progress):
         raise Refusal("The progress is a function of a share from 0 to 1")
-    width, height = _size(size)
+    width, height = given.size(size)
     with messages.heard() as heard:
         graph = job.graph()
         wanted = _channels(graph, channels)
@@ -295,7 +296,7 @@ def _pictures(
             return lambda share: progress((i + share) / len(numbers))
 
         made = {
-            number: _checked(
+            number: given.checked(
                 graph.bake, width, height, wanted, node=job.name, tile=number, progress=of_tile(i), **options
             )
             for i, number in enumerate(numbers)
@@ -325,9 +326,9 @@ def prepare(thing: bpy.types.Object, graph: Any, uv_layer: str = "", is_preview:
 
     :param is_preview: the mesh is that of the last time, if it hasn't changed, and may not be large
     """
-    _object_name(thing)
+    given.object_name(thing)
     document, folder, files = document_of(graph)
-    _text("uv_layer", uv_layer)
+    given.text("uv_layer", uv_layer)
     if thing.name not in bpy.context.scene.objects:
         raise Refusal(f'"{thing.name}" is not in this scene')
     depsgraph = bpy.context.evaluated_depsgraph_get()
@@ -355,7 +356,7 @@ def document_of(graph: Any) -> tuple[Mapping[str, Any], str, Mapping[str, Any]]:
     if isinstance(graph, bpy.types.NodeTree):
         from . import document
 
-        _name_of(graph)
+        given.name_of(graph)
         if graph.bl_idname != trees.FernwickTree.bl_idname:
             raise Refusal(f'"{graph.name}" is no tree of Fernwick')
         return document.shading_document(graph), document.folder_of(graph), {}
@@ -364,7 +365,7 @@ def document_of(graph: Any) -> tuple[Mapping[str, Any], str, Mapping[str, Any]]:
             raise Refusal(f"There is no graph {graph}")
         graph = fernwick.Graph.load(graph)
     if isinstance(graph, Mapping):
-        graph = _checked(fernwick.Graph, {key: value for key, value in graph.items() if key != "scene"})
+        graph = given.checked(fernwick.Graph, {key: value for key, value in graph.items() if key != "scene"})
     if isinstance(graph, fernwick.Shader):
         graph = fernwick.Graph(graph)
     if not isinstance(graph, fernwick.Graph):
@@ -392,64 +393,6 @@ def _channels(graph: fernwick.Graph, channels: Channels) -> list[str]:
     if "color" not in offered:  # a surface's own colour, or a number as a grey
         wanted[:0] = [channel for channel in ("main", "value") if channel in offered][:1]
     return wanted
-
-
-def _size(size: Any) -> tuple[int, int]:
-    try:
-        width, height = (size, size) if not isinstance(size, Sequence) else size
-        sides = operator.index(width), operator.index(height)
-        if all(1 <= side <= LONGEST_SIDE for side in sides):
-            return sides
-    except (TypeError, ValueError):
-        pass
-    raise Refusal(f"The size is a number of pixels from 1 to {LONGEST_SIDE}, or two of them: not {size!r}")
-
-
-def _options(**given: Any) -> dict[str, Any]:
-    known = ("samples", "margin", "green", "threads")
-    for name in given:
-        if name not in known:
-            raise Refusal(f'A bake takes no "{name}", only {", ".join(known)} and what the function names')
-    return given
-
-
-def _object_name(thing: Any) -> str:
-    if not isinstance(thing, bpy.types.Object):
-        raise Refusal(f"What is baked onto is an object of Blender: not {thing!r}")
-    return _name_of(thing)
-
-
-def _name_of(block: bpy.types.ID) -> str:
-    try:
-        return block.name
-    except ReferenceError:
-        raise Refusal(f"The {'object' if issubclass(type(block), bpy.types.Object) else 'tree'} is gone") from None
-
-
-def _text(what: str, value: Any) -> str:
-    made = os.fspath(value) if isinstance(value, os.PathLike) else value
-    if not isinstance(made, str):
-        raise Refusal(f"The {what} is a text: not {value!r}")
-    return made
-
-
-def _whole(what: str, value: Any) -> int:
-    try:
-        return operator.index(value)
-    except TypeError:
-        raise Refusal(f"{what} is a whole number: not {value!r}") from None
-
-
-def _checked(call: Callable[..., Any], *arguments: Any, **options: Any) -> Any:
-    """Calls the package, whose texts tell which argument is wrong."""
-    import fernwick
-
-    try:
-        return call(*arguments, **options)
-    except (ValueError, TypeError) as error:
-        if isinstance(error, fernwick.Error):
-            raise
-        raise Refusal(sentence(error)) from error
 
 
 def _warn(remarks: list[str]) -> None:
