@@ -1,9 +1,19 @@
 // What the page knows of the engine: the pack and the host's rooms as WebAssembly, one instance a worker.
 
+import { JobRunner } from "./engine-jobs";
+import { commandFor, documentOf, type Scenes } from "./engine-documents";
+import { CancelledError, EngineError, type Problem } from "./engine-errors";
+import { Pool } from "./engine-pool";
+
+export { CancelledError, EngineError, type Problem };
+
 /** What a class or source offers, as `fernwick list` names it. */
 export type Output = "value" | "color" | "vector" | "surface";
 
-/** What a field holds. A `code` is set by the `value` of one of its choices; of an `int32` with choices it is a number. */
+/**
+ * What a field holds. A `code` is set by the `value` of one of its choices; of an `int32` with choices it is a
+ * number.
+ */
 export type FieldType =
     | "float"
     | "int32"
@@ -70,46 +80,7 @@ export interface GraphDocument {
 
 /** What of the output goes into the picture, as `--output` of `fernwick bake` has it. */
 export type Channel =
-    | "color"
-    | "main"
-    | "alpha"
-    | "second"
-    | "third"
-    | "fourth"
-    | "normal"
-    | "coverage"
-    | "value"
-    | "lit";
-
-/** Something wrong or doubtful in a graph, and where. */
-export interface Problem {
-    /** JSON pointer (RFC 6901) to the value in the document, such as `/shaders/cloth/fRepeatU`; "" for all of it. */
-    readonly pointer: string;
-    /** What is expected there and what is there, without the place. */
-    readonly message: string;
-    /** Of text that isn't JSON: from 1. */
-    readonly line?: number;
-    readonly column?: number;
-}
-
-/** What `Engine.bake`, `Engine.picture` and others reject with for a graph or request that can't be had. */
-export class EngineError extends Error implements Problem {
-    override readonly name = "EngineError";
-    readonly pointer: string;
-    readonly line?: number;
-    readonly column?: number;
-    constructor(problem: Problem) {
-        super(problem.message);
-        this.pointer = problem.pointer;
-        if (problem.line !== undefined) this.line = problem.line;
-        if (problem.column !== undefined) this.column = problem.column;
-    }
-}
-
-/** What `Job.done` rejects with when a job was cancelled, by itself or by a newer one in its slot. */
-export class CancelledError extends Error {
-    override readonly name = "CancelledError";
-}
+    "color" | "main" | "alpha" | "second" | "third" | "fourth" | "normal" | "coverage" | "value" | "lit";
 
 /** What there is to know of a graph before it is baked. */
 export type Check =
@@ -134,17 +105,19 @@ export type Surface =
     /** The UV square, U to the right and V up, as `fernwick bake` has it. */
     | { readonly kind: "square" }
     /**
-     * A map over the U and V of a shape, for a viewer to lay on it: each texel is a point of the shape's surface, which
-     * stands in the graph's scene as the element "Shape" or, for a graph without one, between a "Lamp", a "Target" and a
-     * "Camera". Sphere of radius 1 with its poles on Y, U around it from -Z over -X, +Z and +X, V up; torus of radius 0.75
-     * and tube 0.25 around Z; box and plane 2 wide. `shapeMesh` gives the same surface as triangles.
+     * A map over the U and V of a shape, for a viewer to lay on it: each texel is a point of the shape's surface,
+     * which stands in the graph's scene as the element "Shape" or, for a graph without a scene, as in `documentOf`,
+     * with a "Lamp", a "Target" and a "Camera" around it. `shapeMesh` gives the same surface as triangles.
      */
     | { readonly kind: "shape"; readonly shape: Shape }
     /** A map over the U and V of a given mesh, as `fernwick bake --onto` has it. Transparent beyond its margin. */
     | { readonly kind: "mesh"; readonly mesh: string; readonly margin?: number }
     /** What the scene's camera sees, as `fernwick render` has it. */
     | { readonly kind: "render"; readonly camera?: string }
-    /** The output on a shape in front of a camera, as `fernwick shade --on` shows it; the graph's scene doesn't count. */
+    /**
+     * The output on a shape in front of a camera, as `fernwick shade --on` shows it; the graph's own scene doesn't
+     * count.
+     */
     | { readonly kind: "view"; readonly shape: Shape; readonly lit?: boolean };
 
 export interface Region {
@@ -156,8 +129,9 @@ export interface Region {
 }
 
 /**
- * The numbers of a picture, four a pixel, row by row from the top, straight alpha. `rgba8` and `rgba16` are what a PNG of
- * `fernwick` holds: colours encoded as sRGB, numbers as they are, normals from -1 to 1. `float` is linear, unclamped.
+ * The numbers of a picture, four a pixel, row by row from the top, straight alpha. `rgba8` and `rgba16` are what a
+ * PNG of `fernwick` holds: colours encoded as sRGB, numbers as they are, normals from -1 to 1. `float` is linear,
+ * unclamped.
  */
 export type Format = "rgba8" | "rgba16" | "float";
 export interface Formats {
@@ -232,7 +206,10 @@ export interface Mesh {
     readonly indices: Uint32Array; // three a triangle, counter-clockwise outside
 }
 
-/** A picture that is given to graphs. Integers are taken as sRGB and floats as linear, unless the source says otherwise. */
+/**
+ * A picture that is given to graphs. Integers are taken as sRGB and floats as linear, unless the source says
+ * otherwise.
+ */
 export interface GivenPicture {
     readonly width: number;
     readonly height: number;
@@ -248,38 +225,183 @@ export interface Engine {
     /** By name, a class before a source. */
     table(name: string): ShaderTable | undefined;
 
-    /** Makes a picture known under the name that graphs have in a source's `file`, in place of any earlier one. */
-    givePicture(name: string, picture: GivenPicture): void;
-    /** Makes a mesh known, for surfaces and for a scene's `file`, where it is the element "Mesh". Rejects what is no mesh:
-     * indices that lead nowhere, arrays that don't fit each other. */
+    /**
+     * Makes a picture known under the name that graphs have in a source's `file`, in place of any earlier one.
+     * Rejects one whose pixels are more or fewer than its size tells. Graphs that are asked for afterwards have it;
+     * no need to wait.
+     */
+    givePicture(name: string, picture: GivenPicture): Promise<void>;
+    /**
+     * Makes a mesh known: for surfaces, for the `file` of an element's shape of the kind "model", and for a scene's
+     * `file`, where it is the element "Mesh". Rejects what is no mesh: indices that lead nowhere, arrays that don't
+     * fit each other.
+     */
     giveMesh(name: string, mesh: Mesh): Promise<void>;
     forget(name: string): void;
 
     /** Reads a graph and makes it live. Never rejects for a graph. */
     check(graph: Graph, frame?: number): Promise<Check>;
 
-    /** Bakes or renders in tiles, over all workers. `onPart` gets coarser pictures whole, then tiles of the full one. */
+    /**
+     * Bakes or renders in tiles, over all workers. `onPart` gets coarser pictures whole, then tiles of the full one.
+     */
     bake<F extends Format = "rgba8">(request: Request<F>, onPart?: (part: Part<F>) => void): Job<F>;
 
-    /** A shape as triangles, with the U and V of its maps. */
-    shapeMesh(shape: Shape): Mesh;
+    /** A shape as triangles, with the U and V of its maps, in the coordinates of its element. */
+    shapeMesh(shape: Shape): Promise<Mesh>;
 
-    /** The command line that makes the same picture, of a graph that was saved under `graphFile`. Given pictures and
-     * meshes are named as they are given. */
-    command(request: Request, graphFile: string, pictureFile: string): string;
+    /** The graph that a request is of: of a shape or view with what stands around the shape in its scene. Throws
+     * `EngineError` for what is no JSON. */
+    documentOf(request: Request): GraphDocument;
+
+    /**
+     * The command line that makes the same picture of the request's document that was saved under `graphFile`; of a
+     * shape it renders the shape. Given pictures and meshes, and a graph below, are files of the names that they are
+     * given by.
+     * @param overFile of the request's `over`
+     */
+    command(request: Request, graphFile: string, pictureFile: string, overFile?: string): string;
 
     /** Ends the workers; jobs are cancelled. */
     dispose(): void;
 }
 
 export interface EngineOptions {
-    /** Where `engine.wasm` lies; beside this script, if missing. */
-    readonly wasm?: string | URL;
+    /** Where `engine.wasm` lies, or what it is compiled to; beside this script, if missing. */
+    readonly wasm?: string | URL | WebAssembly.Module;
     /** Where `engine-worker.js` lies; beside this script, if missing. */
     readonly worker?: string | URL;
     /** One a processor, if missing. */
     readonly workers?: number;
 }
 
-/** Loads the engine: one instance in each worker, compiled once. Rejects where it can't be fetched or WebAssembly lacks. */
-export declare function loadEngine(options?: EngineOptions): Promise<Engine>;
+/** The numbers of what can't be in a graph are refused as the engine does: by name and what is expected. */
+function refuse(message: string): never {
+    throw new EngineError({ pointer: "", message });
+}
+
+function requirePicture({ width, height, pixels }: GivenPicture): void {
+    const kLongestSide = 16384;
+    const isSide = (side: number) => Number.isInteger(side) && side >= 1 && side <= kLongestSide;
+    if (!isSide(width) || !isSide(height))
+        refuse(`a picture has 1 to ${kLongestSide} pixels a side, not ${width} x ${height}`);
+    if (pixels.length !== 4 * width * height)
+        refuse(`${width} x ${height} pixels have ${4 * width * height} numbers, not ${pixels.length}`);
+}
+
+function requireMesh({ positions, normals, uvs, indices }: Mesh): void {
+    const vertices = positions.length / 3;
+    if (!Number.isInteger(vertices) || indices.length % 3 !== 0)
+        refuse("a mesh has three numbers a vertex and three a triangle");
+    if (normals.length !== 0 && normals.length !== 3 * vertices)
+        refuse("a mesh has three numbers of normals a vertex, or none");
+    if (uvs.length !== 0 && uvs.length !== 2 * vertices) refuse("a mesh has two numbers of UV a vertex, or none");
+}
+
+class PooledEngine implements Engine {
+    readonly classes: readonly ShaderTable[];
+    readonly sources: readonly ShaderTable[];
+    private readonly jobs: JobRunner;
+
+    constructor(
+        private readonly pool: Pool,
+        private readonly tables: Tables,
+    ) {
+        this.classes = tables.classes.map((table) => ({ ...table, kind: "class" }));
+        this.sources = tables.sources.map((table) => ({ ...table, kind: "source", needs: ["UV"] }));
+        this.jobs = new JobRunner(pool, tables.scenes);
+    }
+
+    get workers(): number {
+        return this.pool.size;
+    }
+
+    table(name: string): ShaderTable | undefined {
+        return [...this.classes, ...this.sources].find((table) => table.name === name);
+    }
+
+    async givePicture(name: string, picture: GivenPicture): Promise<void> {
+        requirePicture(picture);
+        await this.pool.give({ kind: "picture", name, picture });
+    }
+
+    async giveMesh(name: string, mesh: Mesh): Promise<void> {
+        requireMesh(mesh);
+        await this.pool.give({ kind: "mesh", name, mesh });
+    }
+
+    forget(name: string): void {
+        this.pool.forget(name);
+    }
+
+    async check(graph: Graph, frame = 1): Promise<Check> {
+        try {
+            const text = typeof graph === "string" ? graph : JSON.stringify(graph);
+            const { value } = await this.pool.run({ call: "check", graph: text, frame }, Infinity);
+            const { frames, ...rest } = value as unknown as Checked;
+            return { ok: true, ...rest, ...(frames && { frames: { first: frames[0], last: frames[1] } }) };
+        } catch (error) {
+            if (!(error instanceof EngineError)) throw error;
+            const { pointer, message, line, column } = error;
+            return { ok: false, problem: { pointer, message, ...(line && { line }), ...(column && { column }) } };
+        }
+    }
+
+    bake<F extends Format = "rgba8">(request: Request<F>, onPart?: (part: Part<F>) => void): Job<F> {
+        return this.jobs.start(request, onPart);
+    }
+
+    async shapeMesh(shape: Shape): Promise<Mesh> {
+        const { value, numbers } = await this.pool.run({ call: "shapeMesh", shape }, Infinity);
+        const vertices = value["vertices"] as number;
+        const floats = (start: number, count: number) =>
+            new Float32Array(numbers!, 4 * start * vertices, count * vertices);
+        return {
+            positions: floats(0, 3),
+            normals: floats(3, 3),
+            uvs: floats(6, 2),
+            indices: new Uint32Array(numbers!, 4 * 8 * vertices),
+        };
+    }
+
+    documentOf(request: Request): GraphDocument {
+        return documentOf(request, this.tables.scenes);
+    }
+
+    command(request: Request, graphFile: string, pictureFile: string, overFile = "over.json"): string {
+        return commandFor(request, graphFile, pictureFile, overFile);
+    }
+
+    dispose(): void {
+        this.jobs.cancelAll();
+        this.pool.dispose();
+    }
+}
+
+interface Tables {
+    readonly classes: readonly Omit<ShaderTable, "kind">[];
+    readonly sources: readonly Omit<ShaderTable, "kind" | "needs">[];
+    readonly scenes: Scenes;
+}
+
+type Checked = Omit<Extract<Check, { ok: true }>, "ok" | "frames"> & { readonly frames?: readonly [number, number] };
+
+async function compiled(wasm: string | URL | WebAssembly.Module): Promise<WebAssembly.Module> {
+    if (wasm instanceof WebAssembly.Module) return wasm;
+    const response = await fetch(wasm);
+    if (!response.ok) throw new Error(`${wasm} can't be fetched: ${response.status} ${response.statusText}`);
+    // Servers of static files may not tell the type that compiling while fetching asks for.
+    return WebAssembly.compile(await response.arrayBuffer());
+}
+
+/**
+ * Loads the engine: one instance in each worker, compiled once. Rejects where it can't be fetched or WebAssembly
+ * lacks.
+ */
+export async function loadEngine(options: EngineOptions = {}): Promise<Engine> {
+    const module = await compiled(options.wasm ?? new URL("engine.wasm", import.meta.url));
+    const script = options.worker ?? new URL("engine-worker.js", import.meta.url);
+    const pool = new Pool(module, script, options.workers ?? navigator.hardwareConcurrency ?? 2);
+    const { value } = await pool.run({ call: "tables" }, Infinity);
+    return new PooledEngine(pool, value as unknown as Tables);
+}
