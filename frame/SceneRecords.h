@@ -1,5 +1,6 @@
 #pragma once
 #include "frame/Colors.h"
+#include "frame/Layout.h"
 #include "frame/ShadingIn.h"
 #include "frame/Vectors.h"
 
@@ -66,7 +67,8 @@ struct HitShadingBlock {
     ShadingIn fShading;
     uint8_t fHostData[32] = {};
 };
-static_assert(sizeof(HitShadingBlock) == 248 && offsetof(HitShadingBlock, fHostData) == 216);
+static_assert(
+    sizeof(HitShadingBlock) == BySize(248, 244) && offsetof(HitShadingBlock, fHostData) == BySize(216, 212));
 
 /// What a ray found, filled by the host.
 struct RayHitRecord {
@@ -95,10 +97,14 @@ static_assert(offsetof(RayHitRecord, fBlock) == 0 && offsetof(RayHitRecord, fHit
 static_assert(offsetof(RayHitRecord, fHitPoint) == 256 && offsetof(RayHitRecord, fTransforms) == 268);
 static_assert(offsetof(RayHitRecord, fShapeMatrix) == 364 && offsetof(RayHitRecord, fVectors) == 400);
 static_assert(offsetof(RayHitRecord, fKind) == 424 && offsetof(RayHitRecord, fHostDataA) == 428);
-static_assert(offsetof(RayHitRecord, fHostPointerA) == 456 && offsetof(RayHitRecord, fHostVector) == 464);
-static_assert(offsetof(RayHitRecord, fHostDataB) == 476 && offsetof(RayHitRecord, fFinishHit) == 488);
-static_assert(offsetof(RayHitRecord, fHostPointerB) == 496 && offsetof(RayHitRecord, fFlags) == 504);
-static_assert(offsetof(RayHitRecord, fNeedFinish) == 506 && sizeof(RayHitRecord) == 512);
+static_assert(
+    offsetof(RayHitRecord, fHostPointerA) == 456 && offsetof(RayHitRecord, fHostVector) == BySize(464, 460));
+static_assert(offsetof(RayHitRecord, fHostDataB) == BySize(476, 472)
+    && offsetof(RayHitRecord, fFinishHit) == BySize(488, 484));
+static_assert(offsetof(RayHitRecord, fHostPointerB) == BySize(496, 488)
+    && offsetof(RayHitRecord, fFlags) == BySize(504, 492));
+static_assert(
+    offsetof(RayHitRecord, fNeedFinish) == BySize(506, 494) && sizeof(RayHitRecord) == BySize(512, 504));
 
 /// One ray query.
 struct RayHitParams {
@@ -113,5 +119,6 @@ struct RayHitParams {
     uint64_t fLastWords[2] = {};
 };
 static_assert(offsetof(RayHitParams, fFarLimit) == 4 && offsetof(RayHitParams, fRay) == 8);
-static_assert(offsetof(RayHitParams, fHit) == 16 && offsetof(RayHitParams, fWords) == 24);
-static_assert(offsetof(RayHitParams, fLastWords) == 40 && sizeof(RayHitParams) == 56);
+static_assert(
+    offsetof(RayHitParams, fHit) == BySize(16, 12) && offsetof(RayHitParams, fWords) == BySize(24, 16));
+static_assert(offsetof(RayHitParams, fLastWords) == BySize(40, 32) && sizeof(RayHitParams) == BySize(56, 48));

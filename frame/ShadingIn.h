@@ -1,5 +1,6 @@
 #pragma once
 #include "frame/IMCUnknown.h"
+#include "frame/Layout.h"
 #include "frame/Vectors.h"
 
 /// What the host knows of one sample. The host owns and fills it; shaders may change it on its way to a
@@ -22,7 +23,7 @@ static_assert(offsetof(ShadingIn, fPointLocal) == 24 && offsetof(ShadingIn, fNor
 static_assert(offsetof(ShadingIn, fUV) == 48 && offsetof(ShadingIn, fHostDataA) == 56);
 static_assert(offsetof(ShadingIn, fDerivU) == 168 && offsetof(ShadingIn, fDerivV) == 180);
 static_assert(offsetof(ShadingIn, fHostDataB) == 192 && offsetof(ShadingIn, fChannelMask) == 204);
-static_assert(offsetof(ShadingIn, fInstance) == 208 && sizeof(ShadingIn) == 216);
+static_assert(offsetof(ShadingIn, fInstance) == 208 && sizeof(ShadingIn) == BySize(216, 212));
 
 /// `fChannelMask` after a surface evaluation of a sub-shader: all eleven channels.
 constexpr uint32_t kAllChannels = 2047;

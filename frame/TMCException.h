@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include <cstddef>
 #include <cstdint>
 
@@ -30,5 +31,6 @@ public:
     int32_t fLine;
     mutable TMCExceptionData* fData; ///< mutable because a throw copies from a const source
 };
-static_assert(offsetof(TMCException, fErrorCode) == 0 && offsetof(TMCException, fFile) == 8);
-static_assert(offsetof(TMCException, fLine) == 16 && offsetof(TMCException, fData) == 24);
+static_assert(offsetof(TMCException, fErrorCode) == 0 && offsetof(TMCException, fFile) == BySize(8, 4));
+static_assert(
+    offsetof(TMCException, fLine) == BySize(16, 8) && offsetof(TMCException, fData) == BySize(24, 12));

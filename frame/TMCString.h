@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -104,4 +105,4 @@ private:
 
 /// The form in parameter records.
 using TMCString255 = TMCStringOf<255>;
-static_assert(sizeof(TMCString255) == 280);
+static_assert(sizeof(TMCString255) == BySize(280, 272));

@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCString.h"
@@ -10,9 +11,9 @@ struct MultiPassControlParams {
     SubShaderSlot fSubShader;      ///< gives the level of "LREF"
 };
 PIN_LAYOUT(offsetof(MultiPassControlParams, fPassName) == 0);
-PIN_LAYOUT(
-    offsetof(MultiPassControlParams, fLevel) == 2800 && offsetof(MultiPassControlParams, fSubShader) == 2808);
-static_assert(sizeof(MultiPassControlParams) == 2816);
+PIN_LAYOUT(offsetof(MultiPassControlParams, fLevel) == BySize(2800, 2720)
+    && offsetof(MultiPassControlParams, fSubShader) == BySize(2808, 2724));
+static_assert(sizeof(MultiPassControlParams) == BySize(2816, 2728));
 
 /// The level that tells a MultiPassManager which pass is meant: one of ten constants, or a sub-shader's number.
 class MultiPassControl final : public ShaderOf<MultiPassControl, MultiPassControlParams> {

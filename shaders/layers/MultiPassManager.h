@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCString.h"
@@ -9,7 +10,8 @@ struct MultiPassManagerParams {
     SubShaderSlot fSubShader[11]; ///< the selector, then the shaders of passes 1 to 10
 };
 PIN_LAYOUT(offsetof(MultiPassManagerParams, fPassName) == 0);
-PIN_LAYOUT(offsetof(MultiPassManagerParams, fSubShader) == 2800 && sizeof(MultiPassManagerParams) == 2888);
+PIN_LAYOUT(offsetof(MultiPassManagerParams, fSubShader) == BySize(2800, 2720)
+    && sizeof(MultiPassManagerParams) == BySize(2888, 2764));
 
 /// A ten-way switch of surfaces: the tenth in which the selector's number falls is the pass, read anew in every
 /// sample.

@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCBool.h"
@@ -8,8 +9,9 @@ struct Shadow_passParams {
     TMCBool fSuppress = false; ///< no surface is produced
     SubShaderSlot fSubShader;  ///< surface, colour or value to pass through
 };
-static_assert(offsetof(Shadow_passParams, fSuppress) == 0 && offsetof(Shadow_passParams, fSubShader) == 8);
-static_assert(sizeof(Shadow_passParams) == 16);
+static_assert(
+    offsetof(Shadow_passParams, fSuppress) == 0 && offsetof(Shadow_passParams, fSubShader) == BySize(8, 4));
+static_assert(sizeof(Shadow_passParams) == BySize(16, 8));
 
 /// Passes its sub-shader through as a surface, or produces none.
 class Shadow_pass final : public ShaderOf<Shadow_pass, Shadow_passParams> {

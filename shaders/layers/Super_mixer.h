@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/TMCBool.h"
 #include "shaders/layers/RangeMix.h"
 
@@ -28,7 +29,8 @@ static_assert(
 static_assert(
     offsetof(Super_mixerParams, fShiftAmount) == 100 && offsetof(Super_mixerParams, fColorLevel) == 104);
 static_assert(offsetof(Super_mixerParams, fColor) == 108 && offsetof(Super_mixerParams, fBypass) == 124);
-static_assert(offsetof(Super_mixerParams, fSubShader) == 128 && sizeof(Super_mixerParams) == 224);
+static_assert(
+    offsetof(Super_mixerParams, fSubShader) == 128 && sizeof(Super_mixerParams) == BySize(224, 176));
 
 /// Mixes the colours of up to ten layers: those whose percentage range holds a control value, weighted at the
 /// edges of the ranges; or the sum of all.

@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/TMCBool.h"
 #include "shaders/layers/RangeMix.h"
 
@@ -28,9 +29,9 @@ static_assert(offsetof(Super_mixer_topParams, fDistribution) == 92);
 static_assert(offsetof(Super_mixer_topParams, fShiftAmount) == 96);
 static_assert(
     offsetof(Super_mixer_topParams, fColorLevel) == 100 && offsetof(Super_mixer_topParams, fColor) == 104);
-static_assert(
-    offsetof(Super_mixer_topParams, fBypass) == 120 && offsetof(Super_mixer_topParams, fSubShader) == 128);
-static_assert(sizeof(Super_mixer_topParams) == 224);
+static_assert(offsetof(Super_mixer_topParams, fBypass) == 120
+    && offsetof(Super_mixer_topParams, fSubShader) == BySize(128, 124));
+static_assert(sizeof(Super_mixer_topParams) == BySize(224, 172));
 
 /// Mixes whole surfaces: the layers whose percentage range holds a control value, weighted at the edges of the
 /// ranges.

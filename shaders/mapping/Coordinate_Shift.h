@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/SceneLookup.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
@@ -13,13 +14,13 @@ struct Coordinate_ShiftParams {
     TMCBool fShiftLocal[3] = {};                  ///< X, Y, Z of the object's coordinates move
     SubShaderSlot fSubShader;
 };
-PIN_LAYOUT(
-    offsetof(Coordinate_ShiftParams, fMode) == 0 && offsetof(Coordinate_ShiftParams, fObjectName) == 8);
-PIN_LAYOUT(offsetof(Coordinate_ShiftParams, fOffset) == 288
-    && offsetof(Coordinate_ShiftParams, fShiftGlobal) == 300);
-PIN_LAYOUT(offsetof(Coordinate_ShiftParams, fShiftLocal) == 303
-    && offsetof(Coordinate_ShiftParams, fSubShader) == 312);
-static_assert(sizeof(Coordinate_ShiftParams) == 320);
+PIN_LAYOUT(offsetof(Coordinate_ShiftParams, fMode) == 0
+    && offsetof(Coordinate_ShiftParams, fObjectName) == BySize(8, 4));
+PIN_LAYOUT(offsetof(Coordinate_ShiftParams, fOffset) == BySize(288, 276)
+    && offsetof(Coordinate_ShiftParams, fShiftGlobal) == BySize(300, 288));
+PIN_LAYOUT(offsetof(Coordinate_ShiftParams, fShiftLocal) == BySize(303, 291)
+    && offsetof(Coordinate_ShiftParams, fSubShader) == BySize(312, 296));
+static_assert(sizeof(Coordinate_ShiftParams) == BySize(320, 300));
 
 /// Moves the origin of the sample's coordinates, by a fixed offset or to a named object, and hands the sample
 /// to its sub-shader. The points move in the caller's record and stay moved.

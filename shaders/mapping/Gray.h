@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCBool.h"
@@ -15,8 +16,8 @@ struct GrayParams {
 };
 static_assert(offsetof(GrayParams, fSaturationShift) == 0 && offsetof(GrayParams, fRedShift) == 4);
 static_assert(offsetof(GrayParams, fGreenShift) == 8 && offsetof(GrayParams, fBlueShift) == 12);
-static_assert(offsetof(GrayParams, fMode) == 16 && offsetof(GrayParams, fSubShader) == 24);
-static_assert(offsetof(GrayParams, fColorSwitches) == 32 && sizeof(GrayParams) == 40);
+static_assert(offsetof(GrayParams, fMode) == 16 && offsetof(GrayParams, fSubShader) == BySize(24, 20));
+static_assert(offsetof(GrayParams, fColorSwitches) == BySize(32, 24) && sizeof(GrayParams) == BySize(40, 28));
 
 /// Filters what its sub-shader answers, a colour or the four colours of a surface: to their luminance, or to
 /// another saturation.

@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 
@@ -14,8 +15,8 @@ struct KeyParams {
 };
 static_assert(offsetof(KeyParams, fRedRange) == 0 && offsetof(KeyParams, fGreenRange) == 8);
 static_assert(offsetof(KeyParams, fBlueRange) == 16 && offsetof(KeyParams, fMode) == 24);
-static_assert(offsetof(KeyParams, fKeyColor) == 28 && offsetof(KeyParams, fSubShader) == 48);
-static_assert(sizeof(KeyParams) == 56);
+static_assert(offsetof(KeyParams, fKeyColor) == 28 && offsetof(KeyParams, fSubShader) == BySize(48, 44));
+static_assert(sizeof(KeyParams) == BySize(56, 48));
 
 /// Keys a colour out of its sub-shader: black or transparent inside a box around the key colour, white or
 /// opaque outside.

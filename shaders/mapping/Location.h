@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCBool.h"
@@ -27,7 +28,7 @@ struct LocationParams {
 static_assert(offsetof(LocationParams, fAxes) == 0 && offsetof(LocationParams, fCombine) == 48);
 static_assert(offsetof(LocationParams, fSpace) == 52 && offsetof(LocationParams, fUseSubShader) == 56);
 static_assert(offsetof(LocationParams, fDisturbPercent) == 60 && offsetof(LocationParams, fSubShader) == 64);
-static_assert(sizeof(LocationParams) == 72);
+static_assert(sizeof(LocationParams) == BySize(72, 68));
 
 /// Turns the sample's position into a mask, 0 to 1, by a ramp along each axis that is switched on.
 class Location final : public ShaderOf<Location, LocationParams> {

@@ -1,5 +1,6 @@
 #pragma once
 #include "frame/IMFPart.h"
+#include "frame/Layout.h"
 #include "frame/SceneLookup.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
@@ -43,24 +44,34 @@ struct FresnelParams {
     float fWhiteX = ColorSystems::sRGBSystem.xyYWhite[0];
     float fWhiteY = ColorSystems::sRGBSystem.xyYWhite[1];
 };
-PIN_LAYOUT(offsetof(FresnelParams, fCameraName) == 0 && offsetof(FresnelParams, fMixStyle) == 280);
-PIN_LAYOUT(offsetof(FresnelParams, fSubShader) == 288 && offsetof(FresnelParams, fIndex1Re) == 296);
-PIN_LAYOUT(offsetof(FresnelParams, fIndex1Im) == 300 && offsetof(FresnelParams, fIndex2Re) == 304);
-PIN_LAYOUT(offsetof(FresnelParams, fIndex2Im) == 308 && offsetof(FresnelParams, fPermeability1) == 312);
-PIN_LAYOUT(offsetof(FresnelParams, fPermeability2) == 316 && offsetof(FresnelParams, fPolarization) == 320);
-PIN_LAYOUT(offsetof(FresnelParams, fMode) == 324 && offsetof(FresnelParams, fIndex2ReOffset) == 328);
-PIN_LAYOUT(offsetof(FresnelParams, fIndex2ImOffset) == 332);
-PIN_LAYOUT(offsetof(FresnelParams, fPermeability2Offset) == 336);
-PIN_LAYOUT(offsetof(FresnelParams, fWavelength) == 340 && offsetof(FresnelParams, fDispersion) == 344);
-PIN_LAYOUT(offsetof(FresnelParams, fIndex2ReAtWavelength) == 348);
-PIN_LAYOUT(offsetof(FresnelParams, fIndex2ImAtWavelength) == 352);
-PIN_LAYOUT(offsetof(FresnelParams, fPreset1) == 356 && offsetof(FresnelParams, fPreset2) == 360);
-PIN_LAYOUT(offsetof(FresnelParams, fIlluminantPreset) == 364 && offsetof(FresnelParams, fColored) == 368);
-PIN_LAYOUT(offsetof(FresnelParams, fWavelengthColor) == 372);
-PIN_LAYOUT(offsetof(FresnelParams, fWavelengthLinear) == 388);
-PIN_LAYOUT(offsetof(FresnelParams, fIlluminantColor) == 400);
-PIN_LAYOUT(offsetof(FresnelParams, fTemperature) == 416 && offsetof(FresnelParams, fWhiteX) == 420);
-PIN_LAYOUT(offsetof(FresnelParams, fWhiteY) == 424 && sizeof(FresnelParams) == 432);
+PIN_LAYOUT(
+    offsetof(FresnelParams, fCameraName) == 0 && offsetof(FresnelParams, fMixStyle) == BySize(280, 272));
+PIN_LAYOUT(offsetof(FresnelParams, fSubShader) == BySize(288, 276)
+    && offsetof(FresnelParams, fIndex1Re) == BySize(296, 280));
+PIN_LAYOUT(offsetof(FresnelParams, fIndex1Im) == BySize(300, 284)
+    && offsetof(FresnelParams, fIndex2Re) == BySize(304, 288));
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2Im) == BySize(308, 292)
+    && offsetof(FresnelParams, fPermeability1) == BySize(312, 296));
+PIN_LAYOUT(offsetof(FresnelParams, fPermeability2) == BySize(316, 300)
+    && offsetof(FresnelParams, fPolarization) == BySize(320, 304));
+PIN_LAYOUT(offsetof(FresnelParams, fMode) == BySize(324, 308)
+    && offsetof(FresnelParams, fIndex2ReOffset) == BySize(328, 312));
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2ImOffset) == BySize(332, 316));
+PIN_LAYOUT(offsetof(FresnelParams, fPermeability2Offset) == BySize(336, 320));
+PIN_LAYOUT(offsetof(FresnelParams, fWavelength) == BySize(340, 324)
+    && offsetof(FresnelParams, fDispersion) == BySize(344, 328));
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2ReAtWavelength) == BySize(348, 332));
+PIN_LAYOUT(offsetof(FresnelParams, fIndex2ImAtWavelength) == BySize(352, 336));
+PIN_LAYOUT(offsetof(FresnelParams, fPreset1) == BySize(356, 340)
+    && offsetof(FresnelParams, fPreset2) == BySize(360, 344));
+PIN_LAYOUT(offsetof(FresnelParams, fIlluminantPreset) == BySize(364, 348)
+    && offsetof(FresnelParams, fColored) == BySize(368, 352));
+PIN_LAYOUT(offsetof(FresnelParams, fWavelengthColor) == BySize(372, 356));
+PIN_LAYOUT(offsetof(FresnelParams, fWavelengthLinear) == BySize(388, 372));
+PIN_LAYOUT(offsetof(FresnelParams, fIlluminantColor) == BySize(400, 384));
+PIN_LAYOUT(offsetof(FresnelParams, fTemperature) == BySize(416, 400)
+    && offsetof(FresnelParams, fWhiteX) == BySize(420, 404));
+PIN_LAYOUT(offsetof(FresnelParams, fWhiteY) == BySize(424, 408) && sizeof(FresnelParams) == BySize(432, 412));
 
 /// How much light a smooth boundary between two media reflects or lets through towards the eye, by the angle
 /// between the normal and the way to a named element; grey, or in the hue of one wavelength.

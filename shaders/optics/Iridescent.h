@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/SceneLookup.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
@@ -29,13 +30,18 @@ struct IridescentParams {
     uint32_t fReferenceMode = Code("RFVT"); ///< "OBJT": towards `fObjectName`; else the fixed direction
     SubShaderSlot fSubShader;
 };
-PIN_LAYOUT(offsetof(IridescentParams, fObjectName) == 0 && offsetof(IridescentParams, fBands) == 280);
-PIN_LAYOUT(offsetof(IridescentParams, fHoldLastBand) == 448);
-PIN_LAYOUT(offsetof(IridescentParams, fSameWidth) == 449 && offsetof(IridescentParams, fGrey) == 450);
-PIN_LAYOUT(offsetof(IridescentParams, fInvertGrey) == 451 && offsetof(IridescentParams, fAzimuth) == 452);
-PIN_LAYOUT(offsetof(IridescentParams, fElevation) == 456 && offsetof(IridescentParams, fMixStyle) == 460);
-PIN_LAYOUT(offsetof(IridescentParams, fReferenceMode) == 464);
-PIN_LAYOUT(offsetof(IridescentParams, fSubShader) == 472 && sizeof(IridescentParams) == 480);
+PIN_LAYOUT(
+    offsetof(IridescentParams, fObjectName) == 0 && offsetof(IridescentParams, fBands) == BySize(280, 272));
+PIN_LAYOUT(offsetof(IridescentParams, fHoldLastBand) == BySize(448, 440));
+PIN_LAYOUT(offsetof(IridescentParams, fSameWidth) == BySize(449, 441)
+    && offsetof(IridescentParams, fGrey) == BySize(450, 442));
+PIN_LAYOUT(offsetof(IridescentParams, fInvertGrey) == BySize(451, 443)
+    && offsetof(IridescentParams, fAzimuth) == BySize(452, 444));
+PIN_LAYOUT(offsetof(IridescentParams, fElevation) == BySize(456, 448)
+    && offsetof(IridescentParams, fMixStyle) == BySize(460, 452));
+PIN_LAYOUT(offsetof(IridescentParams, fReferenceMode) == BySize(464, 456));
+PIN_LAYOUT(offsetof(IridescentParams, fSubShader) == BySize(472, 460)
+    && sizeof(IridescentParams) == BySize(480, 464));
 
 /// Colours a surface by the angle between its normal and a reference direction, with seven overlapping bands.
 /// There is no wave optics in it.

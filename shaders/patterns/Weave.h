@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/Numbers.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
@@ -43,11 +44,13 @@ static_assert(offsetof(WeaveParams, fRepeatU) == 60 && offsetof(WeaveParams, fRe
 static_assert(offsetof(WeaveParams, fWarpWidth) == 68 && offsetof(WeaveParams, fWeftWidth) == 88);
 static_assert(offsetof(WeaveParams, fMask) == 108 && offsetof(WeaveParams, fMaskInvert) == 109);
 static_assert(offsetof(WeaveParams, fDisplaceBeforeSubShader) == 112);
-static_assert(offsetof(WeaveParams, fDisplaceAfterSubShader) == 120);
-static_assert(offsetof(WeaveParams, fGapSubShader) == 128);
-static_assert(offsetof(WeaveParams, fWarpSubShader) == 136 && offsetof(WeaveParams, fWeftSubShader) == 176);
-static_assert(offsetof(WeaveParams, fAlongUV) == 216 && offsetof(WeaveParams, fAcrossUV) == 217);
-static_assert(sizeof(WeaveParams) == 224);
+static_assert(offsetof(WeaveParams, fDisplaceAfterSubShader) == BySize(120, 116));
+static_assert(offsetof(WeaveParams, fGapSubShader) == BySize(128, 120));
+static_assert(offsetof(WeaveParams, fWarpSubShader) == BySize(136, 124)
+    && offsetof(WeaveParams, fWeftSubShader) == BySize(176, 144));
+static_assert(offsetof(WeaveParams, fAlongUV) == BySize(216, 164)
+    && offsetof(WeaveParams, fAcrossUV) == BySize(217, 165));
+static_assert(sizeof(WeaveParams) == BySize(224, 168));
 
 /// Woven cloth in UV space: warp threads along V, weft threads along U, and a matrix that says which lies on top
 /// at each crossing. Threads and gaps take their colour from sub-shaders; the second output bends the normal to

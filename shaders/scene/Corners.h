@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/Numbers.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
@@ -15,8 +16,9 @@ struct CornersParams {
 };
 static_assert(offsetof(CornersParams, fWidthPercent) == 0 && offsetof(CornersParams, fStepDivisor) == 4);
 static_assert(offsetof(CornersParams, fLevel) == 8 && offsetof(CornersParams, fCornerMode) == 12);
-static_assert(offsetof(CornersParams, fGridOption) == 16 && offsetof(CornersParams, fSubShader) == 24);
-static_assert(sizeof(CornersParams) == 32);
+static_assert(
+    offsetof(CornersParams, fGridOption) == 16 && offsetof(CornersParams, fSubShader) == BySize(24, 20));
+static_assert(sizeof(CornersParams) == BySize(32, 24));
 
 /// Creases in UV space: the largest angle between the normal under the sample and normals probed along four
 /// lines of a grid. It asks the host for nothing.

@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/SceneLookup.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
@@ -29,12 +30,18 @@ struct CurvatureParams {
     int32_t fMixStyle = Code("SMMX"); ///< "SHMX": the sub-shader drives the running angle
     SubShaderSlot fSubShader;
 };
-PIN_LAYOUT(offsetof(CurvatureParams, fObjectName) == 0 && offsetof(CurvatureParams, fSurfaceName) == 280);
-PIN_LAYOUT(offsetof(CurvatureParams, fBands) == 560 && offsetof(CurvatureParams, fClampTop) == 728);
-PIN_LAYOUT(offsetof(CurvatureParams, fSharedWidth) == 729 && offsetof(CurvatureParams, fRawAngle) == 730);
-PIN_LAYOUT(offsetof(CurvatureParams, fInvertRaw) == 731 && offsetof(CurvatureParams, fAngleA) == 732);
-PIN_LAYOUT(offsetof(CurvatureParams, fAngleB) == 736 && offsetof(CurvatureParams, fMixStyle) == 740);
-PIN_LAYOUT(offsetof(CurvatureParams, fSubShader) == 744 && sizeof(CurvatureParams) == 752);
+PIN_LAYOUT(offsetof(CurvatureParams, fObjectName) == 0
+    && offsetof(CurvatureParams, fSurfaceName) == BySize(280, 272));
+PIN_LAYOUT(offsetof(CurvatureParams, fBands) == BySize(560, 544)
+    && offsetof(CurvatureParams, fClampTop) == BySize(728, 712));
+PIN_LAYOUT(offsetof(CurvatureParams, fSharedWidth) == BySize(729, 713)
+    && offsetof(CurvatureParams, fRawAngle) == BySize(730, 714));
+PIN_LAYOUT(offsetof(CurvatureParams, fInvertRaw) == BySize(731, 715)
+    && offsetof(CurvatureParams, fAngleA) == BySize(732, 716));
+PIN_LAYOUT(offsetof(CurvatureParams, fAngleB) == BySize(736, 720)
+    && offsetof(CurvatureParams, fMixStyle) == BySize(740, 724));
+PIN_LAYOUT(
+    offsetof(CurvatureParams, fSubShader) == BySize(744, 728) && sizeof(CurvatureParams) == BySize(752, 732));
 
 /// The curvature of a named surface under the sample, from one short ray: the Gaussian curvature in red where
 /// it is positive, in blue where it is negative, and green where the ray misses.

@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/TMCBool.h"
 #include "shaders/scene/ReferencePoint.h"
@@ -13,10 +14,12 @@ struct LitParams {
     int32_t fReference = Code("Opt1"); ///< where the light is measured from
     TMCBool fUseMinAngle;              ///< tests the lower bound too
 };
-PIN_LAYOUT(offsetof(LitParams, fLightName) == 0 && offsetof(LitParams, fInvert) == 280);
-PIN_LAYOUT(offsetof(LitParams, fUseLightColor) == 281 && offsetof(LitParams, fFoldAngle) == 282);
-PIN_LAYOUT(offsetof(LitParams, fAngleRange) == 284 && offsetof(LitParams, fReference) == 292);
-PIN_LAYOUT(offsetof(LitParams, fUseMinAngle) == 296 && sizeof(LitParams) == 304);
+PIN_LAYOUT(offsetof(LitParams, fLightName) == 0 && offsetof(LitParams, fInvert) == BySize(280, 272));
+PIN_LAYOUT(offsetof(LitParams, fUseLightColor) == BySize(281, 273)
+    && offsetof(LitParams, fFoldAngle) == BySize(282, 274));
+PIN_LAYOUT(offsetof(LitParams, fAngleRange) == BySize(284, 276)
+    && offsetof(LitParams, fReference) == BySize(292, 284));
+PIN_LAYOUT(offsetof(LitParams, fUseMinAngle) == BySize(296, 288) && sizeof(LitParams) == BySize(304, 292));
 
 /// How far a named light reaches the surface, as a grey amount or in the light's colour: by the angle to the
 /// normal and by the light's own range and cone. No shadows are traced.

@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/SubShader.h"
 #include "frame/TMCBool.h"
@@ -19,13 +20,19 @@ struct ProximityParams {
     TMCBool fSingleObject = true; ///< one named element; false: the nearest of a group
     SubShaderSlot fSubShader;
 };
-PIN_LAYOUT(offsetof(ProximityParams, fTargetName) == 0 && offsetof(ProximityParams, fUseShader) == 280);
-PIN_LAYOUT(offsetof(ProximityParams, fShaderStrength) == 284);
-PIN_LAYOUT(offsetof(ProximityParams, fReference) == 288 && offsetof(ProximityParams, fAxisX) == 292);
-PIN_LAYOUT(offsetof(ProximityParams, fAxisY) == 293 && offsetof(ProximityParams, fAxisZ) == 294);
-PIN_LAYOUT(offsetof(ProximityParams, fMaxDistance) == 296 && offsetof(ProximityParams, fFalloff) == 300);
-PIN_LAYOUT(offsetof(ProximityParams, fOffset) == 304 && offsetof(ProximityParams, fSingleObject) == 308);
-PIN_LAYOUT(offsetof(ProximityParams, fSubShader) == 312 && sizeof(ProximityParams) == 320);
+PIN_LAYOUT(
+    offsetof(ProximityParams, fTargetName) == 0 && offsetof(ProximityParams, fUseShader) == BySize(280, 272));
+PIN_LAYOUT(offsetof(ProximityParams, fShaderStrength) == BySize(284, 276));
+PIN_LAYOUT(offsetof(ProximityParams, fReference) == BySize(288, 280)
+    && offsetof(ProximityParams, fAxisX) == BySize(292, 284));
+PIN_LAYOUT(offsetof(ProximityParams, fAxisY) == BySize(293, 285)
+    && offsetof(ProximityParams, fAxisZ) == BySize(294, 286));
+PIN_LAYOUT(offsetof(ProximityParams, fMaxDistance) == BySize(296, 288)
+    && offsetof(ProximityParams, fFalloff) == BySize(300, 292));
+PIN_LAYOUT(offsetof(ProximityParams, fOffset) == BySize(304, 296)
+    && offsetof(ProximityParams, fSingleObject) == BySize(308, 300));
+PIN_LAYOUT(
+    offsetof(ProximityParams, fSubShader) == BySize(312, 304) && sizeof(ProximityParams) == BySize(320, 308));
 
 /// How near the shaded object lies to another one, from 1 when close to 0 at the limit. Distances are between
 /// origins; no mesh is looked at, and nothing of the scene is kept between samples.

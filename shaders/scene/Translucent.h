@@ -1,4 +1,5 @@
 #pragma once
+#include "frame/Layout.h"
 #include "frame/ShaderOf.h"
 #include "frame/TMCBool.h"
 #include "shaders/scene/ReferencePoint.h"
@@ -14,11 +15,13 @@ struct TranslucentParams {
     TVector2 fCurveHandles{0, 100};      ///< the two inner control values of the curve, used as they stand
 };
 PIN_LAYOUT(offsetof(TranslucentParams, fCameraName) == 0);
-PIN_LAYOUT(offsetof(TranslucentParams, fLightName) == 280 && offsetof(TranslucentParams, fInvert) == 560);
-PIN_LAYOUT(offsetof(TranslucentParams, fFalloffMode) == 564);
-PIN_LAYOUT(offsetof(TranslucentParams, fAngleRange) == 568);
-PIN_LAYOUT(offsetof(TranslucentParams, fReference) == 576);
-PIN_LAYOUT(offsetof(TranslucentParams, fCurveHandles) == 580 && sizeof(TranslucentParams) == 592);
+PIN_LAYOUT(offsetof(TranslucentParams, fLightName) == BySize(280, 272)
+    && offsetof(TranslucentParams, fInvert) == BySize(560, 544));
+PIN_LAYOUT(offsetof(TranslucentParams, fFalloffMode) == BySize(564, 548));
+PIN_LAYOUT(offsetof(TranslucentParams, fAngleRange) == BySize(568, 552));
+PIN_LAYOUT(offsetof(TranslucentParams, fReference) == BySize(576, 560));
+PIN_LAYOUT(offsetof(TranslucentParams, fCurveHandles) == BySize(580, 564)
+    && sizeof(TranslucentParams) == BySize(592, 572));
 
 /// A grey level from the angle between a light and a viewer as seen from the shaded object: bright where the
 /// surface is seen against the light. Any element can stand for either.
