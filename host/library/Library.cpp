@@ -52,6 +52,18 @@ Library::Library(const std::filesystem::path& path, MCCountedPtr<Utilities> util
     fInit(fUtilities.Get());
 }
 
+Library::Library(const ModuleFunctions& linked, const ModuleFunctions& unrouted)
+    : Library(linked, MakeCounted<Utilities>())
+{
+    fUnrouted.reset(new Library(unrouted, fUtilities));
+}
+
+Library::Library(const ModuleFunctions& linked, MCCountedPtr<Utilities> utilities)
+    : ModuleFunctions(linked), fUtilities(utilities)
+{
+    fInit(fUtilities.Get());
+}
+
 Library::~Library()
 {
     if (HasLiveComponents())

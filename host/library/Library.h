@@ -17,13 +17,27 @@ public:
 /// Throws `LibraryError` when there is no file to load at a path. It isn't opened.
 void RequireLibraryFile(const std::filesystem::path& path);
 
-/// The built module, opened by path and initialised. It cleans up and closes the module when it goes; what was
-/// made of it must be gone by then, and a module with live components is left open rather than pulled away.
-class Library {
+/// The six functions of a module.
+struct ModuleFunctions {
+    MCDllInitFunction fInit = nullptr;
+    MCDllCleanUpFunction fCleanUp = nullptr;
+    MCDllInitExceptionTranslatorFunction fInitExceptionTranslator = nullptr;
+    MCDllCleanUpExceptionTranslatorFunction fCleanUpExceptionTranslator = nullptr;
+    MCDllGetClassObjectFunction fGetClassObject = nullptr;
+    MCDllCanUnloadNowFunction fCanUnloadNow = nullptr;
+};
+
+/// The built module, opened by path and initialised, with its functions for those who drive them by themselves. It
+/// cleans up and closes the module when it goes; what was made of it must be gone by then, and a module with live
+/// components is left open rather than pulled away.
+class Library : public ModuleFunctions {
 public:
     /// Opens and initialises the module at `path`. Throws `LibraryError`.
     explicit Library(
         const std::filesystem::path& path, MCCountedPtr<Utilities> utilities = MakeCounted<Utilities>());
+    /// Initialises a module that is linked into the program, where none can be opened.
+    /// @param unrouted  what stands for `Fernwick_unrouted`, linked too
+    Library(const ModuleFunctions& linked, const ModuleFunctions& unrouted);
     ~Library();
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
@@ -42,14 +56,6 @@ public:
     /// Makes an object with the class's factory and stores its face `id`.
     MCErr CreateInstance(const GUID& classID, IMCUnknown* outer, const GUID& id, void** out) const;
 
-    /// The six functions, for those who drive them by themselves.
-    MCDllInitFunction fInit = nullptr;
-    MCDllCleanUpFunction fCleanUp = nullptr;
-    MCDllInitExceptionTranslatorFunction fInitExceptionTranslator = nullptr;
-    MCDllCleanUpExceptionTranslatorFunction fCleanUpExceptionTranslator = nullptr;
-    MCDllGetClassObjectFunction fGetClassObject = nullptr;
-    MCDllCanUnloadNowFunction fCanUnloadNow = nullptr;
-
 private:
     struct Closer {
         void operator()(void* handle) const;
@@ -60,6 +66,7 @@ private:
     std::unique_ptr<void, Closer> fHandle;
     mutable std::unique_ptr<Library> fUnrouted;
 
+    Library(const ModuleFunctions& linked, MCCountedPtr<Utilities> utilities);
     template <class Function> void Bind(Function& function, const char* name);
 };
 
