@@ -1,5 +1,6 @@
 #include "host/sources/GivenPicture.h"
-#include <OpenImageIO/imageio.h>
+#include <algorithm>
+#include <limits>
 
 namespace fernwick {
 
@@ -8,11 +9,10 @@ namespace {
 /// Integers as the decoders of files make floats of them.
 template <class Number> std::vector<float> FloatsOf(std::span<const Number> numbers)
 {
+    constexpr float kScale = 1.0f / std::numeric_limits<Number>::max();
     std::vector<float> floats(numbers.size());
-    constexpr size_t kAtATime = 1 << 20; // they are counted by an int
-    for (size_t i = 0; i < numbers.size(); i += kAtATime)
-        OIIO::convert_pixel_values(OIIO::BaseTypeFromC<Number>::value, &numbers[i], OIIO::TypeDesc::FLOAT,
-            &floats[i], static_cast<int>(std::min(kAtATime, numbers.size() - i)));
+    std::transform(numbers.begin(), numbers.end(), floats.begin(),
+        [](Number number) { return static_cast<float>(number) * kScale; });
     return floats;
 }
 
