@@ -1,6 +1,5 @@
 #include "host/pictures/Picture.h"
 #include "host/pictures/LayOver.h"
-#include "host/pictures/PictureWriter.h"
 
 namespace fernwick {
 
@@ -20,12 +19,5 @@ void Picture::AddChannel(std::string name, std::vector<float> values)
 }
 
 void Picture::LayOver(const Picture& ground) { fernwick::LayOver(fPixels, ground.fPixels); }
-
-void Picture::Save(const std::filesystem::path& path, const PictureLayout& layout, int threads) const
-{
-    PictureWriter writer(path, fShape, layout, threads);
-    writer.Write(fPixels, fChannels);
-    writer.Finish();
-}
 
 } // namespace fernwick

@@ -1,13 +1,11 @@
 #include "host/pictures/PictureWriter.h"
+#include "host/pictures/EncodeIntegers.h"
+#include "host/pictures/Picture.h"
 #include "host/pictures/PictureEncoder.h"
-#include "host/pictures/SRGBBytes.h"
 #include "host/threads/Parallel.h"
-#include <OpenImageIO/color.h>
 #include <algorithm>
 #include <cstring>
 #include <fmt/format.h>
-#include <limits>
-#include <type_traits>
 
 namespace fernwick {
 
@@ -15,54 +13,6 @@ namespace {
 
 constexpr size_t kColors = 4; // red, green, blue and alpha
 constexpr size_t kBytesAtATime = 8 << 20;
-
-/// 0 to 1; NaN gives 0.
-float Clamped(float number) { return number >= 0 ? std::min(number, 1.0f) : 0.0f; }
-
-float Encoded(float number, PictureContent content)
-{
-    switch (content) {
-    case PictureContent::kColor:
-        return OIIO::linear_to_sRGB(Clamped(number));
-    case PictureContent::kNormal:
-        return (number + 1) / 2;
-    case PictureContent::kValue:
-        break;
-    }
-    return number;
-}
-
-template <class Integer> Integer IntegerOf(float number)
-{
-    constexpr auto kGreatest = static_cast<float>(std::numeric_limits<Integer>::max());
-    return static_cast<Integer>(Clamped(number) * kGreatest + 0.5f);
-}
-
-/// @param encode  makes a number of the file of a red, green or blue
-template <class Integer, class Encode>
-void PutEncoded(std::span<const TMCColorRGBA> pixels, const Encode& encode, Integer* numbers)
-{
-    for (const TMCColorRGBA& color : pixels) {
-        for (const float channel : {color.fRed, color.fGreen, color.fBlue})
-            *numbers++ = encode(channel);
-        *numbers++ = IntegerOf<Integer>(color.fAlpha);
-    }
-}
-
-template <class Integer>
-void PutIntegers(std::span<const TMCColorRGBA> pixels, PictureContent content, Integer* numbers)
-{
-    PutEncoded(
-        pixels, [content](float number) { return IntegerOf<Integer>(Encoded(number, content)); }, numbers);
-}
-
-void PutBytes(std::span<const TMCColorRGBA> pixels, PictureContent content, uint8_t* numbers)
-{
-    if (content != PictureContent::kColor)
-        return PutIntegers(pixels, content, numbers);
-    PutEncoded(
-        pixels, [&bytes = SRGBBytes::Get()](float number) { return bytes.Of(number); }, numbers);
-}
 
 /// @param first  the place of the first pixel in the layers
 void PutFloats(std::span<const TMCColorRGBA> pixels, std::span<const std::vector<float>> layers, size_t first,
@@ -126,11 +76,6 @@ std::unique_ptr<PictureEncoder> MakeEncoder(
 
 } // namespace
 
-void EncodeBytes(std::span<const TMCColorRGBA> pixels, PictureContent content, uint8_t* numbers)
-{
-    PutIntegers(pixels, content, numbers);
-}
-
 struct PictureWriter::State {
     std::filesystem::path path;
     PictureShape shape;
@@ -149,9 +94,9 @@ struct PictureWriter::State {
     {
         switch (numbers) {
         case PictureNumbers::kByte:
-            return PutBytes(pixels, shape.content, reinterpret_cast<uint8_t*>(row));
+            return EncodeBytes(pixels, shape.content, reinterpret_cast<uint8_t*>(row));
         case PictureNumbers::kUint16:
-            return PutIntegers(pixels, shape.content, reinterpret_cast<uint16_t*>(row));
+            return EncodeUint16s(pixels, shape.content, reinterpret_cast<uint16_t*>(row));
         case PictureNumbers::kFloat:
             return PutFloats(pixels, layers, first, layout.straight, reinterpret_cast<float*>(row));
         }
@@ -205,6 +150,13 @@ void PictureWriter::Finish()
 {
     fState->Encode([this] { fState->encoder->Finish(); });
     fState->file.Finish();
+}
+
+void Picture::Save(const std::filesystem::path& path, const PictureLayout& layout, int threads) const
+{
+    PictureWriter writer(path, fShape, layout, threads);
+    writer.Write(fPixels, fChannels);
+    writer.Finish();
 }
 
 } // namespace fernwick

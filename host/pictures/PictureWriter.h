@@ -1,15 +1,10 @@
 #pragma once
 #include "frame/Colors.h"
 #include "host/pictures/PictureFormat.h"
-#include <cstdint>
 #include <memory>
 #include <span>
 
 namespace fernwick {
-
-/// Makes of pixels the integers that a PNG of 8 bits holds, as `PictureWriter` does.
-/// @param numbers  room for four a pixel
-void EncodeBytes(std::span<const TMCColorRGBA> pixels, PictureContent content, uint8_t* numbers);
 
 /// Writes a picture into a file from the top, band by band. Nothing of it is held in memory beyond a few rows, or a row
 /// of tiles, and the bytes of the file don't tell how it was cut into bands.

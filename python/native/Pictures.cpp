@@ -1,5 +1,6 @@
 #include "python/native/Pictures.h"
 #include "host/files/OutputFile.h"
+#include "host/pictures/EncodeIntegers.h"
 #include "host/pictures/PictureWriter.h"
 #include "host/sources/PictureSource.h"
 #include "python/native/Arrays.h"
