@@ -5,7 +5,7 @@ const std::vector<std::string>& ShadeShapes()
 {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> all;
-        for (const NamedShape& row : kShadeShapes)
+        for (const fernwick::NamedShape& row : fernwick::kShadeShapes)
             all.emplace_back(row.name);
         return all;
     }();

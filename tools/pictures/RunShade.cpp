@@ -31,7 +31,7 @@ void RequireShadeSense(const ShadeOptions& options)
     if (options.bake.picture.file.empty() && options.sample.empty() && !options.withStatistics)
         throw UsageError("there is nothing to do; give --picture, --print or --stats");
     RequireSense(options.bake);
-    if (options.settings.shape == kUVSquareShape) {
+    if (options.settings.shape == fernwick::kUVSquareShape) {
         if (options.bake.picture.layers != std::vector<std::string>{"none"})
             throw UsageError("--layers is for a shape that is rendered; it doesn't go with --on uv");
         return;
@@ -84,7 +84,7 @@ void RunShade(const ShadeOptions& options)
     std::optional<fernwick::GraphDocument> ground;
     if (!options.bake.over.empty())
         ground = MakeGround(fernwick::ReadGround(options.bake.over))->At(fernwick::kFirstFrame);
-    if (options.settings.shape != kUVSquareShape)
+    if (options.settings.shape != fernwick::kUVSquareShape)
         RenderToFile(library, document, options);
     else
         BakeToFile(library, document, ground ? &*ground : nullptr, options.bake, options.settings.name);

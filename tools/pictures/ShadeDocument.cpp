@@ -1,5 +1,6 @@
 #include "tools/pictures/ShadeDocument.h"
 #include "host/documents/SettingText.h"
+#include "host/documents/ShapeScene.h"
 #include "host/sources/Sources.h"
 #include "tools/Names.h"
 #include "tools/Outcome.h"
@@ -38,27 +39,11 @@ Json ModelOf(const std::string& file)
         {{"kind", "model"}, {"file", std::filesystem::absolute(file).string()}, {"radius", kRadius}}}};
 }
 
-/// Shape, light, target and camera around the middle of the UV square, or four times as large around the origin.
 Json SceneOf(const std::string& shape, bool isLit)
 {
-    const bool isSquare = shape == kUVSquareShape;
-    const double scale = isSquare ? 1 : 4;
-    const double middle = isSquare ? 0.5 : 0;
-    const auto element = [&](Json description, const char* name, double x, double y, double z) {
-        description["name"] = name;
-        description["position"] = {middle + scale * x, middle + scale * y, scale * z};
-        return description;
-    };
-    const Json light = {{"kind", "point"}, {"range", {0.8 * scale, 2.5 * scale}}};
-    Json elements = Json::array({element({{"light", light}}, "Lamp", -0.8, 0.8, 0.8),
-        element(Json::object(), "Target", 0.5, 0.5, 0.3),
-        element({{"camera", {{"fieldOfView", 38}}}}, "Camera", 0, 0, 2)});
-    const auto named = std::find_if(std::begin(kShadeShapes), std::end(kShadeShapes),
-        [&shape](const NamedShape& row) { return row.name == shape; });
-    elements.push_back(element(
-        named != std::end(kShadeShapes) ? Json::parse(named->element) : ModelOf(shape), "Shape", 0, 0, 0));
-    elements.back()["shading"] = isLit ? "lit" : "plain";
-    return {{"elements", elements}, {"camera", "Camera"}, {"background", {0.05, 0.06, 0.08}}};
+    const fernwick::NamedShape* const named = fernwick::FindShadeShape(shape);
+    return fernwick::ShapeScene(named != nullptr ? Json::parse(named->element) : ModelOf(shape),
+        shape == fernwick::kUVSquareShape, isLit);
 }
 
 void ReadSets(const ShadeSettings& settings, const fernwick::ParameterTable& table, Json& shader)
