@@ -53,6 +53,12 @@ void DocumentFiles::Give(const std::filesystem::path& file, std::shared_ptr<cons
     fMeshes[file.lexically_normal()] = std::move(mesh);
 }
 
+void DocumentFiles::Forget(const std::filesystem::path& file)
+{
+    fPictures.erase(file.lexically_normal());
+    fMeshes.erase(file.lexically_normal());
+}
+
 SceneFile DocumentFiles::Open(const std::filesystem::path& file, const SceneFileOptions& options) const
 {
     const auto found = fMeshes.find(file.lexically_normal());

@@ -17,9 +17,11 @@ struct ModelShape {
 class DocumentFiles {
 public:
     /// Gives pixels, or a mesh, in the place of the file that documents name `file`. A mesh is an element of a scene
-    /// that has no other. To be called before anything is read.
+    /// that has no other. To be called before what names it is read.
     void Give(const std::filesystem::path& file, std::shared_ptr<const GivenPicture> picture);
     void Give(const std::filesystem::path& file, std::shared_ptr<const Geometry> mesh);
+    /// Takes back what was given; what was read with it stays as long as it is asked for.
+    void Forget(const std::filesystem::path& file);
 
     /// Begins a frame: what the last one didn't ask for is forgotten.
     void BeginFrame();

@@ -204,6 +204,22 @@ Keys::Keys(Json& document)
         finder.FindInScene(*scene);
 }
 
+double Keys::FirstFrame() const
+{
+    double first = fCurves.front().keys.front().frame;
+    for (const Curve& curve : fCurves)
+        first = std::min(first, curve.keys.front().frame);
+    return first;
+}
+
+double Keys::LastFrame() const
+{
+    double last = fCurves.front().keys.back().frame;
+    for (const Curve& curve : fCurves)
+        last = std::max(last, curve.keys.back().frame);
+    return last;
+}
+
 void Keys::Store(double frame) const
 {
     for (const Curve& curve : fCurves)

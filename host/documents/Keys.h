@@ -26,6 +26,8 @@ public:
     explicit Keys(Json& document);
 
     bool IsEmpty() const { return fCurves.empty(); }
+    double FirstFrame() const; ///< of all keys, of which there are some
+    double LastFrame() const;
     /// Puts the values of a frame into the document.
     void Store(double frame) const;
 

@@ -317,6 +317,17 @@ private:
 
 } // namespace
 
+std::vector<BakeChannel> ChannelsOf(uint32_t kinds)
+{
+    std::vector<BakeChannel> offered;
+    for (const NamedBakeChannel& named : BakeChannels())
+        try {
+            RequireOperation(named.channel, kinds);
+            offered.push_back(named.channel);
+        } catch (const BakeError&) { }
+    return offered;
+}
+
 std::vector<BakeReading> BakeReading::Part(std::span<const ReadChannel> channels, uint32_t kinds)
 {
     std::vector<BakeReading> readings;

@@ -12,6 +12,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// The channels that an output of these kinds offers, in order.
+std::vector<BakeChannel> ChannelsOf(uint32_t kinds);
+
 /// The side that a positive green of a normal map points to.
 enum class GreenDirection {
     kUp,   ///< along V, as OpenGL has it

@@ -5,28 +5,11 @@
 
 namespace fernwick {
 
-namespace {
-
-SceneDescription WithCamera(SceneDescription scene)
-{
-    if (scene.fCamera.empty())
-        if (const std::vector<std::string> names = CameraNames(scene); !names.empty())
-            scene.fCamera = names.front();
-    return scene;
-}
-
-} // namespace
-
 class ModelTexels::OpenTile final : public TexelTile {
 public:
     OpenTile(const ModelTexels& model, const Tile& tile) : fModel(model), fTile(tile) { }
 
-    void Use(const Graph& graph) override
-    {
-        fElements.clear();
-        for (const size_t target : fModel.fTargets)
-            fElements.push_back(graph.SceneOrNull()->Shapes()[target]);
-    }
+    void Use(const Graph& graph) override { fElements = fModel.TargetsOf(graph); }
 
     void MoveTo(const PixelPlace& place) override
     {
@@ -89,27 +72,9 @@ private:
 
 ModelTexels::ModelTexels(
     const Library& library, const OntoModel& onto, size_t set, const UVTile& tile, int width, int height)
-    : fDocument(onto.fDocument), fTargets(onto.fTargets), fDescription(WithCamera(*onto.fDocument.Scene())),
-      fScene(MakeCounted<Scene>(fDescription, Scene::Shaded::kNone)), fSet(set), fTile(tile), fWidth(width),
-      fHeight(height), fTexels(UVMeshesOf(onto, set), tile, width, height), fGrids(MakeGrids(library))
+    : SceneTexels(library, onto.fDocument, onto.fTargets), fSet(set), fTile(tile), fWidth(width),
+      fHeight(height), fTexels(UVMeshesOf(onto, set), tile, width, height)
 { }
-
-NormalGrids ModelTexels::MakeGrids(const Library& library) const
-{
-    std::vector<size_t> shaders = ShadersOfShapes(fDocument, *fScene);
-    for (const size_t target : fTargets)
-        shaders[target] = fDocument.OutputIndex();
-    return {fDocument, *MakeGraph(library, fDocument, fScene), *fScene, shaders};
-}
-
-OwnGraph ModelTexels::MakeGraphFor(const Library& library, const GraphDocument& document) const
-{
-    // Shaders that ask the scene count its parts several times a sample: threads that share one are slower.
-    OwnGraph graph = MakeGraph(library, document, MakeCounted<Scene>(fDescription, Scene::Shaded::kNone));
-    if (&document == &fDocument)
-        fGrids.Fill(*graph);
-    return graph;
-}
 
 std::unique_ptr<TexelTile> ModelTexels::Open(const Tile& tile) const
 {

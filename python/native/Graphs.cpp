@@ -46,12 +46,8 @@ PyDocument At(const State& state, double frame)
 std::vector<std::string> OutputsOf(const PyDocument& document)
 {
     std::vector<std::string> outputs;
-    for (const fernwick::NamedBakeChannel& named : fernwick::BakeChannels())
-        try {
-            const fernwick::ReadChannel channel[] = {{named.channel, 0}};
-            fernwick::BakeReading::Part(channel, document.fGraph.OutputKinds());
-            outputs.emplace_back(named.name);
-        } catch (const fernwick::BakeError&) { }
+    for (const fernwick::BakeChannel channel : fernwick::ChannelsOf(document.fGraph.OutputKinds()))
+        outputs.emplace_back(NameOf(channel));
     return outputs;
 }
 
