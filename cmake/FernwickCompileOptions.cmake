@@ -9,6 +9,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A unique symbol would keep the module from being unloaded.
     target_compile_options(fernwick_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
 endif()
+if(EMSCRIPTEN)
+    target_compile_options(fernwick_options INTERFACE
+        -fwasm-exceptions -include ${PROJECT_SOURCE_DIR}/web/native/Standard.h)
+    target_link_options(fernwick_options INTERFACE -fwasm-exceptions)
+endif()
 if(MINGW)
     target_link_options(fernwick_options INTERFACE -static) # no library of the compiler's beside the program
 endif()

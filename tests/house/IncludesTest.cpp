@@ -59,6 +59,10 @@ constexpr Room kHouse[] = {
         "frame host/files host/library host/parameters host/json host/sources host/geometry host/scene "
         "host/documents "
         "host/pictures host/shading host/validation"},
+    {"web/native",
+        "frame module host/threads host/library host/json host/sources host/geometry host/documents "
+        "host/pictures "
+        "host/shading"},
 };
 
 /// The innermost room that holds a file of the tree, given from its root; null when none does.
@@ -98,7 +102,8 @@ std::string_view IncludedBy(std::string_view line)
 TEST(Includes, LeadOnlyToRoomsBelow)
 {
     int read = 0;
-    for (const char* const top : {"frame", "optics", "shaders", "module", "host", "tools", "python"})
+    for (const char* const top :
+        {"frame", "optics", "shaders", "module", "host", "tools", "python", "web/native"})
         for (const fs::path& path : fs::recursive_directory_iterator(fs::path(FERNWICK_SOURCE) / top)) {
             if (path.extension() != ".h" && path.extension() != ".cpp")
                 continue;
