@@ -150,13 +150,13 @@ test("shapes and meshes are baked where rays meet them", async () => {
 
 test("a view is the command's own, and tells the graph for it", async () => {
     const graph = { shaders: { Iridescent: { class: "Iridescent", fObjectName: "Target" } }, output: "Iridescent" };
-    const request = { graph, width: 128, height: 128, surface: { kind: "view", shape: "torus" }, samples: 4 };
+    const request = { graph, width: 128, height: 128, surface: { kind: "view", shape: "torus" }, samples: 9 };
     const own = await engine.bake(request).done;
     const others = await native("shade", "Iridescent", "--on", "torus", "--size", "128x128");
     assert.ok(difference(own, others).most <= 1);
     assert.equal(engine.documentOf(request).scene.camera, "Camera");
     const command = engine.command(request, "a graph.json", "out.png");
-    assert.equal(command, "fernwick render 'a graph.json' --size 128x128 --samples 4 -o out.png");
+    assert.equal(command, "fernwick render 'a graph.json' --size 128x128 --samples 9 -o out.png");
 });
 
 test("frames of a sequence", async () => {
