@@ -1,0 +1,144 @@
+// Models from outside, read by three.js, as the engine takes them: triangles with a place. Loaded when first wanted.
+
+import { Euler, Quaternion, Vector3, type Mesh as ThreeMesh, type Object3D, type PerspectiveCamera, type PointLight, type SpotLight } from "three";
+import { GLTFLoader } from "three/examples/jsm/loaders/GLTFLoader.js";
+import { OBJLoader } from "three/examples/jsm/loaders/OBJLoader.js";
+import type { Engine, Mesh } from "./engine";
+import { know, type Element } from "./models";
+
+const kLargestModel = 128 << 20; // bytes
+
+async function readModel(name: string, data: ArrayBuffer): Promise<Object3D> {
+    if (data.byteLength > kLargestModel) throw new Error(`${name} is larger than 128 MB.`);
+    try {
+        if (/\.obj$/i.test(name)) {
+            return new OBJLoader().parse(new TextDecoder().decode(data));
+        }
+        return (await new GLTFLoader().parseAsync(data, "")).scene;
+    } catch {
+        throw new Error(`${name} is no OBJ, or no glTF that is complete in one file.`);
+    }
+}
+
+function isMesh(object: Object3D): object is ThreeMesh {
+    return (object as Partial<ThreeMesh>).isMesh === true;
+}
+
+/** The triangles of a mesh in its own coordinates, lengths by `scale`. */
+function trianglesOf(mesh: ThreeMesh, scale: readonly number[] = [1, 1, 1]): Mesh {
+    const { position, normal, uv } = mesh.geometry.attributes;
+    const count = position?.count ?? 0;
+    const positions = new Float32Array(3 * count);
+    const normals = new Float32Array(normal ? 3 * count : 0);
+    const uvs = new Float32Array(uv ? 2 * count : 0);
+    for (let i = 0; i < count; ++i) {
+        const at = [position!.getX(i), position!.getY(i), position!.getZ(i)];
+        positions.set(at.map((length, axis) => length * scale[axis]!), 3 * i);
+        if (normal) {
+            const bent = [normal.getX(i), normal.getY(i), normal.getZ(i)].map((part, axis) => part / scale[axis]!);
+            const length = Math.hypot(...bent) || 1;
+            normals.set(bent.map((part) => part / length), 3 * i);
+        }
+        // glTF counts V down from the top; three.js keeps it so and OBJ's upwards.
+        if (uv) uvs.set([uv.getX(i), mesh.userData["fromGltf"] ? 1 - uv.getY(i) : uv.getY(i)], 2 * i);
+    }
+    const indices = mesh.geometry.index
+        ? Uint32Array.from(mesh.geometry.index.array)
+        : Uint32Array.from({ length: count }, (_, i) => i);
+    return { positions, normals, uvs, indices };
+}
+
+/** What a model is made of. Rejects with a sentence for the reader. */
+export async function openModel(name: string, data: ArrayBuffer): Promise<Object3D> {
+    const model = await readModel(name, data);
+    model.updateMatrixWorld(true);
+    let vertices = 0;
+    model.traverse((object) => {
+        object.userData["fromGltf"] = !/\.obj$/i.test(name);
+        if (isMesh(object)) vertices += object.geometry.attributes["position"]?.count ?? 0;
+    });
+    if (vertices === 0) throw new Error(`${name} holds no triangles.`);
+    return model;
+}
+
+/** All meshes of a model as one, in the coordinates of the model. */
+export function wholeMesh(model: Object3D): Mesh {
+    const parts: Mesh[] = [];
+    model.traverse((object) => {
+        if (!isMesh(object)) return;
+        const part = object.clone();
+        part.geometry = object.geometry.clone().applyMatrix4(object.matrixWorld);
+        part.userData["fromGltf"] = object.userData["fromGltf"];
+        if (!part.geometry.attributes["normal"]) part.geometry.computeVertexNormals();
+        parts.push(trianglesOf(part));
+    });
+    const total = (of: (part: Mesh) => number) => parts.reduce((sum, part) => sum + of(part), 0);
+    const vertices = total((part) => part.positions.length / 3);
+    const whole = {
+        positions: new Float32Array(3 * vertices),
+        normals: new Float32Array(3 * vertices),
+        uvs: new Float32Array(2 * vertices),
+        indices: new Uint32Array(total((part) => part.indices.length)),
+    };
+    let vertex = 0;
+    let index = 0;
+    for (const part of parts) {
+        whole.positions.set(part.positions, 3 * vertex);
+        whole.normals.set(part.normals, 3 * vertex);
+        whole.uvs.set(part.uvs, 2 * vertex);
+        whole.indices.set(part.indices.map((each) => each + vertex), index);
+        vertex += part.positions.length / 3;
+        index += part.indices.length;
+    }
+    return whole;
+}
+
+/** Gives the meshes of a scene's file to the engine, each by its node, and tells the elements that stand for the nodes. */
+async function elementsOf(engine: Engine, file: string, model: Object3D): Promise<Element[]> {
+    const elements: Element[] = [];
+    const meshes: Promise<void>[] = [];
+    model.traverse((object) => {
+        const name = (object.userData["name"] as string | undefined) ?? object.name;
+        if (name === "") return;
+        const position = new Vector3();
+        const turn = new Quaternion();
+        const scale = new Vector3();
+        object.matrixWorld.decompose(position, turn, scale);
+        const angles = new Euler().setFromQuaternion(turn, "ZYX"); // about X, then Y, then Z
+        const element: Element = {
+            name,
+            position: position.toArray(),
+            rotation: [angles.x, angles.y, angles.z].map((angle) => (angle * 180) / Math.PI),
+        };
+        if (isMesh(object)) {
+            element.shape = { kind: "model", file: `${file}#${name}` };
+            meshes.push(engine.giveMesh(element.shape.file, trianglesOf(object, scale.toArray())));
+        }
+        const camera = object as Partial<PerspectiveCamera>;
+        if (camera.isPerspectiveCamera) element.camera = { fieldOfView: camera.fov! };
+        const light = lightOf(object as Partial<SpotLight> & Partial<PointLight>);
+        if (light !== undefined) element.light = light;
+        elements.push(element);
+    });
+    await Promise.all(meshes);
+    return elements;
+}
+
+function lightOf(light: Partial<SpotLight> & Partial<PointLight> & { isDirectionalLight?: boolean }): Element["light"] {
+    const kind = light.isSpotLight ? "spot" : light.isPointLight ? "point" : light.isDirectionalLight ? "distant" : undefined;
+    if (kind === undefined) return undefined;
+    const degrees = (angle: number) => (angle * 180) / Math.PI;
+    const outer = light.angle ?? 0;
+    return {
+        kind,
+        color: light.color?.toArray(),
+        brightness: light.intensity,
+        ...(light.distance ? { range: [0, light.distance] } : {}),
+        ...(kind === "spot" ? { cone: [degrees(outer * (1 - (light.penumbra ?? 0))), degrees(outer)] } : {}),
+    };
+}
+
+/** Reads a scene's file, so that `withScene` knows it. */
+export async function giveScene(engine: Engine, file: string, data: ArrayBuffer): Promise<void> {
+    know(file, await elementsOf(engine, file, await openModel(file, data)));
+}

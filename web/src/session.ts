@@ -1,0 +1,165 @@
+// What is being worked on: the graph, its history, what is selected and how it is shown.
+
+import { EngineError, type Channel, type Check, type Engine, type Field, type FieldValue, type GraphDocument, type Problem, type Shape } from "./engine";
+import { given, isKeyed, pointerTo, shaderOf, tableName, withField, withKey, withNewShader, withoutShader, type TableOf } from "./graph";
+import { History } from "./history";
+import { withScene } from "./models";
+
+/** What the picture lies on. */
+export type Ground = "square" | "scene" | "model" | Extract<Shape, "sphere" | "torus">;
+
+export interface View {
+    ground: Ground;
+    channel: Channel;
+    /** Pixels each way of the square. */
+    size: number;
+    camera?: string;
+    /** A source under the colour, such as "checker". */
+    over?: string;
+}
+
+type Told = "document" | "selection" | "view" | "frame" | "check";
+
+export class Session extends EventTarget {
+    readonly engine: Engine;
+    readonly tableOf: TableOf;
+    /** As it was opened. */
+    readonly start: GraphDocument;
+    readonly title: string;
+    selected: string;
+    view: View;
+    frame = 1;
+    /** Of the document as it is; the one before stays until the engine has read the new one. */
+    check: Check | undefined;
+    problem: Problem | undefined;
+    #history: History<GraphDocument>;
+    #checking = false;
+    #unchecked = false;
+
+    constructor(engine: Engine, title: string, document: GraphDocument, view: View) {
+        super();
+        this.engine = engine;
+        this.tableOf = (name) => engine.table(name);
+        this.title = title;
+        this.start = document;
+        this.view = view;
+        this.selected = this.#firstSelected(document);
+        this.#history = new History(document);
+    }
+
+    get document(): GraphDocument {
+        return this.#history.present;
+    }
+    get changed(): boolean {
+        return this.document !== this.start;
+    }
+    get canUndo(): boolean {
+        return this.#history.canUndo;
+    }
+    get canRedo(): boolean {
+        return this.#history.canRedo;
+    }
+
+    /** Sets a field, or with `undefined` takes it back to its default. A keyed field gets a key at the frame. */
+    set(name: string, field: Field, value: FieldValue | undefined): void {
+        const shader = shaderOf(this.document, name);
+        if (shader === undefined) return;
+        const stands = given(shader, field.name);
+        const next = isKeyed(stands) && value !== undefined ? withKey(stands, this.frame, value) : value;
+        this.edit(withField(this.document, name, field, next), pointerTo(name, shader, field.name));
+    }
+
+    plugNew(name: string, field: Field, tableNamed: string): string | undefined {
+        const table = this.tableOf(tableNamed);
+        if (table === undefined) return undefined;
+        const { document, added } = withNewShader(this.document, name, field, table);
+        this.edit(document);
+        return added;
+    }
+
+    remove(name: string): void {
+        const document = withoutShader(this.document, name, this.tableOf);
+        if (this.selected === name) this.selected = document.output;
+        this.edit(document);
+        this.#tell("selection");
+    }
+
+    edit(document: GraphDocument, mark = ""): void {
+        if (document === this.document) return;
+        this.#history.push(document, mark);
+        this.#changed();
+    }
+
+    undo(): void {
+        if (!this.canUndo) return;
+        this.#history.undo();
+        this.#changed();
+    }
+    redo(): void {
+        if (!this.canRedo) return;
+        this.#history.redo();
+        this.#changed();
+    }
+
+    select(name: string): void {
+        if (shaderOf(this.document, name) === undefined) return;
+        this.selected = name;
+        this.#tell("selection");
+    }
+
+    show(view: Partial<View>): void {
+        this.view = { ...this.view, ...view };
+        this.#tell("view");
+    }
+
+    goTo(frame: number): void {
+        if (frame === this.frame) return;
+        this.frame = frame;
+        this.#tell("frame");
+    }
+
+    /** The engine refused to shade: `error` is its reason. */
+    refused(error: unknown): void {
+        this.problem =
+            error instanceof EngineError ? error : { pointer: "", message: error instanceof Error ? error.message : String(error) };
+        this.#tell("check");
+    }
+
+    /** Pictures or models came: the same document may be fine now. */
+    async recheck(): Promise<void> {
+        this.#unchecked = true;
+        if (this.#checking) return;
+        this.#checking = true;
+        while (this.#unchecked) {
+            this.#unchecked = false;
+            this.check = await this.engine.check(withScene(this.document), this.frame);
+        }
+        this.#checking = false;
+        this.problem = this.check?.ok === false ? this.check.problem : undefined;
+        this.#tell("check");
+    }
+
+    #changed(): void {
+        if (shaderOf(this.document, this.selected) === undefined) {
+            this.selected = this.#firstSelected(this.document);
+            this.#tell("selection");
+        }
+        this.#tell("document");
+        void this.recheck();
+    }
+
+    #tell(what: Told): void {
+        this.dispatchEvent(new Event(what));
+    }
+
+    #firstSelected(document: GraphDocument): string {
+        if (shaderOf(document, document.output) !== undefined) return document.output;
+        return Object.keys(document.shaders)[0] ?? "";
+    }
+}
+
+/** How a shader is titled: its name, and its class where the name doesn't tell it. */
+export function kindOf(session: Session, name: string): string {
+    const shader = shaderOf(session.document, name);
+    return shader === undefined ? "" : tableName(shader);
+}
