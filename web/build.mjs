@@ -3,7 +3,16 @@
 
 import * as esbuild from "esbuild";
 import { createHash } from "node:crypto";
-import { cpSync, existsSync, mkdirSync, readFileSync, readdirSync, rmSync, statSync, writeFileSync } from "node:fs";
+import {
+    cpSync,
+    existsSync,
+    mkdirSync,
+    readFileSync,
+    readdirSync,
+    rmSync,
+    statSync,
+    writeFileSync,
+} from "node:fs";
 import { basename, dirname, join, relative } from "node:path";
 import { fileURLToPath } from "node:url";
 
@@ -31,7 +40,9 @@ function galleryTexts() {
         const blocks = readFileSync(join(gallery, page), "utf8").split("\n\n");
         blocks.forEach((block, i) => {
             for (const [, shows, picture] of block.matchAll(/!\[([^\]]*)\]\(([^)]+)\)/g)) {
-                const tells = blocks.slice(i + 1).find((next) => /^[A-Z`]/.test(next) && !next.startsWith("`fernwick"));
+                const tells = blocks
+                    .slice(i + 1)
+                    .find((next) => /^[A-Z`]/.test(next) && !next.startsWith("`fernwick"));
                 texts.set(picture, { shows, tells: (tells ?? "").replaceAll("\n", " ") });
             }
         });
@@ -57,17 +68,22 @@ function catalog() {
     const texts = galleryTexts();
     const topics = JSON.parse(readFileSync(join(web, "examples.json"), "utf8"));
     const missing = new Set(
-        readdirSync(join(root, "examples")).filter((name) => name.endsWith(".json")).map((name) => basename(name, ".json")),
+        readdirSync(join(root, "examples"))
+            .filter((name) => name.endsWith(".json"))
+            .map((name) => basename(name, ".json")),
     );
     for (const topic of topics)
         topic.examples = topic.examples.map((example) => {
-            if (!missing.delete(example.graph)) throw new Error(`examples.json: ${example.graph} is no example, or named twice`);
+            if (!missing.delete(example.graph))
+                throw new Error(`examples.json: ${example.graph} is no example, or named twice`);
             const words = lines.get(example.picture);
             const text = texts.get(example.picture);
             if (!words) throw new Error(`examples.json: no list of the gallery makes ${example.picture}`);
             if (!text?.shows) throw new Error(`the gallery doesn't tell what ${example.picture} shows`);
             const graph = JSON.parse(readFileSync(join(root, "examples", example.graph + ".json"), "utf8"));
-            const classes = [...new Set(Object.values(graph.shaders).flatMap((shader) => shader.class ?? []))];
+            const classes = [
+                ...new Set(Object.values(graph.shaders).flatMap((shader) => shader.class ?? [])),
+            ];
             return { ...example, ...text, ...viewOf(words), classes };
         });
     if (missing.size > 0) throw new Error(`examples.json lacks ${[...missing].join(", ")}`);
@@ -113,7 +129,9 @@ cpSync(join(web, "index.html"), join(folder, "index.html"));
 cpSync(join(web, "icon.svg"), join(app, "icon.svg"));
 cpSync(join(web, "manifest.webmanifest"), join(app, "manifest.webmanifest"));
 for (const name of readdirSync(join(root, "examples")))
-    if (/\.(json|png|obj|gltf)$/.test(name)) cpSync(join(root, "examples", name), join(app, "examples", name));
+    if (/\.(json|png|obj|gltf)$/.test(name))
+        cpSync(join(root, "examples", name), join(app, "examples", name));
+writeFileSync(join(app, "catalog.json"), JSON.stringify(topics, null, 1));
 for (const { examples } of topics)
     for (const { picture } of examples)
         cpSync(join(root, "docs/gallery", picture), join(app, "pictures", picture));

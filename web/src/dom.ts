@@ -17,9 +17,14 @@ export function h<Tag extends keyof HTMLElementTagNameMap>(
         if (typeof value === "function")
             element.addEventListener(name.replace(/^on/, ""), value as unknown as EventListener);
         else if (value === true) element.setAttribute(name, "");
-        else if (value !== false && value !== null && value !== undefined) element.setAttribute(name, String(value));
+        else if (value !== false && value !== null && value !== undefined)
+            element.setAttribute(name, String(value));
     }
-    element.append(...children.filter((child): child is Node | string => child instanceof Node || typeof child === "string"));
+    element.append(
+        ...children.filter(
+            (child): child is Node | string => child instanceof Node || typeof child === "string",
+        ),
+    );
     return element;
 }
 

@@ -20,6 +20,7 @@ interface Group {
 }
 
 const kLongArray = 3;
+const kHint = "Shift moves a slider finely. A double click takes the default.";
 
 function grouped(fields: readonly Field[]): Group[] {
     const groups: Group[] = [];
@@ -33,7 +34,15 @@ function grouped(fields: readonly Field[]): Group[] {
             last.fields.push(field);
             continue;
         }
-        const kind = isRecord ? "record" : isGrid ? "grid" : way.length > 1 ? (field.type === "shader" ? "slots" : "array") : "plain";
+        const kind = isRecord
+            ? "record"
+            : isGrid
+              ? "grid"
+              : way.length > 1
+                ? field.type === "shader"
+                    ? "slots"
+                    : "array"
+                : "plain";
         groups.push({ title: titleOf(field, kind), key, fields: [field], kind });
     }
     return groups;
@@ -84,19 +93,33 @@ export class Fields {
     #draw(): void {
         const shader = this.#shader;
         const table = shader && this.#session.tableOf(tableName(shader));
-        const slots = table?.fields.filter((field) => field.type === "shader").map((field) => shader && given(shader, field.name) !== undefined && given(shader, field.name) !== null);
+        const slots = table?.fields
+            .filter((field) => field.type === "shader")
+            .map(
+                (field) =>
+                    shader && given(shader, field.name) !== undefined && given(shader, field.name) !== null,
+            );
         const form = JSON.stringify([this.#session.selected, table?.name, slots]);
         if (form === this.#form) {
             this.#refresh();
             return;
         }
         const isOther = JSON.parse(this.#form || "[]")[0] !== this.#session.selected;
-        const focused = (document.activeElement?.closest("[data-field]") as HTMLElement | null)?.dataset["field"];
-        const kept = new Set([...this.element.querySelectorAll<HTMLDetailsElement>("details[data-group][open]")].map((group) => group.dataset["group"]!));
+        const focused = (document.activeElement?.closest("[data-field]") as HTMLElement | null)?.dataset[
+            "field"
+        ];
+        const kept = new Set(
+            [...this.element.querySelectorAll<HTMLDetailsElement>("details[data-group][open]")].map(
+                (group) => group.dataset["group"]!,
+            ),
+        );
         this.#form = form;
         this.#entries = [];
         if (shader === undefined || table === undefined) {
-            const what = shader === undefined ? "There is no such shader." : `There is no class or source “${tableName(shader)}”.`;
+            const what =
+                shader === undefined
+                    ? "There is no such shader."
+                    : `There is no class or source “${tableName(shader)}”.`;
             this.element.replaceChildren(h("p", { class: "purpose" }, what));
             return;
         }
@@ -109,7 +132,15 @@ export class Fields {
         );
         const remove =
             this.#session.selected !== this.#session.document.output &&
-            h("button", { type: "button", class: "quiet", onclick: () => this.#session.remove(this.#session.selected) }, "Remove from the graph");
+            h(
+                "button",
+                {
+                    type: "button",
+                    class: "quiet",
+                    onclick: () => this.#session.remove(this.#session.selected),
+                },
+                "Remove from the graph",
+            );
         const set = groups.filter((group) => group.fields.some((field) => !field.derived));
         const derived = table.fields.filter((field) => field.derived);
         // What is plugged in comes first: it is what an artist looks for.
@@ -118,7 +149,12 @@ export class Fields {
         const rest = set.filter((group) => !isPlug(group)).map((group) => this.#group(group, shader, kept));
         const told =
             derived.length > 0 &&
-            h("details", { class: "group", "data-group": "derived" }, h("summary", {}, "What the shader derives"), ...derived.map((field) => this.#row(field, field.label)));
+            h(
+                "details",
+                { class: "group", "data-group": "derived" },
+                h("summary", {}, "What the shader derives"),
+                ...derived.map((field) => this.#row(field, field.label)),
+            );
         this.element.replaceChildren(
             head,
             ...(plugs.length > 0 ? [h("div", { class: "plugs" }, ...plugs)] : []),
@@ -127,36 +163,56 @@ export class Fields {
             ...(remove ? [remove] : []),
             this.#info,
         );
-        this.#info.textContent = "";
+        this.#info.textContent = kHint;
         if (isOther) this.element.scrollTop = 0;
         this.#refresh();
         if (focused !== undefined)
-            this.element.querySelector<HTMLElement>(`[data-field="${CSS.escape(focused)}"] :is(select, input, button)`)?.focus({ preventScroll: true });
+            this.element
+                .querySelector<HTMLElement>(
+                    `[data-field="${CSS.escape(focused)}"] :is(select, input, button)`,
+                )
+                ?.focus({ preventScroll: true });
     }
 
     #group(group: Group, shader: Shader, kept: ReadonlySet<string>): HTMLElement {
         if (group.kind === "plain") return this.#row(group.fields[0]!, group.fields[0]!.label);
         if (group.kind === "grid") return this.#grid(group);
-        const isGiven = (field: Field) => given(shader, field.name) !== undefined && given(shader, field.name) !== null;
+        const isGiven = (field: Field) =>
+            given(shader, field.name) !== undefined && given(shader, field.name) !== null;
         if (group.kind === "slots") {
             const last = group.fields.findLastIndex(isGiven);
             const near = group.fields.slice(0, last + 2);
             const far = group.fields.slice(last + 2);
-            const rest = far.length > 0 && h("details", { "data-group": group.key, open: kept.has(group.key) }, h("summary", {}, `${far.length} more empty`), ...far.map((field) => this.#row(field, field.label)));
+            const rest =
+                far.length > 0 &&
+                h(
+                    "details",
+                    { "data-group": group.key, open: kept.has(group.key) },
+                    h("summary", {}, `${far.length} more empty`),
+                    ...far.map((field) => this.#row(field, field.label)),
+                );
             return h("div", { class: "slots" }, ...near.map((field) => this.#row(field, field.label)), rest);
         }
-        const label = (field: Field) => (group.kind === "record" ? capital(field.label.split(": ")[1] ?? field.label) : field.label);
+        const label = (field: Field) =>
+            group.kind === "record" ? capital(field.label.split(": ")[1] ?? field.label) : field.label;
         const rows = group.fields.map((field) => this.#row(field, label(field)));
         if (group.fields.length <= kLongArray && group.kind === "array") return h("div", {}, ...rows);
         const open = kept.has(group.key) || group.fields.some(isGiven);
-        return h("details", { class: "group", "data-group": group.key, open }, h("summary", {}, group.title), ...rows);
+        return h(
+            "details",
+            { class: "group", "data-group": group.key, open },
+            h("summary", {}, group.title),
+            ...rows,
+        );
     }
 
     /** Switches in rows and columns, as the pattern of a cloth: the first row at the bottom, as V has it. */
     #grid(group: Group): HTMLElement {
         const columns = Math.max(...group.fields.map((field) => Number(tokens(field.name)[2]))) + 1;
         const cells = group.fields.map((field) => {
-            const control = switchControl(field.label, (value) => this.#session.set(this.#session.selected, field, value));
+            const control = switchControl(field.label, (value) =>
+                this.#session.set(this.#session.selected, field, value),
+            );
             control.element.removeAttribute("role");
             const cell = h("span", { class: "cell", "data-field": field.name }, control.element);
             this.#entries.push({ field, control, row: cell, reset: h("button"), fault: h("span") });
@@ -164,7 +220,11 @@ export class Fields {
         });
         const rows = [];
         for (let i = 0; i < cells.length; i += columns) rows.unshift(...cells.slice(i, i + columns));
-        const grid = h("div", { class: "grid", role: "group", "aria-label": group.title, style: `--columns: ${columns}` }, ...rows);
+        const grid = h(
+            "div",
+            { class: "grid", role: "group", "aria-label": group.title, style: `--columns: ${columns}` },
+            ...rows,
+        );
         return h("div", { class: "row" }, h("div", { class: "label" }, group.title), grid);
     }
 
@@ -173,18 +233,37 @@ export class Fields {
         const name = session.selected;
         const control = field.derived ? derivedControl() : this.#control(field, label, name);
         const standard = field.default === undefined ? "" : `Back to ${short(field.default)}`;
-        const reset = h("button", { type: "button", class: "reset", title: standard, "aria-label": `${label}: ${standard.toLowerCase()}`, hidden: true, onclick: () => session.set(name, field, undefined) });
+        const reset = h("button", {
+            type: "button",
+            class: "reset",
+            title: standard,
+            "aria-label": `${label}: ${standard.toLowerCase()}`,
+            hidden: true,
+            onclick: () => session.set(name, field, undefined),
+        });
         const fault = h("p", { class: "fault", hidden: true });
         const caption = h(
             "div",
-            { class: "label", ondblclick: () => !field.derived && field.type !== "shader" && session.set(name, field, undefined) },
+            {
+                class: "label",
+                ondblclick: () =>
+                    !field.derived && field.type !== "shader" && session.set(name, field, undefined),
+            },
             h("span", {}, label),
             field.unit ? h("span", { class: "unit" }, field.unit) : null,
             reset,
         );
-        const row = h("div", { class: `row ${field.type}`, "data-field": field.name }, caption, control.element, fault);
-        for (const input of control.element.querySelectorAll("input, select")) input.setAttribute("aria-description", field.help);
-        if (control.element.matches("input, select")) control.element.setAttribute("aria-description", field.help);
+        const row = h(
+            "div",
+            { class: `row ${field.type}`, "data-field": field.name },
+            caption,
+            control.element,
+            fault,
+        );
+        for (const input of control.element.querySelectorAll("input, select"))
+            input.setAttribute("aria-description", field.help);
+        if (control.element.matches("input, select"))
+            control.element.setAttribute("aria-description", field.help);
         this.#entries.push({ field, control, row, reset, fault });
         return row;
     }
@@ -239,16 +318,23 @@ export class Fields {
             const stands = given(shader, field.name);
             const value = valueAt(shader, field, frame);
             control.show(value);
-            const isStandard = stands === undefined || JSON.stringify(value) === JSON.stringify(field.default ?? null);
+            const isStandard =
+                stands === undefined || JSON.stringify(value) === JSON.stringify(field.default ?? null);
             reset.hidden = isStandard || field.type === "shader" || field.derived === true;
             row.classList.toggle("changed", !reset.hidden);
             row.classList.toggle("keyed", isKeyed(stands));
             if (field.onlyWith !== undefined) {
-                const other = this.#session.tableOf(tableName(shader))?.fields.find((each) => each.name === field.onlyWith!.field);
-                row.classList.toggle("idle", other !== undefined && valueAt(shader, other, frame) !== field.onlyWith.value);
+                const other = this.#session
+                    .tableOf(tableName(shader))
+                    ?.fields.find((each) => each.name === field.onlyWith!.field);
+                row.classList.toggle(
+                    "idle",
+                    other !== undefined && valueAt(shader, other, frame) !== field.onlyWith.value,
+                );
             }
             const at = pointerTo(this.#session.selected, shader, field.name);
-            const isHere = (each: { pointer: string }) => each.pointer === at || each.pointer.startsWith(at + "/");
+            const isHere = (each: { pointer: string }) =>
+                each.pointer === at || each.pointer.startsWith(at + "/");
             const wrong = problem !== undefined && isHere(problem) ? problem : undefined;
             const told = wrong ?? doubts.find(isHere);
             fault.hidden = told === undefined;
@@ -261,7 +347,10 @@ export class Fields {
         const address = (target.closest("[data-field]") as HTMLElement | null)?.dataset["field"];
         const field = this.#entries.find((entry) => entry.field.name === address)?.field;
         if (field === undefined) return;
-        const standard = field.default === undefined || field.default === null || field.default === "" ? "" : ` Default ${short(field.default)}${field.unit ? " " + field.unit : ""}.`;
+        const standard =
+            field.default === undefined || field.default === null || field.default === ""
+                ? ""
+                : ` Default ${short(field.default)}${field.unit ? " " + field.unit : ""}.`;
         this.#info.replaceChildren(h("code", {}, field.name), ` ${field.help}${standard}`);
     }
 }
@@ -271,6 +360,14 @@ function capital(text: string): string {
 }
 
 /** A round button with a drawing, and its name for those who don't see it. */
-export function iconButton(name: Parameters<typeof icon>[0], label: string, onclick: () => void): HTMLButtonElement {
-    return h("button", { type: "button", class: "icon-button", title: label, "aria-label": label, onclick }, icon(name));
+export function iconButton(
+    name: Parameters<typeof icon>[0],
+    label: string,
+    onclick: () => void,
+): HTMLButtonElement {
+    return h(
+        "button",
+        { type: "button", class: "icon-button", title: label, "aria-label": label, onclick },
+        icon(name),
+    );
 }

@@ -210,7 +210,10 @@ export function filesOf(document: GraphDocument): { pictures: string[]; models: 
     lookIn(typeof file === "object" && file !== null ? (file as { path?: unknown }).path : file, models);
     const walk = (elements: unknown) => {
         if (!Array.isArray(elements)) return;
-        for (const element of elements as { shape?: { kind?: unknown; file?: unknown }; children?: unknown }[]) {
+        for (const element of elements as {
+            shape?: { kind?: unknown; file?: unknown };
+            children?: unknown;
+        }[]) {
             if (element?.shape?.kind === "model") lookIn(element.shape.file, models);
             walk(element?.children);
         }

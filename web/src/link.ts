@@ -14,7 +14,11 @@ export interface Shared {
 
 export class LinkError extends Error {}
 
-async function through(bytes: Uint8Array<ArrayBuffer>, stream: GenericTransformStream, most: number): Promise<Uint8Array<ArrayBuffer>> {
+async function through(
+    bytes: Uint8Array<ArrayBuffer>,
+    stream: GenericTransformStream,
+    most: number,
+): Promise<Uint8Array<ArrayBuffer>> {
     const reader = (new Blob([bytes]).stream() as ReadableStream<unknown>)
         .pipeThrough(stream as unknown as ReadableWritablePair<Uint8Array, unknown>)
         .getReader();

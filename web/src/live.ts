@@ -19,7 +19,11 @@ const kMostControls = 4;
 function requestFor(example: Example, document: GraphDocument): Request {
     const graph = withScene(document);
     const base = { graph, width: kSize, height: kSize };
-    if (example.render) return { ...base, surface: { kind: "render", ...(example.camera ? { camera: example.camera } : {}) } };
+    if (example.render)
+        return {
+            ...base,
+            surface: { kind: "render", ...(example.camera ? { camera: example.camera } : {}) },
+        };
     const over = example.over && { over: { shaders: { under: { source: example.over } }, output: "under" } };
     return { ...base, channel: example.channel, ...(over || {}) };
 }
@@ -27,10 +31,18 @@ function requestFor(example: Example, document: GraphDocument): Request {
 /** The fields that are worth a control beside the picture: those that the example sets, then others of the table. */
 function chosen(fields: readonly Field[], document: GraphDocument, name: string): Field[] {
     const shader = shaderOf(document, name)!;
-    const fit = fields.filter((field) => !field.derived && ["float", "int32", "bool", "code", "rgb", "rgba"].includes(field.type) && !/\]\[/.test(field.name));
+    const fit = fields.filter(
+        (field) =>
+            !field.derived &&
+            ["float", "int32", "bool", "code", "rgb", "rgba"].includes(field.type) &&
+            !/\]\[/.test(field.name),
+    );
     const set = fit.filter((field) => given(shader, field.name) !== undefined);
     const slides = (field: Field) => (field.type === "float" || field.type === "int32" ? 0 : 1);
-    const order = [...set.sort((left, right) => slides(left) - slides(right)), ...fit.filter((field) => !set.includes(field) && slides(field) === 0)];
+    const order = [
+        ...set.sort((left, right) => slides(left) - slides(right)),
+        ...fit.filter((field) => !set.includes(field) && slides(field) === 0),
+    ];
     return order.slice(0, kMostControls);
 }
 
@@ -38,9 +50,17 @@ async function enliven(image: HTMLImageElement, example: Example, className: str
     const ready: Engine = await engine();
     let document = await loadExample(example);
     await giveFiles(ready, document);
-    const name = Object.keys(document.shaders).find((each) => tableName(shaderOf(document, each)!) === className);
+    const name = Object.keys(document.shaders).find(
+        (each) => tableName(shaderOf(document, each)!) === className,
+    );
     if (name === undefined) return;
-    const canvas = h("canvas", { width: kSize, height: kSize, role: "img", "aria-label": image.alt, class: "live-picture" });
+    const canvas = h("canvas", {
+        width: kSize,
+        height: kSize,
+        role: "img",
+        "aria-label": image.alt,
+        class: "live-picture",
+    });
     const context = canvas.getContext("2d")!;
     const state = h("p", { class: "live-state", role: "status" });
     const figure = image.closest<HTMLElement>(".live")!;
@@ -61,7 +81,14 @@ async function enliven(image: HTMLImageElement, example: Example, className: str
         document = withField(document, name, field, value);
         for (const [each, control] of controls) control.show(valueAt(shaderOf(document, name)!, each, 1));
         shading.ask(() => requestFor(example, document));
-        void toLink({ graph: document, view: JSON.stringify({ ground: example.render ? "scene" : "square", channel: example.channel, ...(example.over ? { over: example.over } : {}) }) }).then((packed) => (link.href = `${page}#graph=${packed}`));
+        void toLink({
+            graph: document,
+            view: JSON.stringify({
+                ground: example.render ? "scene" : "square",
+                channel: example.channel,
+                ...(example.over ? { over: example.over } : {}),
+            }),
+        }).then((packed) => (link.href = `${page}#graph=${packed}`));
     };
     const controls = new Map<Field, Control>();
     const rows = chosen(ready.table(className)!.fields, document, name).map((field) => {
@@ -76,7 +103,17 @@ async function enliven(image: HTMLImageElement, example: Example, className: str
                     : numberControl(field, field.label, changed);
         controls.set(field, control);
         control.show(valueAt(shaderOf(document, name)!, field, 1));
-        return h("div", { class: "row", title: field.help }, h("div", { class: "label" }, field.label, field.unit ? h("span", { class: "unit" }, field.unit) : null), control.element);
+        return h(
+            "div",
+            { class: "row", title: field.help },
+            h(
+                "div",
+                { class: "label" },
+                field.label,
+                field.unit ? h("span", { class: "unit" }, field.unit) : null,
+            ),
+            control.element,
+        );
     });
     figure.append(h("div", { class: "live-controls" }, ...rows), state, h("p", { class: "live-link" }, link));
     shading.ask(() => requestFor(example, document));
@@ -91,13 +128,19 @@ export function start(): void {
     const example = examples.find((each) => each.picture === picture);
     if (image === null || example === undefined || !example.classes.includes(className)) return;
     const figure = h("figure", { class: "live" });
-    (image.parentElement!.tagName === "P" ? image.parentElement! : image).replaceWith(figure);
+    const stood = image.parentElement!.tagName === "P" ? image.parentElement! : image;
+    const text = h("div", { class: "live-text" });
+    while (stood.nextSibling !== null) text.append(stood.nextSibling);
+    stood.replaceWith(h("div", { class: "live-beside" }, figure, text));
+    image.alt = example.shows;
     figure.append(image);
-    document.querySelector(".rst-content")?.classList.add("has-live");
+    document.body.classList.add("has-live");
     new IntersectionObserver((entries, observer) => {
         if (!entries.some((entry) => entry.isIntersecting)) return;
         observer.disconnect();
-        enliven(image, example, className).catch((error: Error) => figure.append(h("p", { class: "live-state" }, error.message)));
+        enliven(image, example, className).catch((error: Error) =>
+            figure.append(h("p", { class: "live-state" }, error.message)),
+        );
     }).observe(figure);
 }
 

@@ -9,7 +9,10 @@ let loading: Promise<Engine> | undefined;
 
 /** The one engine of the page. Rejects with a sentence for the reader. */
 export function engine(): Promise<Engine> {
-    loading ??= loadEngine({ wasm: new URL("engine.wasm", kApp), worker: new URL("engine-worker.js", kApp) }).catch((error: unknown) => {
+    loading ??= loadEngine({
+        wasm: new URL("engine.wasm", kApp),
+        worker: new URL("engine-worker.js", kApp),
+    }).catch((error: unknown) => {
         loading = undefined;
         throw new Error(
             typeof WebAssembly === "undefined"
@@ -46,7 +49,11 @@ export async function giveFiles(to: Engine, document: GraphDocument): Promise<vo
         given.add(name);
     };
     await Promise.all([
-        ...pictures.map((name) => once(name, async (response) => to.givePicture(name, await decodePicture(await response.blob(), name)))),
+        ...pictures.map((name) =>
+            once(name, async (response) =>
+                to.givePicture(name, await decodePicture(await response.blob(), name)),
+            ),
+        ),
         ...models.map((name) =>
             once(name, async (response) => {
                 const { giveScene } = await import("./model-files");

@@ -52,7 +52,8 @@ function showWall(message?: string): void {
     studio = undefined;
     place(wall(), "");
     scrollTo(0, wallPlace);
-    if (message !== undefined) document.querySelector(".wall")!.prepend(h("p", { class: "notice", role: "alert" }, message));
+    if (message !== undefined)
+        document.querySelector(".wall")!.prepend(h("p", { class: "notice", role: "alert" }, message));
 }
 
 function waiting(title: string, picture: string | undefined): HTMLElement {
@@ -60,7 +61,11 @@ function waiting(title: string, picture: string | undefined): HTMLElement {
         "main",
         { class: "studio waiting", "aria-busy": "true" },
         h("header", { class: "bar" }, h("h1", {}, title)),
-        h("section", { class: "stage" }, h("div", { class: "frame" }, picture === undefined ? null : h("img", { src: picture, alt: "" }))),
+        h(
+            "section",
+            { class: "stage" },
+            h("div", { class: "frame" }, picture === undefined ? null : h("img", { src: picture, alt: "" })),
+        ),
     );
 }
 
@@ -95,7 +100,16 @@ async function route(): Promise<void> {
             return;
         }
         const picture = pictureOf(example);
-        await open(async () => ({ title: example.title, document: await loadExample(example), view: viewOf(example), placeholder: picture }), example.title, picture);
+        await open(
+            async () => ({
+                title: example.title,
+                document: await loadExample(example),
+                view: viewOf(example),
+                placeholder: picture,
+            }),
+            example.title,
+            picture,
+        );
     } else if (key === "graph") {
         await open(async () => {
             const { graph, view } = await fromLink(value!);
@@ -119,9 +133,15 @@ async function take(files: readonly File[], at: Element | null): Promise<void> {
                 await openGraph(graph, file.name.replace(/\.json$/i, ""));
             } else {
                 if (studio === undefined) {
-                    const picture = { shaders: { picture: { source: "picture", file: file.name } }, output: "picture" };
+                    const picture = {
+                        shaders: { picture: { source: "picture", file: file.name } },
+                        output: "picture",
+                    };
                     const isModel = /\.(gltf|glb|obj)$/i.test(file.name);
-                    await openGraph(isModel ? await loadExample(kTopics[0]!.examples[0]!) : picture, file.name);
+                    await openGraph(
+                        isModel ? await loadExample(kTopics[0]!.examples[0]!) : picture,
+                        file.name,
+                    );
                 }
                 await studio?.take(file, at);
             }
@@ -135,7 +155,10 @@ window.addEventListener("dragover", (event) => {
     event.preventDefault();
     document.body.classList.add("dropping");
 });
-window.addEventListener("dragleave", (event) => event.relatedTarget === null && document.body.classList.remove("dropping"));
+window.addEventListener(
+    "dragleave",
+    (event) => event.relatedTarget === null && document.body.classList.remove("dropping"),
+);
 window.addEventListener("drop", (event) => {
     event.preventDefault();
     document.body.classList.remove("dropping");
@@ -143,7 +166,10 @@ window.addEventListener("drop", (event) => {
 });
 window.addEventListener("keydown", (event) => {
     if (!(event.ctrlKey || event.metaKey) || studio === undefined) return;
-    const isText = event.target instanceof HTMLInputElement && event.target.type === "text" && event.target.selectionStart !== event.target.selectionEnd;
+    const isText =
+        event.target instanceof HTMLInputElement &&
+        event.target.type === "text" &&
+        event.target.selectionStart !== event.target.selectionEnd;
     const key = event.key.toLowerCase();
     if ((key !== "z" && key !== "y") || isText) return;
     event.preventDefault();
@@ -153,5 +179,7 @@ window.addEventListener("keydown", (event) => {
 });
 if ("serviceWorker" in navigator) void navigator.serviceWorker.register("offline.js").catch(() => undefined);
 // The engine comes while the reader looks at the wall.
-(globalThis.requestIdleCallback ?? ((start: () => void) => setTimeout(start, 200)))(() => void engine().catch(() => undefined));
+(globalThis.requestIdleCallback ?? ((start: () => void) => setTimeout(start, 200)))(
+    () => void engine().catch(() => undefined),
+);
 void route();

@@ -1,6 +1,15 @@
 // Models from outside, read by three.js, as the engine takes them: triangles with a place. Loaded when first wanted.
 
-import { Euler, Quaternion, Vector3, type Mesh as ThreeMesh, type Object3D, type PerspectiveCamera, type PointLight, type SpotLight } from "three";
+import {
+    Euler,
+    Quaternion,
+    Vector3,
+    type Mesh as ThreeMesh,
+    type Object3D,
+    type PerspectiveCamera,
+    type PointLight,
+    type SpotLight,
+} from "three";
 import { GLTFLoader } from "three/examples/jsm/loaders/GLTFLoader.js";
 import { OBJLoader } from "three/examples/jsm/loaders/OBJLoader.js";
 import type { Engine, Mesh } from "./engine";
@@ -33,11 +42,19 @@ function trianglesOf(mesh: ThreeMesh, scale: readonly number[] = [1, 1, 1]): Mes
     const uvs = new Float32Array(uv ? 2 * count : 0);
     for (let i = 0; i < count; ++i) {
         const at = [position!.getX(i), position!.getY(i), position!.getZ(i)];
-        positions.set(at.map((length, axis) => length * scale[axis]!), 3 * i);
+        positions.set(
+            at.map((length, axis) => length * scale[axis]!),
+            3 * i,
+        );
         if (normal) {
-            const bent = [normal.getX(i), normal.getY(i), normal.getZ(i)].map((part, axis) => part / scale[axis]!);
+            const bent = [normal.getX(i), normal.getY(i), normal.getZ(i)].map(
+                (part, axis) => part / scale[axis]!,
+            );
             const length = Math.hypot(...bent) || 1;
-            normals.set(bent.map((part) => part / length), 3 * i);
+            normals.set(
+                bent.map((part) => part / length),
+                3 * i,
+            );
         }
         // glTF counts V down from the top; three.js keeps it so and OBJ's upwards.
         if (uv) uvs.set([uv.getX(i), mesh.userData["fromGltf"] ? 1 - uv.getY(i) : uv.getY(i)], 2 * i);
@@ -86,7 +103,10 @@ export function wholeMesh(model: Object3D): Mesh {
         whole.positions.set(part.positions, 3 * vertex);
         whole.normals.set(part.normals, 3 * vertex);
         whole.uvs.set(part.uvs, 2 * vertex);
-        whole.indices.set(part.indices.map((each) => each + vertex), index);
+        whole.indices.set(
+            part.indices.map((each) => each + vertex),
+            index,
+        );
         vertex += part.positions.length / 3;
         index += part.indices.length;
     }
@@ -124,8 +144,16 @@ async function elementsOf(engine: Engine, file: string, model: Object3D): Promis
     return elements;
 }
 
-function lightOf(light: Partial<SpotLight> & Partial<PointLight> & { isDirectionalLight?: boolean }): Element["light"] {
-    const kind = light.isSpotLight ? "spot" : light.isPointLight ? "point" : light.isDirectionalLight ? "distant" : undefined;
+function lightOf(
+    light: Partial<SpotLight> & Partial<PointLight> & { isDirectionalLight?: boolean },
+): Element["light"] {
+    const kind = light.isSpotLight
+        ? "spot"
+        : light.isPointLight
+          ? "point"
+          : light.isDirectionalLight
+            ? "distant"
+            : undefined;
     if (kind === undefined) return undefined;
     const degrees = (angle: number) => (angle * 180) / Math.PI;
     const outer = light.angle ?? 0;

@@ -20,7 +20,8 @@ export function know(file: string, elements: Element[]): void {
 
 /** The graph as the engine takes it: the nodes of its scene's file are elements. The graph itself, where it has none. */
 export function withScene(document: GraphDocument): GraphDocument {
-    const scene = document.scene as { file?: unknown; elements?: Element[]; nodes?: { [name: string]: unknown } } | undefined;
+    const scene = document.scene as
+        { file?: unknown; elements?: Element[]; nodes?: { [name: string]: unknown } } | undefined;
     const elements = typeof scene?.file === "string" ? known.get(scene.file) : undefined;
     if (scene === undefined || elements === undefined) return document;
     const { file, ...rest } = scene;

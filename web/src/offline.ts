@@ -10,7 +10,9 @@ self.addEventListener("install", (event) => {
     event.waitUntil(
         caches
             .open(kCache)
-            .then((cache) => cache.addAll(["./", ...FILES].map((file) => new Request(file, { cache: "no-cache" }))))
+            .then((cache) =>
+                cache.addAll(["./", ...FILES].map((file) => new Request(file, { cache: "no-cache" }))),
+            )
             .then(() => self.skipWaiting()),
     );
 });
@@ -19,7 +21,13 @@ self.addEventListener("activate", (event) => {
     event.waitUntil(
         caches
             .keys()
-            .then((names) => Promise.all(names.filter((name) => name.startsWith("fernwick ") && name !== kCache).map((name) => caches.delete(name))))
+            .then((names) =>
+                Promise.all(
+                    names
+                        .filter((name) => name.startsWith("fernwick ") && name !== kCache)
+                        .map((name) => caches.delete(name)),
+                ),
+            )
             .then(() => self.clients.claim()),
     );
 });

@@ -56,7 +56,13 @@ export async function encodePng(picture: Picture<"rgba8"> | Picture<"rgba16">): 
     const data = new Uint8Array(await new Response(packed).arrayBuffer());
     const signature = new Uint8Array([0x89, 0x50, 0x4e, 0x47, 13, 10, 26, 10]);
     return new Blob(
-        [signature, chunk("IHDR", header), chunk("sRGB", new Uint8Array([0])), chunk("IDAT", data), chunk("IEND", new Uint8Array())],
+        [
+            signature,
+            chunk("IHDR", header),
+            chunk("sRGB", new Uint8Array([0])),
+            chunk("IDAT", data),
+            chunk("IEND", new Uint8Array()),
+        ],
         { type: "image/png" },
     );
 }

@@ -1,7 +1,28 @@
 // What is being worked on: the graph, its history, what is selected and how it is shown.
 
-import { EngineError, type Channel, type Check, type Engine, type Field, type FieldValue, type GraphDocument, type Problem, type Shape } from "./engine";
-import { given, isKeyed, pointerTo, shaderOf, tableName, withField, withKey, withNewShader, withoutShader, type TableOf } from "./graph";
+import {
+    EngineError,
+    type Channel,
+    type Check,
+    type Engine,
+    type Field,
+    type FieldValue,
+    type GraphDocument,
+    type Problem,
+    type Shape,
+} from "./engine";
+import {
+    given,
+    isKeyed,
+    pointerTo,
+    shaderOf,
+    tableName,
+    withField,
+    withKey,
+    withNewShader,
+    withoutShader,
+    type TableOf,
+} from "./graph";
 import { History } from "./history";
 import { withScene } from "./models";
 
@@ -121,7 +142,9 @@ export class Session extends EventTarget {
     /** The engine refused to shade: `error` is its reason. */
     refused(error: unknown): void {
         this.problem =
-            error instanceof EngineError ? error : { pointer: "", message: error instanceof Error ? error.message : String(error) };
+            error instanceof EngineError
+                ? error
+                : { pointer: "", message: error instanceof Error ? error.message : String(error) };
         this.#tell("check");
     }
 

@@ -64,12 +64,15 @@ export class Shading {
         const coarse = expected <= 2 * kFrame ? 0 : Math.min(4, Math.ceil(Math.log2(expected / kFrame) / 2));
         const began = performance.now();
         const running = { began, seen: false, cancel: () => job.cancel() };
-        const job = this.#engine.bake<"rgba8">({ ...request, format: "rgba8", coarse, slot: this.#slot }, (part) => {
-            if (this.#running !== running) return;
-            running.seen = true;
-            this.#shown.part(part);
-            if (this.#next !== undefined) this.#start();
-        });
+        const job = this.#engine.bake<"rgba8">(
+            { ...request, format: "rgba8", coarse, slot: this.#slot },
+            (part) => {
+                if (this.#running !== running) return;
+                running.seen = true;
+                this.#shown.part(part);
+                if (this.#next !== undefined) this.#start();
+            },
+        );
         this.#running = running;
         job.done.then(
             (picture) => {

@@ -71,16 +71,25 @@ export class Solid {
         this.#material.map = this.#texture(this.#material.map as DataTexture | null, color, SRGBColorSpace);
         const before = this.#material.normalMap === null;
         if (normal !== undefined)
-            this.#material.normalMap = this.#texture(this.#material.normalMap as DataTexture | null, normal, NoColorSpace);
+            this.#material.normalMap = this.#texture(
+                this.#material.normalMap as DataTexture | null,
+                normal,
+                NoColorSpace,
+            );
         else {
             this.#material.normalMap?.dispose();
             this.#material.normalMap = null;
         }
-        if (before !== (this.#material.normalMap === null) || this.#material.version === 0) this.#material.needsUpdate = true;
+        if (before !== (this.#material.normalMap === null) || this.#material.version === 0)
+            this.#material.needsUpdate = true;
         this.draw();
     }
 
-    #texture(old: DataTexture | null, { width, height, pixels }: Picture<"rgba8">, space: string): DataTexture {
+    #texture(
+        old: DataTexture | null,
+        { width, height, pixels }: Picture<"rgba8">,
+        space: string,
+    ): DataTexture {
         let texture = old;
         if (texture === null || texture.image.width !== width || texture.image.height !== height) {
             texture?.dispose();
@@ -130,7 +139,12 @@ export class Solid {
     }
 
     #key(event: KeyboardEvent): void {
-        const turns: { [key: string]: [number, number] } = { ArrowLeft: [-0.12, 0], ArrowRight: [0.12, 0], ArrowUp: [0, -0.1], ArrowDown: [0, 0.1] };
+        const turns: { [key: string]: [number, number] } = {
+            ArrowLeft: [-0.12, 0],
+            ArrowRight: [0.12, 0],
+            ArrowUp: [0, -0.1],
+            ArrowDown: [0, 0.1],
+        };
         const turn = turns[event.key];
         const zoom = event.key === "+" ? 0.9 : event.key === "-" ? 1.1 : 1;
         if (turn === undefined && zoom === 1) return;
@@ -140,7 +154,9 @@ export class Solid {
         const distance = position.length() * zoom;
         const polar = Math.min(3, Math.max(0.14, Math.acos(position.y / position.length()) + over));
         const azimuth = Math.atan2(position.x, position.z) + around;
-        position.set(Math.sin(polar) * Math.sin(azimuth), Math.cos(polar), Math.sin(polar) * Math.cos(azimuth)).multiplyScalar(distance);
+        position
+            .set(Math.sin(polar) * Math.sin(azimuth), Math.cos(polar), Math.sin(polar) * Math.cos(azimuth))
+            .multiplyScalar(distance);
         this.#controls.update();
         this.draw();
     }

@@ -19,7 +19,13 @@ const kChannels: { [channel in Channel]: string } = {
     third: "Third colour",
     fourth: "Fourth colour",
 };
-const kGrounds: { [ground in Ground]: string } = { square: "Square", scene: "Scene", sphere: "Sphere", torus: "Torus", model: "Model" };
+const kGrounds: { [ground in Ground]: string } = {
+    square: "Square",
+    scene: "Scene",
+    sphere: "Sphere",
+    torus: "Torus",
+    model: "Model",
+};
 const kFramesASecond = 24;
 
 /** A graph of one source, as what lies under a picture. */
@@ -35,9 +41,19 @@ export class Stage {
     readonly #bump: Shading;
     readonly #context = this.canvas.getContext("2d")!;
     readonly #solidPlace = h("div", { class: "solid", hidden: true });
-    readonly #grounds = h("div", { class: "segments grounds", role: "radiogroup", "aria-label": "What the picture lies on" });
-    readonly #channels = h("select", { "aria-label": "What is shown", onchange: () => this.#session.show({ channel: this.#channels.value as Channel }) });
-    readonly #cameras = h("select", { "aria-label": "Camera", onchange: () => this.#session.show({ camera: this.#cameras.value }) });
+    readonly #grounds = h("div", {
+        class: "segments grounds",
+        role: "radiogroup",
+        "aria-label": "What the picture lies on",
+    });
+    readonly #channels = h("select", {
+        "aria-label": "What is shown",
+        onchange: () => this.#session.show({ channel: this.#channels.value as Channel }),
+    });
+    readonly #cameras = h("select", {
+        "aria-label": "Camera",
+        onchange: () => this.#session.show({ camera: this.#cameras.value }),
+    });
     readonly #frames: HTMLElement;
     readonly #frameSlider = h("input", { type: "range", step: 1, "aria-label": "Frame" });
     readonly #frameText = h("output", { class: "frame-text" });
@@ -54,7 +70,10 @@ export class Stage {
 
     constructor(session: Session, placeholder: string | undefined) {
         this.#session = session;
-        this.#shading = new Shading(session.engine, this.#shown((picture, took) => this.#whole(picture, took)));
+        this.#shading = new Shading(
+            session.engine,
+            this.#shown((picture, took) => this.#whole(picture, took)),
+        );
         this.#bump = new Shading(
             session.engine,
             this.#shown((picture) => {
@@ -62,7 +81,13 @@ export class Stage {
                 this.#dress();
             }),
         );
-        this.#frames = h("div", { class: "frames", hidden: true }, this.#play, this.#frameSlider, this.#frameText);
+        this.#frames = h(
+            "div",
+            { class: "frames", hidden: true },
+            this.#play,
+            this.#frameSlider,
+            this.#frameText,
+        );
         this.#frameSlider.addEventListener("input", () => {
             this.#stopPlay();
             session.goTo(Number(this.#frameSlider.value));
@@ -95,20 +120,38 @@ export class Stage {
         const base = { graph, format, frame, width: size, height: size };
         switch (view.ground) {
             case "scene":
-                return { ...base, height: this.#wide(size), surface: { kind: "render", ...(view.camera ? { camera: view.camera } : {}) } };
+                return {
+                    ...base,
+
+                    surface: { kind: "render", ...(view.camera ? { camera: view.camera } : {}) },
+                };
             case "sphere":
             case "torus":
-                return { ...base, width: 2 * size, channel: view.channel, surface: { kind: "shape", shape: view.ground } };
+                return {
+                    ...base,
+                    width: 2 * size,
+                    channel: this.#worn,
+                    surface: { kind: "shape", shape: view.ground },
+                };
             case "model":
-                return { ...base, channel: view.channel, surface: { kind: "mesh", mesh: this.#model?.name ?? "" } };
+                return {
+                    ...base,
+                    channel: this.#worn,
+                    surface: { kind: "mesh", mesh: this.#model?.name ?? "" },
+                };
             default:
-                return { ...base, channel: view.channel, ...(view.channel === "color" ? under(view.over) : {}) };
+                return {
+                    ...base,
+                    channel: view.channel,
+                    ...(view.channel === "color" ? under(view.over) : {}),
+                };
         }
     }
 
     /** Resolves when all that was asked for is shown. */
     async settled(): Promise<void> {
-        while (!this.#closed && (this.#shading.busy || this.#bump.busy)) await new Promise((done) => requestAnimationFrame(done));
+        while (!this.#closed && (this.#shading.busy || this.#bump.busy))
+            await new Promise((done) => requestAnimationFrame(done));
     }
 
     /** A model of one's own under the picture. */
@@ -132,8 +175,10 @@ export class Stage {
         this.#solid?.close();
     }
 
-    #wide(size: number): number {
-        return size;
+    /** What a body wears: it stands under a lamp of its own. */
+    get #worn(): Channel {
+        const { channel } = this.#session.view;
+        return channel === "lit" ? "color" : channel;
     }
 
     #shown(done: (picture: Picture<"rgba8">, took: number) => void): Shown {
@@ -195,13 +240,16 @@ export class Stage {
         }
         this.#shading.ask(() => this.request("rgba8", view.size));
         const check = this.#session.check;
-        const bends = !isFlat && view.channel === "color" && check?.ok === true && check.channels.includes("normal");
-        if (bends && engine.workers > 0) this.#bump.ask(() => ({ ...this.request("rgba8", view.size), channel: "normal" }));
+        const bends =
+            !isFlat && this.#worn === "color" && check?.ok === true && check.channels.includes("normal");
+        if (bends && engine.workers > 0)
+            this.#bump.ask(() => ({ ...this.request("rgba8", view.size), channel: "normal" }));
         else this.#normal = undefined;
     }
 
     #dress(): void {
-        if (this.#solid !== undefined && this.#color !== undefined) this.#solid.showMaps(this.#color, this.#normal);
+        if (this.#solid !== undefined && this.#color !== undefined)
+            this.#solid.showMaps(this.#color, this.#normal);
     }
 
     async #viewed(): Promise<void> {
@@ -225,7 +273,12 @@ export class Stage {
             const { Solid } = await import("./solid");
             if (this.#closed) return;
             if (this.#solid === undefined) {
-                const canvas = h("canvas", { tabindex: 0, role: "img", "aria-label": "The picture on a body. Arrow keys turn it, plus and minus come nearer and go away." });
+                const canvas = h("canvas", {
+                    tabindex: 0,
+                    role: "img",
+                    "aria-label":
+                        "The picture on a body. Arrow keys turn it, plus and minus come nearer and go away.",
+                });
                 this.#solidPlace.replaceChildren(canvas);
                 this.#solid = new Solid(canvas);
                 new ResizeObserver(() => this.#solid?.draw()).observe(this.#solidPlace);
@@ -251,8 +304,16 @@ export class Stage {
         this.#fault.hidden = problem === undefined;
         if (problem !== undefined) {
             const name = last?.replaceAll("~1", "/").replaceAll("~0", "~");
-            const go = name !== undefined && name !== this.#session.selected && h("button", { type: "button", onclick: () => this.#session.select(name) }, `Show ${name}`);
-            const place = name !== undefined ? `${name}: ` : problem.pointer ? `${problem.pointer.slice(1).replaceAll("/", ", ")}: ` : "";
+            const go =
+                name !== undefined &&
+                name !== this.#session.selected &&
+                h("button", { type: "button", onclick: () => this.#session.select(name) }, `Show ${name}`);
+            const place =
+                name !== undefined
+                    ? `${name}: `
+                    : problem.pointer
+                      ? `${problem.pointer.slice(1).replaceAll("/", ", ")}: `
+                      : "";
             this.#fault.replaceChildren(place + problem.message, ...(go ? [" ", go] : []));
         }
         if (check?.ok) {
@@ -265,27 +326,47 @@ export class Stage {
         }
         this.#bar();
         // A bent normal may have come or gone.
-        if (check?.ok && this.#session.view.ground !== "square" && this.#session.view.ground !== "scene" && (this.#normal !== undefined) !== check.channels.includes("normal")) this.#ask();
+        if (
+            check?.ok &&
+            this.#session.view.ground !== "square" &&
+            this.#session.view.ground !== "scene" &&
+            (this.#normal !== undefined) !== check.channels.includes("normal")
+        )
+            this.#ask();
     }
 
     #bar(): void {
         const { check, view, frame } = this.#session;
         const cameras = check?.ok ? check.cameras : [];
         const channels = check?.ok ? check.channels : [view.channel];
-        const grounds: Ground[] = ["square", ...(cameras.length > 0 || view.ground === "scene" ? (["scene"] as const) : []), "sphere", "torus", ...(this.#model ? (["model"] as const) : [])];
+        const grounds: Ground[] = [
+            "square",
+            ...(cameras.length > 0 || view.ground === "scene" ? (["scene"] as const) : []),
+            "sphere",
+            "torus",
+            ...(this.#model ? (["model"] as const) : []),
+        ];
         const drawn = JSON.stringify([cameras, channels, grounds, view]);
         if (this.#grounds.dataset["drawn"] !== drawn) {
             this.#grounds.dataset["drawn"] = drawn;
             const hadFocus = this.#grounds.contains(document.activeElement);
             this.#grounds.replaceChildren(
                 ...grounds.map((ground) => {
-                    const input = h("input", { type: "radio", name: "ground", value: ground, "aria-label": kGrounds[ground], onchange: () => this.#session.show({ ground }) });
+                    const input = h("input", {
+                        type: "radio",
+                        name: "ground",
+                        value: ground,
+                        "aria-label": kGrounds[ground],
+                        onchange: () => this.#session.show({ ground }),
+                    });
                     input.checked = ground === view.ground;
                     return h("label", {}, input, h("span", {}, kGrounds[ground]));
                 }),
             );
             if (hadFocus) this.#grounds.querySelector<HTMLInputElement>(":checked")?.focus();
-            this.#channels.replaceChildren(...channels.map((channel) => h("option", { value: channel }, kChannels[channel])));
+            this.#channels.replaceChildren(
+                ...channels.map((channel) => h("option", { value: channel }, kChannels[channel])),
+            );
             this.#channels.value = view.channel;
             this.#channels.hidden = view.ground === "scene" || channels.length < 2;
             this.#cameras.replaceChildren(...cameras.map((camera) => h("option", { value: camera }, camera)));
@@ -294,7 +375,10 @@ export class Stage {
         }
         this.#frameSlider.value = String(frame);
         this.#frameText.textContent = `Frame ${frame}`;
-        this.canvas.setAttribute("aria-label", `${this.#session.title}: ${kGrounds[view.ground].toLowerCase()}, ${kChannels[view.channel].toLowerCase()}`);
+        this.canvas.setAttribute(
+            "aria-label",
+            `${this.#session.title}: ${kGrounds[view.ground].toLowerCase()}, ${kChannels[view.channel].toLowerCase()}`,
+        );
     }
 
     #togglePlay(): void {

@@ -35,7 +35,14 @@ export class Studio {
         this.#engine = engine;
         this.session = new Session(engine, title, document, view);
         this.stage = new Stage(this.session, placeholder);
-        const size = h("select", { "aria-label": "Size of the picture", onchange: () => this.session.show({ size: Number(size.value) }) }, ...kSizes.map((pixels) => h("option", { value: pixels }, `${pixels} px`)));
+        const size = h(
+            "select",
+            {
+                "aria-label": "Size of the picture",
+                onchange: () => this.session.show({ size: Number(size.value) }),
+            },
+            ...kSizes.map((pixels) => h("option", { value: pixels }, `${pixels} px`)),
+        );
         size.value = String(view.size);
         this.stage.element.querySelector(".stage-bar")!.append(size);
         this.element = h(
@@ -44,9 +51,25 @@ export class Studio {
             h(
                 "header",
                 { class: "bar" },
-                h("a", { href: "#", class: "icon-button", "aria-label": "All examples", title: "All examples" }, icon("back")),
+                h(
+                    "a",
+                    { href: "#", class: "icon-button", "aria-label": "All examples", title: "All examples" },
+                    icon("back"),
+                ),
                 h("h1", {}, title),
-                h("div", { class: "bar-tools" }, this.#undo, this.#redo, iconButton("link", "Copy a link to this graph", () => void this.#share()), h("button", { type: "button", class: "main", onclick: () => this.#take() }, icon("download"), h("span", {}, "Take"))),
+                h(
+                    "div",
+                    { class: "bar-tools" },
+                    this.#undo,
+                    this.#redo,
+                    iconButton("link", "Copy a link to this graph", () => void this.#share()),
+                    h(
+                        "button",
+                        { type: "button", class: "main", onclick: () => this.#take() },
+                        icon("download"),
+                        h("span", {}, "Take"),
+                    ),
+                ),
             ),
             this.stage.element,
             h("aside", { class: "side" }, new Tree(this.session).element, new Fields(this.session).element),
@@ -89,8 +112,14 @@ export class Studio {
             const added = session.plugNew(session.selected, slot, "picture");
             if (added !== undefined) session.set(added, fileField, file);
         } else {
-            const waiting = Object.entries(session.document.shaders).find(([name, each]) => isPicture(name) && each["file"] === file)?.[0];
-            const name = waiting ?? (isPicture(session.selected) ? session.selected : Object.keys(session.document.shaders).find(isPicture));
+            const waiting = Object.entries(session.document.shaders).find(
+                ([name, each]) => isPicture(name) && each["file"] === file,
+            )?.[0];
+            const name =
+                waiting ??
+                (isPicture(session.selected)
+                    ? session.selected
+                    : Object.keys(session.document.shaders).find(isPicture));
             const empty = shader && slots(shader, session.tableOf).find((each) => each.shader === null);
             if (name !== undefined) session.set(name, fileField, file);
             else if (empty !== undefined) {

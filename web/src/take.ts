@@ -18,27 +18,52 @@ function save(blob: Blob, name: string): void {
 
 /** A name for files, of a title. */
 function fileName(title: string): string {
-    return title.toLowerCase().replace(/[^a-z0-9]+/g, "-").replace(/^-|-$/g, "") || "picture";
+    return (
+        title
+            .toLowerCase()
+            .replace(/[^a-z0-9]+/g, "-")
+            .replace(/^-|-$/g, "") || "picture"
+    );
 }
 
 export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
-    const menu = (label: string, values: readonly number[], text: (value: number) => string, chosen: number) => {
-        const element = h("select", { "aria-label": label }, ...values.map((value) => h("option", { value }, text(value))));
+    const menu = (
+        label: string,
+        values: readonly number[],
+        text: (value: number) => string,
+        chosen: number,
+    ) => {
+        const element = h(
+            "select",
+            { "aria-label": label },
+            ...values.map((value) => h("option", { value }, text(value))),
+        );
         element.value = String(chosen);
         element.addEventListener("change", () => showCommand());
         return element;
     };
     const size = menu("Size", kSizes, (value) => `${value} × ${value}`, 1024);
-    const samples = menu("Samples a pixel", kSamples, (value) => (value === 1 ? "1 sample" : `${value} samples`), 4);
+    const samples = menu(
+        "Samples a pixel",
+        kSamples,
+        (value) => (value === 1 ? "1 sample" : `${value} samples`),
+        4,
+    );
     const command = h("code", { class: "command", tabindex: 0, "aria-label": "Command" });
     const state = h("p", { class: "take-state", role: "status" });
     const name = fileName(session.title);
 
-    const request = <F extends Format>(format: F) => ({ ...stage.request(format, Number(size.value)), samples: Number(samples.value) });
+    const request = <F extends Format>(format: F) => ({
+        ...stage.request(format, Number(size.value)),
+        samples: Number(samples.value),
+    });
     const showCommand = () => {
         try {
             const { view, document } = session;
-            const plain = view.ground === "square" || view.ground === "scene" ? { ...request("rgba8"), graph: document } : request("rgba8");
+            const plain =
+                view.ground === "square" || view.ground === "scene"
+                    ? { ...request("rgba8"), graph: document }
+                    : request("rgba8");
             command.textContent = session.engine.command(plain, `${name}.json`, `${name}.png`);
         } catch (error) {
             command.textContent = error instanceof Error ? error.message : String(error);
@@ -58,14 +83,24 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
     };
     const graph = () => {
         const { ground } = session.view;
-        const document = ground === "sphere" || ground === "torus" ? session.engine.documentOf(stage.request("rgba8", 512)) : session.document;
-        save(new Blob([JSON.stringify(document, null, 4) + "\n"], { type: "application/json" }), `${name}.json`);
+        const document =
+            ground === "sphere" || ground === "torus"
+                ? session.engine.documentOf(stage.request("rgba8", 512))
+                : session.document;
+        save(
+            new Blob([JSON.stringify(document, null, 4) + "\n"], { type: "application/json" }),
+            `${name}.json`,
+        );
         state.textContent = "Saved.";
     };
     const dialog = h(
         "dialog",
         { class: "take", "aria-labelledby": "take-title" },
-        h("form", { method: "dialog" }, h("button", { class: "icon-button close", "aria-label": "Close" }, icon("close"))),
+        h(
+            "form",
+            { method: "dialog" },
+            h("button", { class: "icon-button close", "aria-label": "Close" }, icon("close")),
+        ),
         h("h2", { id: "take-title" }, "Take it with you"),
         h("div", { class: "take-row" }, size, samples),
         h(

@@ -26,11 +26,13 @@ export class Tree {
 
     constructor(session: Session) {
         this.#session = session;
-        for (const event of ["document", "selection", "check"]) session.addEventListener(event, () => this.#draw());
+        for (const event of ["document", "selection", "check"])
+            session.addEventListener(event, () => this.#draw());
         this.element.addEventListener("keydown", (event) => this.#key(event));
         const plugs = below(session.document, session.document.output, session.tableOf).size;
         if (plugs > kManyRows)
-            for (const name of Object.keys(session.document.shaders)) this.#closed.set(name, name !== session.document.output);
+            for (const name of Object.keys(session.document.shaders))
+                this.#closed.set(name, name !== session.document.output);
         this.#draw();
     }
 
@@ -58,7 +60,10 @@ export class Tree {
     #draw(): void {
         this.#rows = this.#collect();
         const selected = this.#session.selected;
-        const wrong = /^\/shaders\/([^/]+)/.exec(this.#session.problem?.pointer ?? "")?.[1]?.replaceAll("~1", "/").replaceAll("~0", "~");
+        const wrong = /^\/shaders\/([^/]+)/
+            .exec(this.#session.problem?.pointer ?? "")?.[1]
+            ?.replaceAll("~1", "/")
+            .replaceAll("~0", "~");
         const kinds = this.#rows.map((row) => kindOf(this.#session, row.name));
         const drawn = JSON.stringify([this.#rows, selected, wrong, kinds]);
         if (drawn === this.#drawn) return;
@@ -76,14 +81,33 @@ export class Tree {
                     "aria-level": row.depth + 1,
                     "aria-selected": String(i === current),
                     "aria-expanded": row.branches ? String(row.open) : null,
-                    "aria-label": [row.name, kind === row.name ? "" : kind, row.slot, row.name === wrong ? "has an error" : ""].filter(Boolean).join(", "),
+                    "aria-label": [
+                        row.name,
+                        kind === row.name ? "" : kind,
+                        row.slot,
+                        row.name === wrong ? "has an error" : "",
+                    ]
+                        .filter(Boolean)
+                        .join(", "),
                     tabindex: i === Math.max(0, current) ? 0 : -1,
                     style: `--depth: ${row.depth}`,
                     onclick: () => this.#session.select(row.name),
                 },
-                h("span", { class: "twig", onclick: (event: Event) => row.branches && (event.stopPropagation(), this.#toggle(row)) }, row.branches ? (row.open ? "▾" : "▸") : ""),
+                h(
+                    "span",
+                    {
+                        class: "twig",
+                        onclick: (event: Event) =>
+                            row.branches && (event.stopPropagation(), this.#toggle(row)),
+                    },
+                    row.branches ? (row.open ? "▾" : "▸") : "",
+                ),
                 h("span", { class: "tree-name" }, row.name),
-                h("span", { class: "tree-kind" }, row.again ? "as above" : kind.toLowerCase() === row.name.toLowerCase() ? "" : kind),
+                h(
+                    "span",
+                    { class: "tree-kind" },
+                    row.again ? "as above" : kind.toLowerCase() === row.name.toLowerCase() ? "" : kind,
+                ),
                 h("span", { class: "tree-slot" }, row.slot),
             );
             return item;
@@ -116,7 +140,8 @@ export class Tree {
                     break;
                 }
         } else if (event.key === "Enter" || event.key === " ") this.#session.select(row.name);
-        else if (event.key === "Delete" && row.name !== this.#session.document.output) this.#session.remove(row.name);
+        else if (event.key === "Delete" && row.name !== this.#session.document.output)
+            this.#session.remove(row.name);
         else return;
         event.preventDefault();
     }

@@ -6,11 +6,21 @@ import { h } from "./dom";
 function card(example: Example): HTMLElement {
     return h(
         "li",
-        { class: "card", "data-words": [example.title, example.graph, ...example.classes].join(" ").toLowerCase() },
+        {
+            class: "card",
+            "data-words": [example.title, example.graph, ...example.classes].join(" ").toLowerCase(),
+        },
         h(
             "a",
             { href: `#example=${example.graph}` },
-            h("img", { src: pictureOf(example), alt: example.shows, loading: "lazy", decoding: "async", width: 384, height: 384 }),
+            h("img", {
+                src: pictureOf(example),
+                alt: example.shows,
+                loading: "lazy",
+                decoding: "async",
+                width: 384,
+                height: 384,
+            }),
             h("span", { class: "card-title" }, example.title),
             h("span", { class: "card-classes" }, example.classes.join(", ") || "sources"),
         ),
@@ -18,11 +28,21 @@ function card(example: Example): HTMLElement {
 }
 
 export function wall(): HTMLElement {
-    const search = h("input", { type: "search", placeholder: "Weave, Fresnel, cloth …", "aria-label": "Find examples", spellcheck: "false" });
+    const search = h("input", {
+        type: "search",
+        placeholder: "Weave, Fresnel, cloth …",
+        "aria-label": "Find examples",
+        spellcheck: "false",
+    });
     const none = h("p", { class: "none", hidden: true }, "No example is called so.");
     const sections = kTopics.map((topic) => {
         const id = `topic-${topic.topic.toLowerCase().replaceAll(" ", "-")}`;
-        return h("section", { "aria-labelledby": id }, h("h2", { id }, topic.topic), h("ul", { class: "cards" }, ...topic.examples.map(card)));
+        return h(
+            "section",
+            { "aria-labelledby": id },
+            h("h2", { id }, topic.topic),
+            h("ul", { class: "cards" }, ...topic.examples.map(card)),
+        );
     });
     search.addEventListener("input", () => {
         const words = search.value.toLowerCase().split(/\s+/).filter(Boolean);
@@ -50,10 +70,24 @@ export function wall(): HTMLElement {
                 {},
                 "Nineteen shaders for cloth, light, water and colour. Open a picture, move a slider, and take what you made with you. All of it is computed here, in your browser.",
             ),
-            h("div", { class: "wall-tools" }, search, h("a", { href: "guide/docs/start.html" }, "Start here"), h("a", { href: "guide/docs/reference/index.html" }, "Reference")),
+            h(
+                "div",
+                { class: "wall-tools" },
+                search,
+                h("a", { href: "guide/docs/start.html" }, "Start here"),
+                h("a", { href: "guide/docs/reference/index.html" }, "Reference"),
+            ),
         ),
         none,
         ...sections,
-        h("footer", {}, h("p", {}, "A graph or a picture of your own? Drop it anywhere. Nothing that you drop leaves this computer.")),
+        h(
+            "footer",
+            {},
+            h(
+                "p",
+                {},
+                "A graph or a picture of your own? Drop it anywhere. Nothing that you drop leaves this computer.",
+            ),
+        ),
     );
 }

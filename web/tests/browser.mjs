@@ -1,48 +1,33 @@
-// The built page in a real browser: a server of its files, and Chromium.
+// The built page in Chromium, as the tests drive it.
 
-import { createReadStream, existsSync, statSync } from "node:fs";
-import { createServer } from "node:http";
-import { extname, join, normalize } from "node:path";
-import { fileURLToPath } from "node:url";
 import puppeteer from "puppeteer-core";
-
-export const kRoot = fileURLToPath(new URL("../..", import.meta.url));
-export const kSite = process.env.FERNWICK_SITE ?? join(kRoot, "build/site");
-
-const kTypes = { ".html": "text/html", ".js": "text/javascript", ".css": "text/css", ".wasm": "application/wasm", ".json": "application/json", ".png": "image/png", ".svg": "image/svg+xml", ".webmanifest": "application/manifest+json" };
-
-/** A plain server of static files on a port of the loopback address that is free. */
-export function serve(folder = kSite, port = 0) {
-    const asked = [];
-    const server = createServer((request, response) => {
-        const path = normalize(decodeURIComponent(new URL(request.url, "http://localhost").pathname));
-        asked.push(path);
-        let file = join(folder, path);
-        if (existsSync(file) && statSync(file).isDirectory()) file = join(file, "index.html");
-        if (!file.startsWith(folder) || !existsSync(file)) {
-            response.writeHead(404).end();
-            return;
-        }
-        response.writeHead(200, { "content-type": kTypes[extname(file)] ?? "application/octet-stream" });
-        createReadStream(file).pipe(response);
-    });
-    return new Promise((ready) =>
-        server.listen(port, "127.0.0.1", () => ready({ address: `http://127.0.0.1:${server.address().port}/`, asked, close: () => new Promise((done) => (server.closeAllConnections(), server.close(done))) })),
-    );
-}
 
 export function launch() {
     return puppeteer.launch({
         executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
-        args: ["--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader", "--force-color-profile=srgb", "--js-flags=--expose-gc"],
+        args: [
+            "--no-sandbox",
+            "--use-angle=swiftshader",
+            "--enable-unsafe-swiftshader",
+            "--force-color-profile=srgb",
+            "--js-flags=--expose-gc",
+        ],
     });
 }
 
 /** A page that remembers what went wrong in it: errors of scripts, of the console, and requests to elsewhere. */
-export async function openPage(browser, address, { width = 1440, height = 900, dark = false, phone = false } = {}) {
+export async function openPage(
+    browser,
+    address,
+    { width = 1440, height = 900, dark = false, phone = false } = {},
+) {
     const page = await browser.newPage();
     await page.setViewport({ width, height, isMobile: phone, hasTouch: phone, deviceScaleFactor: 1 });
     await page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: dark ? "dark" : "light" }]);
+    // The page tells of each whole picture; the last one is kept for `pictureOf`.
+    await page.evaluateOnNewDocument(() =>
+        addEventListener("picture", (event) => (globalThis.lastPicture = event.detail.picture), true),
+    );
     page.faults = [];
     page.on("pageerror", (error) => page.faults.push(String(error)));
     page.on("console", (message) => {
@@ -66,17 +51,30 @@ export async function openGraph(page, address) {
 
 /** Resolves when all that was asked for is shown. */
 export function settled(page, timeout = 60_000) {
-    return page.waitForFunction(() => document.querySelector(".stage")?.dataset.state === "ready", { timeout, polling: 20 });
+    return page.waitForFunction(() => document.querySelector(".stage")?.dataset.state === "ready", {
+        timeout,
+        polling: 20,
+    });
 }
 
-/** The pixels of the picture that is shown, as the engine made them. */
-export async function shownPixels(page) {
+/** The last picture that was shown whole, as the engine made it. */
+export async function pictureOf(page) {
     const { width, height, text } = await page.evaluate(() => {
-        const canvas = document.querySelector("canvas.picture");
-        const { data } = canvas.getContext("2d").getImageData(0, 0, canvas.width, canvas.height);
+        const { width, height, pixels } = globalThis.lastPicture;
         let text = "";
-        for (let i = 0; i < data.length; i += 32768) text += String.fromCharCode(...data.subarray(i, i + 32768));
-        return { width: canvas.width, height: canvas.height, text: btoa(text) };
+        for (let i = 0; i < pixels.length; i += 32768)
+            text += String.fromCharCode(...pixels.subarray(i, i + 32768));
+        return { width, height, text: btoa(text) };
     });
-    return { width, height, pixels: Buffer.from(text, "base64") };
+    return { width, height, pixels: new Uint8Array(Buffer.from(text, "base64")) };
+}
+
+/** Resolves when another picture than `old` is shown whole. */
+export async function waitForPicture(page, old) {
+    for (let tries = 0; tries < 200; ++tries) {
+        await settled(page);
+        if (!Buffer.from((await pictureOf(page)).pixels).equals(Buffer.from(old.pixels))) return;
+        await new Promise((done) => setTimeout(done, 50));
+    }
+    throw new Error("the picture stays the same");
 }

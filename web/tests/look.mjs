@@ -2,7 +2,8 @@
 
 import { mkdirSync } from "node:fs";
 import { join } from "node:path";
-import { launch, openPage, serve, settled } from "./browser.mjs";
+import { launch, openPage, settled } from "./browser.mjs";
+import { serve } from "./server.mjs";
 
 const [folder, ...wanted] = process.argv.slice(2);
 mkdirSync(folder, { recursive: true });
@@ -29,7 +30,9 @@ for (const [name, [hash, options]] of Object.entries(shots)) {
     if (hash !== "") await settled(page).catch(() => page.faults.push("it wasn't shaded"));
     if (name === "sphere") {
         await page.click('.grounds input[value="sphere"]');
-        await new Promise((done) => setTimeout(done, 3000));
+        await new Promise((done) => setTimeout(done, 500));
+        await settled(page);
+        await new Promise((done) => setTimeout(done, 1000));
     }
     if (name === "take") await page.click(".bar .main");
     await new Promise((done) => setTimeout(done, 300));

@@ -17,7 +17,11 @@ function linearOf(byte: number): number {
 
 /** `#rrggbb` of a colour in linear light; what is beyond the screen is cut. */
 export function hexOf(color: readonly number[]): string {
-    const digits = [0, 1, 2].map((i) => Math.round(encoded(color[i] ?? 0) * 255).toString(16).padStart(2, "0"));
+    const digits = [0, 1, 2].map((i) =>
+        Math.round(encoded(color[i] ?? 0) * 255)
+            .toString(16)
+            .padStart(2, "0"),
+    );
     return "#" + digits.join("");
 }
 
@@ -30,15 +34,26 @@ export function colorOf(hex: string): [number, number, number] | undefined {
     return [channel(0), channel(2), channel(4)];
 }
 
-export function colorControl(field: Field, label: string, changed: Changed): Control {
+/** @param isSmall  the well alone, for where there is little room */
+export function colorControl(field: Field, label: string, changed: Changed, isSmall = false): Control {
     const count = field.type === "rgb" ? 3 : 4;
     let value: readonly number[] = count === 3 ? [0, 0, 0] : [0, 0, 0, 1];
     const well = h("input", { type: "color", "aria-label": label });
-    const hex = h("input", { type: "text", class: "hex", spellcheck: "false", autocomplete: "off", "aria-label": `${label}, as #rrggbb` });
+    const hex = h("input", {
+        type: "text",
+        class: "hex",
+        spellcheck: "false",
+        autocomplete: "off",
+        "aria-label": `${label}, as #rrggbb`,
+    });
     const one: Field = { ...field, minimum: 0, maximum: 1, loose: true };
-    const numbers = numbersControl(one, label, ["red", "green", "blue", "alpha"].slice(0, count), (next) => take(next as readonly number[]));
+    const numbers = numbersControl(one, label, ["red", "green", "blue", "alpha"].slice(0, count), (next) =>
+        take(next as readonly number[]),
+    );
     const more = h("details", { class: "linear" }, h("summary", {}, "Linear light"), numbers.element);
-    const element = h("div", { class: "color" }, h("div", { class: "color-row" }, well, hex), more);
+    const element = isSmall
+        ? well
+        : h("div", { class: "color" }, h("div", { class: "color-row" }, well, hex), more);
     const draw = () => {
         well.value = hexOf(value);
         if (document.activeElement !== hex) hex.value = hexOf(value);
@@ -88,10 +103,29 @@ export function colorsControl(field: Field, label: string, changed: Changed): Co
         });
         const rows = controls.map((control, i) => {
             control.show(values[i]!);
-            const remove = h("button", { class: "quiet", type: "button", "aria-label": `Remove colour ${i + 1}`, disabled: values.length <= 2, onclick: () => take(values.filter((_, j) => j !== i)) }, icon("close"));
+            const remove = h(
+                "button",
+                {
+                    class: "quiet",
+                    type: "button",
+                    "aria-label": `Remove colour ${i + 1}`,
+                    disabled: values.length <= 2,
+                    onclick: () => take(values.filter((_, j) => j !== i)),
+                },
+                icon("close"),
+            );
             return h("div", { class: "colors-row" }, control.element, remove);
         });
-        const add = h("button", { class: "quiet add", type: "button", onclick: () => take([...values, values.at(-1) ?? [1, 1, 1, 1]]) }, icon("plus"), "Add a colour");
+        const add = h(
+            "button",
+            {
+                class: "quiet add",
+                type: "button",
+                onclick: () => take([...values, values.at(-1) ?? [1, 1, 1, 1]]),
+            },
+            icon("plus"),
+            "Add a colour",
+        );
         list.replaceChildren(...rows, add);
     };
     return {

@@ -25,7 +25,11 @@ function nice(value: number): number {
 /** Where a slider begins and ends, and its step. Fields without ends get those that are worth trying. */
 export function sliderRange(field: Field, value: number): { minimum: number; maximum: number; step: number } {
     const standard =
-        typeof field.default === "number" ? field.default : Array.isArray(field.default) ? Number(field.default[0]) : 0;
+        typeof field.default === "number"
+            ? field.default
+            : Array.isArray(field.default)
+              ? Number(field.default[0])
+              : 0;
     const whole = field.type === "int32";
     let minimum = field.minimum;
     let maximum = field.maximum;

@@ -7,9 +7,20 @@ import type { Session } from "../session";
 import type { Control } from "./control";
 
 export function fileControl(session: Session, name: string, field: Field, label: string): Control {
-    const input = h("input", { type: "file", accept: kPictureKinds, class: "unseen", tabindex: -1, "aria-label": `${label}: choose a picture` });
+    const input = h("input", {
+        type: "file",
+        accept: kPictureKinds,
+        class: "unseen",
+        tabindex: -1,
+        "aria-label": `${label}: choose a picture`,
+    });
     const shown = h("span", { class: "file-name" });
-    const choose = h("button", { type: "button", class: "wide", onclick: () => input.click() }, icon("picture"), "Choose a picture");
+    const choose = h(
+        "button",
+        { type: "button", class: "wide", onclick: () => input.click() },
+        icon("picture"),
+        "Choose a picture",
+    );
     input.addEventListener("change", () => {
         const file = input.files?.[0];
         input.value = "";
@@ -21,6 +32,7 @@ export function fileControl(session: Session, name: string, field: Field, label:
     });
     return {
         element: h("div", { class: "file" }, shown, choose, input),
-        show: (value) => (shown.textContent = typeof value === "string" && value !== "" ? value : "No picture yet"),
+        show: (value) =>
+            (shown.textContent = typeof value === "string" && value !== "" ? value : "No picture yet"),
     };
 }

@@ -54,7 +54,11 @@ export function numberControl(field: Field, label: string, changed: Changed, des
         const share = (event.clientX - box.left - 8) / (box.width - 16);
         const start = range.minimum + Math.min(1, Math.max(0, share)) * (range.maximum - range.minimum);
         if (!event.shiftKey && event.pointerType === "mouse") take(snapped(start, range.step));
-        grip = { x: event.clientX, value: event.shiftKey || event.pointerType !== "mouse" ? value : start, fine: event.shiftKey };
+        grip = {
+            x: event.clientX,
+            value: event.shiftKey || event.pointerType !== "mouse" ? value : start,
+            fine: event.shiftKey,
+        };
     });
     slider.addEventListener("pointermove", (event) => {
         if (grip === undefined) return;
@@ -72,14 +76,23 @@ export function numberControl(field: Field, label: string, changed: Changed, des
         changed(undefined);
     });
     slider.addEventListener("input", () => take(snapped(Number(slider.value), range.step)));
-    const keys: { [key: string]: number } = { ArrowRight: 1, ArrowUp: 1, ArrowLeft: -1, ArrowDown: -1, PageUp: 10, PageDown: -10 };
+    const keys: { [key: string]: number } = {
+        ArrowRight: 1,
+        ArrowUp: 1,
+        ArrowLeft: -1,
+        ArrowDown: -1,
+        PageUp: 10,
+        PageDown: -10,
+    };
     const onKey = (event: KeyboardEvent) => {
         const steps = keys[event.key];
         if (event.key === "Home" && event.target === slider) take(range.minimum);
         else if (event.key === "End" && event.target === slider) take(range.maximum);
-        else if (steps === undefined || (event.target === entry && !/Arrow(Up|Down)|Page/.test(event.key))) return;
+        else if (steps === undefined || (event.target === entry && !/Arrow(Up|Down)|Page/.test(event.key)))
+            return;
         else {
-            const whole = field.type === "int32" ? 1 : Math.max(range.step, (range.maximum - range.minimum) / 100);
+            const whole =
+                field.type === "int32" ? 1 : Math.max(range.step, (range.maximum - range.minimum) / 100);
             const step = event.shiftKey && field.type !== "int32" ? whole / 10 : whole;
             take(Number((value + steps * step).toPrecision(12)));
             entry.value = numberText(value);
@@ -93,7 +106,10 @@ export function numberControl(field: Field, label: string, changed: Changed, des
         else onKey(event);
     });
     const accept = () => {
-        const text = entry.value.trim().replace(",", ".").replace(/[^\d.eE+-].*$/, "");
+        const text = entry.value
+            .trim()
+            .replace(",", ".")
+            .replace(/[^\d.eE+-].*$/, "");
         const next = text === "" ? NaN : Number(text);
         if (Number.isFinite(next)) take(next);
         entry.value = numberText(value);
@@ -113,19 +129,37 @@ export function numberControl(field: Field, label: string, changed: Changed, des
 }
 
 /** Some numbers in one field, a slider each. */
-export function numbersControl(field: Field, label: string, names: readonly string[], changed: Changed): Control {
+export function numbersControl(
+    field: Field,
+    label: string,
+    names: readonly string[],
+    changed: Changed,
+): Control {
     let values = names.map((_, i) => (Array.isArray(field.default) ? Number(field.default[i]) : 0));
     const controls = names.map((name, i) => {
-        const one: Field = { ...field, type: "float", ...(Array.isArray(field.default) ? { default: Number(field.default[i]) } : {}) };
+        const one: Field = {
+            ...field,
+            type: "float",
+            ...(Array.isArray(field.default) ? { default: Number(field.default[i]) } : {}),
+        };
         return numberControl(one, `${label}, ${name}`, (next) => {
-            values = values.map((old, j) => (i === j ? (typeof next === "number" ? next : Number(one.default ?? 0)) : old));
+            values = values.map((old, j) =>
+                i === j ? (typeof next === "number" ? next : Number(one.default ?? 0)) : old,
+            );
             changed(values);
         });
     });
     const element = h(
         "div",
         { class: "numbers" },
-        ...controls.map((control, i) => h("div", { class: "component" }, h("span", { "aria-hidden": "true" }, names[i]!), control.element)),
+        ...controls.map((control, i) =>
+            h(
+                "div",
+                { class: "component" },
+                h("span", { "aria-hidden": "true" }, names[i]!),
+                control.element,
+            ),
+        ),
     );
     return {
         element,

@@ -45,8 +45,17 @@ export function choiceControl(field: Field, label: string, changed: Changed): Co
 
 export function textControl(label: string, changed: Changed, suggestions: readonly string[] = []): Control {
     const id = `names-${crypto.randomUUID()}`;
-    const input = h("input", { type: "text", spellcheck: "false", autocomplete: "off", "aria-label": label, maxlength: 255, list: suggestions.length > 0 ? id : null });
-    const names = suggestions.length > 0 && h("datalist", { id }, ...suggestions.map((name) => h("option", { value: name })));
+    const input = h("input", {
+        type: "text",
+        spellcheck: "false",
+        autocomplete: "off",
+        "aria-label": label,
+        maxlength: 255,
+        list: suggestions.length > 0 ? id : null,
+    });
+    const names =
+        suggestions.length > 0 &&
+        h("datalist", { id }, ...suggestions.map((name) => h("option", { value: name })));
     input.addEventListener("change", () => changed(input.value));
     return {
         element: h("div", { class: "text" }, input, names),

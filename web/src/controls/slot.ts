@@ -1,7 +1,7 @@
 // What is plugged into a slot: any source or class, or another shader of the graph.
 
 import { h, icon } from "../dom";
-import type { Field, ShaderTable } from "../engine";
+import type { Field, FieldValue, ShaderTable } from "../engine";
 import { below, given, isKeyed, tableName, shaderOf, valueAt } from "../graph";
 import type { Session } from "../session";
 import { colorControl } from "./color";
@@ -20,7 +20,11 @@ function options(session: Session, name: string, plugged: string | null): HTMLEl
         tables.map((table) => h("option", { value: "+" + table.name, title: table.purpose }, table.name));
     return [
         h("option", { value: "" }, "Empty"),
-        h("optgroup", { label: "In this graph" }, ...names.map((other) => h("option", { value: "=" + other }, other))),
+        h(
+            "optgroup",
+            { label: "In this graph" },
+            ...names.map((other) => h("option", { value: "=" + other }, other)),
+        ),
         h("optgroup", { label: "A new source" }, ...tables(session.engine.sources)),
         h("optgroup", { label: "A new shader" }, ...tables(session.engine.classes)),
     ];
@@ -30,7 +34,13 @@ export function slotControl(session: Session, name: string, field: Field, label:
     const menu = h("select", { "aria-label": `${label}: what is plugged in` });
     const open = h("button", { class: "quiet", type: "button" }, icon("open"));
     const inline = h("div", { class: "inline" });
-    const element = h("div", { class: "slot", "data-slot": field.name }, h("div", { class: "slot-row" }, menu, open), inline);
+    const well = h("span", { class: "slot-well" });
+    const element = h(
+        "div",
+        { class: "slot", "data-slot": field.name },
+        h("div", { class: "slot-row" }, menu, well, open),
+        inline,
+    );
     let plugged: string | null = null;
     let inner: { name: string; control: Control; field: Field } | undefined;
 
@@ -52,16 +62,26 @@ export function slotControl(session: Session, name: string, field: Field, label:
     const showInline = (next: string | null) => {
         const shader = next === null ? undefined : shaderOf(session.document, next);
         const table = shader && session.tableOf(tableName(shader));
-        const own = table?.kind === "source" ? table.fields.find((each) => each.name === kInline[table.name]) : undefined;
+        const own =
+            table?.kind === "source"
+                ? table.fields.find((each) => each.name === kInline[table.name])
+                : undefined;
         if (next === null || shader === undefined || own === undefined) {
             inner = undefined;
             inline.replaceChildren();
+            well.replaceChildren();
             return;
         }
         if (inner?.name !== next || inner.field !== own) {
-            const make = own.type === "float" ? numberControl : colorControl;
-            inner = { name: next, field: own, control: make(own, `${label}: ${own.label.toLowerCase()}`, (value) => session.set(next, own, value)) };
-            inline.replaceChildren(inner.control.element);
+            const what = `${label}: ${own.label.toLowerCase()}`;
+            const changed = (value: FieldValue | undefined) => session.set(next, own, value);
+            const isNumber = own.type === "float";
+            const control = isNumber
+                ? numberControl(own, what, changed)
+                : colorControl(own, what, changed, true);
+            inner = { name: next, field: own, control };
+            (isNumber ? inline : well).replaceChildren(control.element);
+            (isNumber ? well : inline).replaceChildren();
         }
         inner.control.show(valueAt(shader, own, session.frame));
     };
