@@ -78,6 +78,9 @@ TEST_F(ReferenceTest, AGraphWithAPictureShowsTheClassBestAsItsOutput)
             HasSubstr("`fernwick bake examples/key.json --size 8x8 -o keyed.png`"),
             HasSubstr("\"output\": \"b\"}\n```\n")));
     EXPECT_THAT(FileText(fFolder / "reference" / "Drip.md"), HasSubstr("](../gallery/round.png)"));
+    Store(root + "/docs/gallery/two.list", "# Drip: wet.png\nwet.png bake examples/key.json\n");
+    EXPECT_THAT(Page("Drip", "--with '" + root + "'"), HasSubstr("](../gallery/wet.png)"));
+    std::filesystem::remove(root + "/docs/gallery/two.list");
     std::filesystem::remove(root + "/docs/gallery/one.list");
     EXPECT_THAT(Page("Drip", "--with '" + root + "'"),
         AllOf(HasSubstr("`fernwick bake examples/drip.json -o drip.png`"), Not(HasSubstr("gallery"))));

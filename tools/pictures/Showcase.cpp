@@ -35,12 +35,15 @@ Showcase::Showcase(const std::filesystem::path& root)
 
 const Exhibit* Showcase::Find(const std::string& className) const
 {
+    const auto named = fBest.find(className);
     const Exhibit* best = nullptr;
     int bestRank = 0;
     for (const Exhibit& exhibit : fExhibits) {
         if (!exhibit.fClasses.contains(className))
             continue;
-        const int rank = 1 + (exhibit.fPicture.empty() ? 0 : 2) + (exhibit.fOutput == className ? 1 : 0);
+        const bool isNamed = named != fBest.end() && named->second == exhibit.fPicture;
+        const int rank = 1 + (isNamed ? 4 : 0) + (exhibit.fPicture.empty() ? 0 : 2)
+            + (exhibit.fOutput == className ? 1 : 0);
         const bool isSimpler = rank == bestRank && exhibit.fClasses.size() < best->fClasses.size();
         if (rank > bestRank || isSimpler) {
             best = &exhibit;
@@ -58,6 +61,8 @@ void Showcase::AddLists(const std::filesystem::path& root)
             const std::vector<std::string> words = WordsOf(line);
             const auto graph = std::find_if(
                 words.begin(), words.end(), [](const std::string& word) { return word.ends_with(".json"); });
+            if (words.size() == 3 && words[0] == "#" && words[1].ends_with(':'))
+                fBest[words[1].substr(0, words[1].size() - 1)] = words[2];
             if (graph == words.end() || words.front().starts_with('#'))
                 continue;
             std::string arguments;
