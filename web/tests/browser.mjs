@@ -7,6 +7,7 @@ export function launch() {
         executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
         args: [
             "--no-sandbox",
+            "--disable-dev-shm-usage",
             "--use-angle=swiftshader",
             "--enable-unsafe-swiftshader",
             "--force-color-profile=srgb",
