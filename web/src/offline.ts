@@ -6,14 +6,14 @@ declare const self: ServiceWorkerGlobalScope;
 
 const kCache = `fernwick ${VERSION}`;
 
+// A newer one waits until no page of the older is open: that one still needs its own files.
 self.addEventListener("install", (event) => {
     event.waitUntil(
         caches
             .open(kCache)
             .then((cache) =>
                 cache.addAll(["./", ...FILES].map((file) => new Request(file, { cache: "no-cache" }))),
-            )
-            .then(() => self.skipWaiting()),
+            ),
     );
 });
 

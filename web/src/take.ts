@@ -64,7 +64,7 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
                 view.ground === "square" || view.ground === "scene"
                     ? { ...request("rgba8"), graph: document }
                     : request("rgba8");
-            command.textContent = session.engine.command(plain, `${name}.json`, `${name}.png`);
+            command.textContent = session.engine.command(plain, `${name}.json`, `${name}.png`, view.over);
         } catch (error) {
             command.textContent = error instanceof Error ? error.message : String(error);
         }
