@@ -12,10 +12,12 @@ import {
 } from "three";
 import { GLTFLoader } from "three/examples/jsm/loaders/GLTFLoader.js";
 import { OBJLoader } from "three/examples/jsm/loaders/OBJLoader.js";
+import { mergeVertices, toCreasedNormals } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 import type { Engine, Mesh } from "./engine";
 import { know, type Element } from "./models";
 
 const kLargestModel = 128 << 20; // bytes
+const kCrease = Math.PI / 3; // what is flatter is smooth, in a mesh without normals
 
 async function readModel(name: string, data: ArrayBuffer): Promise<Object3D> {
     if (data.byteLength > kLargestModel) throw new Error(`${name} is larger than 128 MB.`);
@@ -70,9 +72,15 @@ export async function openModel(name: string, data: ArrayBuffer): Promise<Object
     const model = await readModel(name, data);
     model.updateMatrixWorld(true);
     let vertices = 0;
+    const isObj = /\.obj$/i.test(name);
+    const isBare = isObj && !/^vn\s/m.test(new TextDecoder().decode(data)); // three.js would make it flat
     model.traverse((object) => {
-        object.userData["fromGltf"] = !/\.obj$/i.test(name);
-        if (isMesh(object)) vertices += object.geometry.attributes["position"]?.count ?? 0;
+        object.userData["fromGltf"] = !isObj;
+        if (!isMesh(object)) return;
+        vertices += object.geometry.attributes["position"]?.count ?? 0;
+        if (isBare || !object.geometry.attributes["normal"])
+            object.geometry = toCreasedNormals(object.geometry, kCrease);
+        if (object.geometry.index === null) object.geometry = mergeVertices(object.geometry, 1e-6);
     });
     if (vertices === 0) throw new Error(`${name} holds no triangles.`);
     return model;
@@ -86,7 +94,6 @@ export function wholeMesh(model: Object3D): Mesh {
         const part = object.clone();
         part.geometry = object.geometry.clone().applyMatrix4(object.matrixWorld);
         part.userData["fromGltf"] = object.userData["fromGltf"];
-        if (!part.geometry.attributes["normal"]) part.geometry.computeVertexNormals();
         parts.push(trianglesOf(part));
     });
     const total = (of: (part: Mesh) => number) => parts.reduce((sum, part) => sum + of(part), 0);
