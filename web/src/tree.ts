@@ -81,14 +81,6 @@ export class Tree {
                     "aria-level": row.depth + 1,
                     "aria-selected": String(i === current),
                     "aria-expanded": row.branches ? String(row.open) : null,
-                    "aria-label": [
-                        row.name,
-                        kind === row.name ? "" : kind,
-                        row.slot,
-                        row.name === wrong ? "has an error" : "",
-                    ]
-                        .filter(Boolean)
-                        .join(", "),
                     tabindex: i === Math.max(0, current) ? 0 : -1,
                     style: `--depth: ${row.depth}`,
                     onclick: () => this.#session.select(row.name),
@@ -97,6 +89,7 @@ export class Tree {
                     "span",
                     {
                         class: "twig",
+                        "aria-hidden": "true",
                         onclick: (event: Event) =>
                             row.branches && (event.stopPropagation(), this.#toggle(row)),
                     },
@@ -109,6 +102,7 @@ export class Tree {
                     row.again ? "as above" : kind.toLowerCase() === row.name.toLowerCase() ? "" : kind,
                 ),
                 h("span", { class: "tree-slot" }, row.slot),
+                row.name === wrong && h("span", { class: "unseen" }, "has an error"),
             );
             return item;
         });
