@@ -50,10 +50,14 @@ export class Tree {
             seen.add(name);
             if (open) for (const each of plugged) add(each.shader!, each.field.label, depth + 1);
         };
+        // Elements, nodes and materials of the scene name the shaders that they wear.
+        const scene = JSON.stringify(document.scene ?? null);
+        const inScene = (name: string) => scene.includes(JSON.stringify(name));
         add(document.output, "", 0);
         const hanging = below(document, document.output, tableOf);
         for (const name of Object.keys(document.shaders))
-            if (!hanging.has(name) && !seen.has(name)) add(name, "not plugged in", 0);
+            if (!hanging.has(name) && !seen.has(name))
+                add(name, inScene(name) ? "in the scene" : "not plugged in", 0);
         return rows;
     }
 
