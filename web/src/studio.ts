@@ -65,7 +65,7 @@ export class Studio {
                     iconButton("link", "Copy a link to this graph", () => void this.#share()),
                     h(
                         "button",
-                        { type: "button", class: "main", onclick: () => this.#take() },
+                        { type: "button", class: "main", "aria-label": "Take", onclick: () => this.#take() },
                         icon("download"),
                         h("span", {}, "Take"),
                     ),
