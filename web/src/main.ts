@@ -177,7 +177,9 @@ window.addEventListener("keydown", (event) => {
     if (key === "y" || event.shiftKey) studio.session.redo();
     else studio.session.undo();
 });
-if ("serviceWorker" in navigator) void navigator.serviceWorker.register("offline.js").catch(() => undefined);
+// Keeping all files for later mustn't hold up the first picture.
+if ("serviceWorker" in navigator)
+    setTimeout(() => void navigator.serviceWorker.register("offline.js").catch(() => undefined), 3000);
 // The engine comes while the reader looks at the wall.
 (globalThis.requestIdleCallback ?? ((start: () => void) => setTimeout(start, 200)))(
     () => void engine().catch(() => undefined),

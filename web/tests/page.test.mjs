@@ -509,11 +509,12 @@ test("memory stays steady over 500 changes, and pictures come at the pace of the
                     const slider = document.querySelector(
                         '[data-field="fProfileAcross"] input[type="range"]',
                     );
+                    const end = performance.now() + 20_000;
                     for (let i = 0; i < count; ++i) {
                         slider.value = String(1 + ((i + 1) % 50) / 50);
                         slider.dispatchEvent(new Event("input", { bubbles: true }));
                         do await new Promise((done) => requestAnimationFrame(done));
-                        while (isPatient && took.length <= i);
+                        while (isPatient && took.length <= i && performance.now() < end);
                     }
                     stage.removeEventListener("picture", seen);
                     return took.sort((left, right) => left - right);
@@ -531,7 +532,7 @@ test("memory stays steady over 500 changes, and pictures come at the pace of the
         await change(500, false);
         const after = await used();
         tell(
-            `a whole picture of 512 x 512: ${took[0].toFixed(0)} ms at best, ${took[30].toFixed(0)} ms mostly`,
+            `a whole picture of 512 x 512: ${took[0].toFixed(0)} ms at best, ${took[took.length >> 1].toFixed(0)} ms mostly`,
         );
         tell(`memory of scripts over 500 changes: ${before.toFixed(1)} MB, then ${after.toFixed(1)} MB`);
         assert.ok(after - before < 4, `${before} MB, then ${after} MB`);
