@@ -4,13 +4,13 @@
 
 namespace {
 
-constexpr const char* kIntroduction =
+constexpr const char* kBakeIntroduction =
     R"(U runs to the right and V up. The square lies from (0, 0, 0) to (1, 1, 0) on the shaded object of the graph's
 scene. The colours of a .png aren't multiplied by the alpha; those of an .exr are, unless --straight is given.
 
 )";
 
-constexpr const char* kExamples = R"(
+constexpr const char* kBakeExamples = R"(
 
 Examples:
   fernwick bake examples/key.json -o key.png
@@ -35,6 +35,7 @@ void AddBakeCommand(CLI::App& app)
     AddBakeOptions(command, options->bake);
     AddOntoOptions(command, options->onto);
     AddLibraryOption(command, options->library);
-    command.footer(std::string(kIntroduction) + kFramesHelp + "\n\n" + kChannelHelp + kOntoHelp + kExamples);
+    command.footer(
+        std::string(kBakeIntroduction) + kFramesHelp + "\n\n" + kChannelHelp + kOntoHelp + kBakeExamples);
     command.callback([options] { RunBake(*options); });
 }

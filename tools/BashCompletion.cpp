@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* kHead = R"(# Completion of the fernwick command for bash.
+constexpr const char* kBashHead = R"(# Completion of the fernwick command for bash.
 
 )";
 
@@ -107,7 +107,7 @@ std::string BashCompletion(const CLI::App& app)
             positionals.empty() ? CompletedValue{} : CompletedValueOf(*positionals.front()));
     }
     commandCases += CommandCase("", app, {.words = names});
-    return kHead + FieldFunctions()
+    return kBashHead + FieldFunctions()
         + fmt::format(kFunction, WordList(names), WordList(ClassAndSourceNames()),
             WordList(fernwick::SourceNames()), optionCases, commandCases);
 }

@@ -9,7 +9,7 @@
 namespace {
 
 /// Text for roff. Its dashes are those of the command line.
-std::string Escaped(const std::string& text)
+std::string EscapedForRoff(const std::string& text)
 {
     std::string escaped;
     for (const char character : text) {
@@ -27,7 +27,7 @@ std::string Escaped(const std::string& text)
 std::string Line(const std::string& text)
 {
     const bool looksLikeRequest = text.starts_with('.') || text.starts_with('\'');
-    return (looksLikeRequest ? "\\&" : "") + Escaped(text) + '\n';
+    return (looksLikeRequest ? "\\&" : "") + EscapedForRoff(text) + '\n';
 }
 
 /// Text that roff fills, in lines that aren't long.
@@ -89,9 +89,9 @@ std::string OptionEntry(const CLI::Option& option)
     std::string names;
     for (const std::string& name : NamesOf(option))
         names += (names.empty() ? "" : ", ") + name;
-    std::string entry = ".TP\n\\fB" + Escaped(names) + "\\fR";
+    std::string entry = ".TP\n\\fB" + EscapedForRoff(names) + "\\fR";
     if (TakesValue(option))
-        entry += " \\fI" + Escaped(option.get_type_name()) + "\\fR";
+        entry += " \\fI" + EscapedForRoff(option.get_type_name()) + "\\fR";
     std::string text = option.get_description();
     if (option.get_required())
         text += "; required";
@@ -102,12 +102,13 @@ std::string OptionEntry(const CLI::Option& option)
 
 std::string CommandSection(const CLI::App& command)
 {
-    std::string section = fmt::format(".SS \\fBfernwick {}\\fR [OPTIONS]", Escaped(command.get_name()));
+    std::string section
+        = fmt::format(".SS \\fBfernwick {}\\fR [OPTIONS]", EscapedForRoff(command.get_name()));
     for (const CLI::Option* const positional : PositionalsOf(command))
-        section += " \\fI" + Escaped(positional->get_name()) + "\\fR";
+        section += " \\fI" + EscapedForRoff(positional->get_name()) + "\\fR";
     section += '\n' + Filled(command.get_description());
     for (const CLI::Option* const positional : PositionalsOf(command))
-        section += ".TP\n\\fI" + Escaped(positional->get_name()) + "\\fR\n"
+        section += ".TP\n\\fI" + EscapedForRoff(positional->get_name()) + "\\fR\n"
             + Filled(positional->get_description() + '.');
     for (const CLI::Option* const option : OptionsOf(command))
         if (option != command.get_help_ptr())

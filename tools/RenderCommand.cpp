@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr const char* kIntroduction =
+constexpr const char* kRenderIntroduction =
     R"(The scene of the graph says what there is: a file, shapes, lights and cameras, and which element gets which
 shader; elements without one get the output. Colours are shown as they are, or, on elements whose shading is "lit",
 under a lamp beside the camera. What lies behind a surface shows by its alpha.
@@ -15,7 +15,7 @@ as second.R or normal.X.
 
 )";
 
-constexpr const char* kExamples = R"(
+constexpr const char* kRenderExamples = R"(
 
 Examples:
   fernwick render examples/spot-room.json -o room.png
@@ -44,6 +44,6 @@ void AddRenderCommand(CLI::App& app)
         ->check(WholeNumber(1, kMostSamples))
         ->capture_default_str();
     AddLibraryOption(command, options->library);
-    command.footer(std::string(kIntroduction) + kFramesHelp + kExamples);
+    command.footer(std::string(kRenderIntroduction) + kFramesHelp + kRenderExamples);
     command.callback([options] { RunRender(*options); });
 }

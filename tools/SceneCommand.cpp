@@ -3,7 +3,7 @@
 
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kSceneFooter =
     R"(FILE is a graph with a scene, a .json, or any model that Assimp reads: glTF, OBJ, FBX, PLY and others. An element is
 told with what hangs below it, its shape with triangles, vertices, the range of its UV sets and its materials.
 Positions and boxes are in world space.
@@ -23,6 +23,6 @@ void AddSceneCommand(CLI::App& app)
         ->required()
         ->type_name("FILE");
     command.add_flag("--json", options->asJson, "Prints JSON");
-    command.footer(kFooter);
+    command.footer(kSceneFooter);
     command.callback([options] { RunScene(*options); });
 }

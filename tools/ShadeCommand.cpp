@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char* kIntroduction =
+constexpr const char* kShadeIntroduction =
     R"(Fields that aren't set keep their defaults, and slots that nothing is plugged into stay empty.
 
 --set names a field as graphs do (see `fernwick describe CLASS`). Its value is JSON or plain text: 0.5, [0, 1],
@@ -35,7 +35,7 @@ and in hexadecimal. --stats shades the samples of a picture of the given size on
 
 )";
 
-constexpr const char* kExamples = R"(
+constexpr const char* kShadeExamples = R"(
 
 Examples:
   fernwick shade Spoke --set fCount=12 -o wheel.png
@@ -91,6 +91,6 @@ void AddShadeCommand(CLI::App& app)
     command.add_flag(
         "--stats", options->withStatistics, "Prints the time of a sample, and ranges, NaNs and infinities");
     AddLibraryOption(command, options->library);
-    command.footer(std::string(kIntroduction) + kChannelHelp + kExamples);
+    command.footer(std::string(kShadeIntroduction) + kChannelHelp + kShadeExamples);
     command.callback([options] { RunShade(*options); });
 }

@@ -12,7 +12,7 @@ namespace {
 using fernwick::validation::Check;
 using fernwick::validation::Finding;
 
-constexpr const char* kFooter =
+constexpr const char* kValidateFooter =
     R"(Each check runs in a process of its own, those of the classes once a class, so that a crash or a hang is a
 finding and not the end. A hang is what takes more processor time than the limit, or stands still for as long: how busy
 the machine is doesn't count. A finding tells the seed, and the command that shows it again. Exit status 1: there are
@@ -177,6 +177,6 @@ void AddValidateCommand(CLI::App& app)
         ->type_name("S")
         ->check(AnyNumber(0.1, 86400))
         ->capture_default_str();
-    command.footer(kFooter);
+    command.footer(kValidateFooter);
     command.callback([options] { RunValidate(*options); });
 }

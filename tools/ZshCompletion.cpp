@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* kHead = R"(#compdef fernwick
+constexpr const char* kZshHead = R"(#compdef fernwick
 # Completion of the fernwick command for zsh.
 
 )";
@@ -64,7 +64,7 @@ fi
 )";
 
 /// Text inside of single quotes, with a backslash before what zsh reads by itself there.
-std::string Escaped(const std::string& text)
+std::string EscapedForZsh(const std::string& text)
 {
     std::string escaped;
     for (const char character : text) {
@@ -94,8 +94,9 @@ std::string OptionArgument(const CLI::Option& option)
     const std::vector<std::string> names = NamesOf(option);
     std::string value;
     if (TakesValue(option))
-        value = fmt::format(":{}:{}", Escaped(option.get_type_name()), Action(CompletedValueOf(option)));
-    const std::string rest = fmt::format("'[{}]{}' ", Escaped(option.get_description()), value);
+        value
+            = fmt::format(":{}:{}", EscapedForZsh(option.get_type_name()), Action(CompletedValueOf(option)));
+    const std::string rest = fmt::format("'[{}]{}' ", EscapedForZsh(option.get_description()), value);
     if (option.get_items_expected_max() > 1)
         return "'*'" + names.front() + rest;
     if (names.size() == 1)
@@ -116,7 +117,7 @@ std::string CommandCase(const CLI::App& command)
     std::string text = fmt::format("        {}) _arguments {}", command.get_name(), OptionArguments(command));
     for (const CLI::Option* const positional : PositionalsOf(command))
         text += fmt::format(
-            "'1:{}:{}' ", Escaped(positional->get_name()), Action(CompletedValueOf(*positional)));
+            "'1:{}:{}' ", EscapedForZsh(positional->get_name()), Action(CompletedValueOf(*positional)));
     return text + ";;\n";
 }
 
@@ -127,11 +128,11 @@ std::string ZshCompletion(const CLI::App& app)
     std::string descriptions;
     std::string cases;
     for (const CLI::App* const command : CommandsOf(app)) {
-        descriptions
-            += fmt::format("        '{}:{}'\n", command->get_name(), Escaped(command->get_description()));
+        descriptions += fmt::format(
+            "        '{}:{}'\n", command->get_name(), EscapedForZsh(command->get_description()));
         cases += CommandCase(*command);
     }
-    return kHead + FieldFunctions()
+    return kZshHead + FieldFunctions()
         + fmt::format(kFunctions, WordList(ClassAndSourceNames()), WordList(fernwick::SourceNames()),
             descriptions, OptionArguments(app), cases);
 }

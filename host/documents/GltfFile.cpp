@@ -12,7 +12,7 @@ namespace fernwick {
 
 namespace {
 
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 
 static_assert(std::endian::native == std::endian::little); // as the file is
 
@@ -31,7 +31,7 @@ public:
     void Add(const GltfMesh& mesh, bool hasNormalMap)
     {
         const MeshDescription& description = *mesh.fMesh.fMesh;
-        Json attributes = {{"POSITION", AddPoints(mesh)}};
+        SortedJson attributes = {{"POSITION", AddPoints(mesh)}};
         if (!description.fNormals.empty())
             attributes["NORMAL"] = AddNormals(description);
         if (!description.fNormals.empty() && hasNormalMap)
@@ -46,8 +46,8 @@ public:
 
     void Add(const GltfMaps& maps)
     {
-        Json surface = {{"metallicFactor", 0}};
-        Json material = {{"name", "Baked"}};
+        SortedJson surface = {{"metallicFactor", 0}};
+        SortedJson material = {{"name", "Baked"}};
         if (!maps.fColor.empty())
             surface["baseColorTexture"]["index"] = AddPicture("color", maps.fColor);
         if (!maps.fRoughness.empty())
@@ -64,7 +64,7 @@ public:
     {
         Pad(fBuffer, '\0');
         fJson["buffers"] = {{{"byteLength", fBuffer.size()}}};
-        std::string text = fJson.dump(-1, ' ', false, Json::error_handler_t::replace);
+        std::string text = fJson.dump(-1, ' ', false, SortedJson::error_handler_t::replace);
         Pad(text, ' ');
         constexpr size_t kHeads = 12 + 8 + 8;
         const size_t length = kHeads + text.size() + fBuffer.size();
@@ -83,8 +83,9 @@ public:
     }
 
 private:
-    Json fJson = {{"asset", {{"version", "2.0"}, {"generator", "fernwick"}}}, {"scene", 0},
-        {"scenes", {{{"nodes", Json::array()}}}}, {"nodes", Json::array()}, {"meshes", Json::array()}};
+    SortedJson fJson = {{"asset", {{"version", "2.0"}, {"generator", "fernwick"}}}, {"scene", 0},
+        {"scenes", {{{"nodes", SortedJson::array()}}}}, {"nodes", SortedJson::array()},
+        {"meshes", SortedJson::array()}};
     std::string fBuffer;
 
     static void Pad(std::string& bytes, char with)
@@ -101,7 +102,7 @@ private:
     size_t AddView(const void* bytes, size_t count, int target)
     {
         Pad(fBuffer, '\0');
-        Json view = {{"buffer", 0}, {"byteOffset", fBuffer.size()}, {"byteLength", count}};
+        SortedJson view = {{"buffer", 0}, {"byteOffset", fBuffer.size()}, {"byteLength", count}};
         if (target != 0)
             view["target"] = target;
         fBuffer.append(static_cast<const char*>(bytes), count);
@@ -243,9 +244,9 @@ private:
         return !(along < 0);
     }
 
-    static Json NodeOf(const GltfMesh& mesh, size_t index)
+    static SortedJson NodeOf(const GltfMesh& mesh, size_t index)
     {
-        Json node = {{"name", mesh.fName}, {"mesh", index}};
+        SortedJson node = {{"name", mesh.fName}, {"mesh", index}};
         const TTransform3D& place = mesh.fPlace;
         std::vector<float> columns;
         for (int column = 0; column < 3; ++column) {

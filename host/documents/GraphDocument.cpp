@@ -14,7 +14,7 @@ namespace fernwick {
 
 namespace {
 
-constexpr size_t kDeepest = 256; // shaders call each other as deep as they are plugged
+constexpr size_t kDeepestPlug = 256; // shaders call each other as deep as they are plugged
 
 /// The table that `name` is the name of.
 template <class Tables, class TableOf>
@@ -57,9 +57,9 @@ public:
         fPath.push_back(place);
         if (fStates[place] == State::kOpen)
             FailCircle();
-        if (fPath.size() > kDeepest)
-            throw GraphError(Printable(
-                fmt::format("{}: shaders are plugged more than {} deep", fShaders[place].fName, kDeepest)));
+        if (fPath.size() > kDeepestPlug)
+            throw GraphError(Printable(fmt::format(
+                "{}: shaders are plugged more than {} deep", fShaders[place].fName, kDeepestPlug)));
         fStates[place] = State::kOpen;
         for (const size_t below : PluggedIn(fShaders[place]))
             Add(below);

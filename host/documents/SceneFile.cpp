@@ -68,7 +68,7 @@ aiMatrix4x4 MatrixOf(const SceneFileOptions& options)
     return matrix * sized;
 }
 
-constexpr int kDeepest = 256; // what reads a scene calls itself as deep
+constexpr int kDeepestNode = 256; // what reads a scene calls itself as deep
 
 /// The members of one of Assimp's arrays that are there.
 template <class Member> std::vector<const Member*> MembersOf(Member* const* members, unsigned count)
@@ -181,8 +181,8 @@ private:
     ElementDescription ReadNode(
         const aiNode& node, const aiMatrix4x4& parent, const TTransform3D& parentPlace)
     {
-        if (++fDepth > kDeepest)
-            throw SceneFileError(fmt::format("its nodes are nested more than {} deep", kDeepest));
+        if (++fDepth > kDeepestNode)
+            throw SceneFileError(fmt::format("its nodes are nested more than {} deep", kDeepestNode));
         const aiMatrix4x4 toWorld = parent * node.mTransformation;
         const Split split = SplitTransform(toWorld);
         ElementDescription element;

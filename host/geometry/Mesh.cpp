@@ -22,7 +22,7 @@ TBBox3D BoundsOf(const std::vector<TVector3>& points)
     return box;
 }
 
-TVector3 Edge(const MeshDescription& mesh, const std::array<unsigned, 3>& corners, size_t end)
+TVector3 EdgeTo(const MeshDescription& mesh, const std::array<unsigned, 3>& corners, size_t end)
 {
     return mesh.fPoints[corners[end]] - mesh.fPoints[corners[0]];
 }
@@ -116,7 +116,7 @@ private:
             for (size_t i = 0; i < 3; ++i)
                 normal += Scaled(fMesh.fNormals[corners[i]], weights.values[i]);
         if (Length(normal) == 0)
-            normal = Cross(Edge(fMesh, corners, 1), Edge(fMesh, corners, 2));
+            normal = Cross(EdgeTo(fMesh, corners, 1), EdgeTo(fMesh, corners, 2));
         Normalize(normal);
         return normal;
     }
@@ -162,8 +162,8 @@ private:
 void FindDerivatives(const MeshDescription& mesh, const std::vector<TVector2>& uvs,
     const std::array<unsigned, 3>& corners, SurfacePoint& point)
 {
-    const TVector3 first = Edge(mesh, corners, 1);
-    const TVector3 second = Edge(mesh, corners, 2);
+    const TVector3 first = EdgeTo(mesh, corners, 1);
+    const TVector3 second = EdgeTo(mesh, corners, 2);
     float u[2];
     float v[2];
     for (size_t i = 0; i < 2; ++i) {

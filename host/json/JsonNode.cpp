@@ -10,7 +10,6 @@ namespace fernwick {
 namespace {
 
 constexpr size_t kTextRoom = 255;
-constexpr size_t kShownBytes = 60;
 
 /// Whether an array is told of by its numbers.
 bool IsShortList(const Json& array)

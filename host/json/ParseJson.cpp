@@ -8,7 +8,6 @@ namespace fernwick {
 
 namespace {
 
-constexpr size_t kShownBytes = 60;
 constexpr size_t kDeepest = 256; // what reads a document may call itself as deep
 
 /// The text of an exception of the parser behind its code.

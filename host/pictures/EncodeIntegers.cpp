@@ -1,15 +1,12 @@
 #include "host/pictures/EncodeIntegers.h"
+#include "host/pictures/Clamped.h"
 #include "host/pictures/SRGBBytes.h"
 #include <OpenImageIO/color.h>
-#include <algorithm>
 #include <limits>
 
 namespace fernwick {
 
 namespace {
-
-/// 0 to 1; NaN gives 0.
-float Clamped(float number) { return number >= 0 ? std::min(number, 1.0f) : 0.0f; }
 
 float Encoded(float number, PictureContent content)
 {

@@ -1,14 +1,7 @@
 #include "host/pictures/LayOver.h"
-#include <algorithm>
+#include "host/pictures/Clamped.h"
 
 namespace fernwick {
-
-namespace {
-
-/// 0 to 1; NaN gives 0.
-float Clamped(float number) { return number >= 0 ? std::min(number, 1.0f) : 0.0f; }
-
-} // namespace
 
 void LayOver(std::span<TMCColorRGBA> pixels, std::span<const TMCColorRGBA> ground)
 {

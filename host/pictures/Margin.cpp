@@ -7,14 +7,14 @@ namespace fernwick {
 
 namespace {
 
-constexpr int kNone = std::numeric_limits<int>::max();
+constexpr int kNowhere = std::numeric_limits<int>::max();
 
-/// By column, how far above and below one row the nearest covered pixels lie; `kNone` where there are none.
+/// By column, how far above and below one row the nearest covered pixels lie; `kNowhere` where there are none.
 struct ColumnReach {
     std::vector<int> above;
     std::vector<int> below;
 
-    explicit ColumnReach(int width) : above(static_cast<size_t>(width), kNone), below(above) { }
+    explicit ColumnReach(int width) : above(static_cast<size_t>(width), kNowhere), below(above) { }
 };
 
 std::span<const uint8_t> RowOf(const CoveredRows& rows, int y)
@@ -27,7 +27,7 @@ std::span<const uint8_t> RowOf(const CoveredRows& rows, int y)
 MarginPixel NearestTo(int x, int y, const ColumnReach& reach, int margin)
 {
     int nearest = margin * margin; // squared; nothing is found that is farther
-    MarginPixel found{x, y, kNone, kNone};
+    MarginPixel found{x, y, kNowhere, kNowhere};
     const auto take = [&](int fromX, int rowsAway, bool isAbove) {
         if (rowsAway > margin)
             return;
@@ -60,8 +60,8 @@ std::vector<MarginPixel> FindMargin(const CoveredRows& rows, int top, int bottom
     const int first = std::max(rows.fTop, top - margin);
     const int end = std::min(rows.Bottom(), bottom + margin);
     const auto columns = static_cast<size_t>(rows.fWidth);
-    std::vector<int> next(columns, first); // from which on no covered row was looked for yet
-    std::vector<int> last(columns, kNone); // covered row at or above
+    std::vector<int> next(columns, first);    // from which on no covered row was looked for yet
+    std::vector<int> last(columns, kNowhere); // covered row at or above
     for (int y = first; y < bottom; ++y) {
         const std::span<const uint8_t> row = RowOf(rows, y);
         for (size_t x = 0; x < columns; ++x) {
@@ -72,14 +72,14 @@ std::vector<MarginPixel> FindMargin(const CoveredRows& rows, int top, int bottom
             if (next[x] <= y)
                 for (next[x] = y; next[x] < end && RowOf(rows, next[x])[x] == 0;)
                     ++next[x];
-            reach.above[x] = last[x] == kNone ? kNone : y - last[x];
-            reach.below[x] = next[x] < end ? next[x] - y : kNone;
+            reach.above[x] = last[x] == kNowhere ? kNowhere : y - last[x];
+            reach.below[x] = next[x] < end ? next[x] - y : kNowhere;
         }
         if (y < top)
             continue;
         for (int x = 0; x < rows.fWidth; ++x)
             if (row[static_cast<size_t>(x)] == 0)
-                if (const MarginPixel pixel = NearestTo(x, y, reach, margin); pixel.fFromX != kNone)
+                if (const MarginPixel pixel = NearestTo(x, y, reach, margin); pixel.fFromX != kNowhere)
                     found.push_back(pixel);
     }
     return found;

@@ -13,7 +13,7 @@ namespace {
 
 /// In pixels; a band is a row of tiles. A graph whose making is the dearest, with a Fresnel, takes a quarter of the
 /// time of such a tile.
-constexpr int kTileSide = 128;
+constexpr int kBakeTileSide = 128;
 
 Tile TileOf(const PictureRegion& region) { return {region.left, region.top, region.right, region.bottom}; }
 
@@ -25,7 +25,7 @@ public:
         : fRegion(region), fWidth(static_cast<size_t>(region.fRight - region.fLeft)), fWhole(whole)
     {
         if (whole == nullptr)
-            fBands.assign(static_cast<size_t>(bands), std::vector<TMCColorRGBA>(fWidth * kTileSide));
+            fBands.assign(static_cast<size_t>(bands), std::vector<TMCColorRGBA>(fWidth * kBakeTileSide));
     }
 
     /// The pixels of a row, from the left side of the region on; the rows of its band lie behind one another.
@@ -33,9 +33,9 @@ public:
     {
         if (fWhole != nullptr)
             return fWhole + static_cast<size_t>(y - fRegion.fTop) * fWidth;
-        std::vector<TMCColorRGBA>& band = fBands[static_cast<size_t>(y / kTileSide) % fBands.size()];
+        std::vector<TMCColorRGBA>& band = fBands[static_cast<size_t>(y / kBakeTileSide) % fBands.size()];
         return band.data()
-            + static_cast<size_t>(y - std::max(fRegion.fTop, y / kTileSide * kTileSide)) * fWidth;
+            + static_cast<size_t>(y - std::max(fRegion.fTop, y / kBakeTileSide * kBakeTileSide)) * fWidth;
     }
 
     std::span<TMCColorRGBA> Rows(int top, int bottom)
@@ -91,12 +91,12 @@ public:
     bool Run(const BakeSink& sink, std::span<TMCColorRGBA* const> whole = {})
     {
         const TileJob tiles
-            = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel, fRegion};
-        const int columns = (fRegion.fRight - 1) / kTileSide + 1 - fRegion.fLeft / kTileSide;
+            = {fJob.width, fJob.height, kBakeTileSide, fJob.threads, fJob.onProgress, fJob.cancel, fRegion};
+        const int columns = (fRegion.fRight - 1) / kBakeTileSide + 1 - fRegion.fLeft / kBakeTileSide;
         // Enough to shade a band while another one is written, and in a narrow picture to keep all threads busy.
         const int most = std::max(columns + 1, 2 * ThreadCount(std::max(fJob.threads, 0)));
-        const int bands = std::min(
-            (most - 2) / columns + 2, (fRegion.fBottom - 1) / kTileSide + 1 - fRegion.fTop / kTileSide);
+        const int bands = std::min((most - 2) / columns + 2,
+            (fRegion.fBottom - 1) / kBakeTileSide + 1 - fRegion.fTop / kBakeTileSide);
         for (size_t i = 0; i < fContents.size(); ++i)
             fPixels.emplace_back(fRegion, bands, i < whole.size() ? whole[i] : nullptr);
         return ForEachTileInOrder(

@@ -18,7 +18,7 @@ struct OperationKind {
     std::string_view name;
 };
 
-constexpr OperationKind kOperations[] = {
+constexpr OperationKind kOperationKinds[] = {
     {kOutputValue, Operation::kValue, "a value"},
     {kOutputColor, Operation::kColor, "a colour"},
     {kOutputVector, Operation::kVector, "a vector"},
@@ -29,7 +29,7 @@ constexpr OperationKind kOperations[] = {
 Operation FirstOffered(uint32_t kinds, std::initializer_list<OutputKinds> preferred)
 {
     for (const OutputKinds kind : preferred)
-        for (const OperationKind& row : kOperations)
+        for (const OperationKind& row : kOperationKinds)
             if (row.kind == kind && (kinds & static_cast<uint32_t>(kind)) != 0)
                 return row.operation;
     return Operation::kNone;
@@ -64,7 +64,7 @@ Operation RequireOperation(BakeChannel channel, uint32_t kinds)
     if (operation != Operation::kNone)
         return operation;
     std::string offers;
-    for (const OperationKind& row : kOperations)
+    for (const OperationKind& row : kOperationKinds)
         if ((kinds & static_cast<uint32_t>(row.kind)) != 0)
             offers += (offers.empty() ? "" : " and ") + std::string(row.name);
     throw BakeError(fmt::format("the output shader has no channel \"{}\": it offers {}", NameOf(channel),

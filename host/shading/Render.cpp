@@ -15,8 +15,8 @@ namespace fernwick {
 
 namespace {
 
-constexpr int kTileSide = 64;     // pixels
-constexpr int kMostSurfaces = 16; ///< that a ray goes through
+constexpr int kRenderTileSide = 64; // pixels
+constexpr int kMostSurfaces = 16;   ///< that a ray goes through
 
 PictureRegion RegionOf(const RenderJob& job)
 {
@@ -155,8 +155,8 @@ public:
     {
         Picture picture({fJob.width, fJob.height, fRegion, PictureContent::kColor});
         std::vector<std::vector<float>> layers(fJob.layers.size(), std::vector<float>(PixelsOf(fRegion)));
-        const TileJob tiles = {fJob.width, fJob.height, kTileSide, fJob.threads, fJob.onProgress, fJob.cancel,
-            Tile{fRegion.left, fRegion.top, fRegion.right, fRegion.bottom}};
+        const TileJob tiles = {fJob.width, fJob.height, kRenderTileSide, fJob.threads, fJob.onProgress,
+            fJob.cancel, Tile{fRegion.left, fRegion.top, fRegion.right, fRegion.bottom}};
         if (!ForEachTile(tiles, [&](const Tile& tile) { return ShadeTile(tile, picture, layers); }))
             return std::nullopt;
         for (size_t i = 0; i < layers.size(); ++i)

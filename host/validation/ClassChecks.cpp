@@ -18,9 +18,8 @@ namespace fernwick::validation {
 
 namespace {
 
-constexpr GUID kUnknownID = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr int kSteps = 2000;
-constexpr int kSamples = 50;
+constexpr int kClassSamples = 50;
 
 /// The first operation in which two objects of the class differ on random samples, with both answers; empty for none.
 /// @param which  what is asked of which objects
@@ -28,7 +27,7 @@ std::string DifferenceInShading(
     const std::string& which, const Specimen& left, const Specimen& right, uint64_t seed)
 {
     Random random(seed);
-    for (int i = 0; i < kSamples; ++i) {
+    for (int i = 0; i < kClassSamples; ++i) {
         const ShadingIn sample = RandomSample(random, nullptr);
         Sheet leftSheet(sample);
         Sheet rightSheet(sample);

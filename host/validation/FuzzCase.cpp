@@ -10,7 +10,7 @@ namespace fernwick::validation {
 
 namespace {
 
-constexpr int kSamples = 16;
+constexpr int kFuzzSamples = 16;
 
 template <class Value> void Append(std::vector<char>& bytes, const Value& value)
 {
@@ -198,7 +198,7 @@ std::string FuzzCase::Try(const Subject& subject, const GUID& classID, const std
         if (const std::string change = applied.Change(true, StatementOf(fTable).rewritten); !change.empty())
             return "ExtensionDataChanged rewrites the record's " + change;
         const RecordCopy derived(fTable, left);
-        for (int i = 0; i < kSamples; ++i)
+        for (int i = 0; i < kFuzzSamples; ++i)
             if (std::string fault = TrySample(left, right, derived, i % 2 != 0); !fault.empty())
                 return fault;
     }

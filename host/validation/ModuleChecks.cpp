@@ -16,8 +16,6 @@ namespace {
 
 constexpr int kLives = 1000;
 
-constexpr GUID kUnknownID = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
-
 /// What the library still holds of a host that it has been cleaned up with, or has released too often; empty for
 /// nothing.
 std::string HeldOf(Utilities& utilities)

@@ -9,6 +9,9 @@
 
 namespace fernwick::validation {
 
+/// Of no interface and no class.
+constexpr GUID kUnknownID = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
+
 /// References to an object, without changing them.
 template <class Object> uint32_t ReferencesOf(Object& object)
 {

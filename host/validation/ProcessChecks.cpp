@@ -14,8 +14,8 @@ namespace fernwick::validation {
 
 namespace {
 
-constexpr int kSamples = 20;
-constexpr int kCases = 20;
+constexpr int kProcessSamples = 20;
+constexpr int kProcessCases = 20;
 constexpr size_t kMostStack = 32 * 1024; // bytes of one operation
 
 /// Lives through many records and samples. Calls `around(name, action)` with each operation, whose name tells the seed
@@ -23,7 +23,7 @@ constexpr size_t kMostStack = 32 * 1024; // bytes of one operation
 template <class Around>
 void Live(Inspection& inspection, const Subject& subject, const ParameterTable& table, Around&& around)
 {
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; ++seed) {
+    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kProcessCases; ++seed) {
         FuzzCase fuzz(table, seed);
         const Specimen object(subject.library, table);
         fuzz.Apply(object);
@@ -31,7 +31,7 @@ void Live(Inspection& inspection, const Subject& subject, const ParameterTable& 
             = [seed](const char* operation) { return fmt::format("{}, seed {}", operation, seed); };
         if (!around(named("ExtensionDataChanged"), [&] { object.Changed(); }))
             return;
-        for (int i = 0; i < kSamples; ++i) {
+        for (int i = 0; i < kProcessSamples; ++i) {
             Sheet sheet(fuzz.NextSample());
             for (const Sheet::Operation operation : Sheet::kOperations)
                 if (!around(named(Sheet::NameOf(operation)), [&] { sheet.Ask(object.Shader(), operation); }))

@@ -13,8 +13,8 @@ namespace fernwick::validation {
 
 namespace {
 
-constexpr int kSamples = 20;
-constexpr int kCases = 40;
+constexpr int kRecordSamples = 20;
+constexpr int kRecordCases = 40;
 
 /// Gives a field another value than it has.
 void Alter(const Field& field, char* record, IMCUnknown* shader)
@@ -105,12 +105,12 @@ void CheckEmptiedSlots(Inspection& inspection, const ParameterTable& table)
     const Subject subject(inspection.fJob.library);
     const bool keeps = StatementOf(table).keepsShaders;
     const auto nothing = MakeCounted<ProbeUnknown>();
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; ++seed) {
+    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kRecordCases; ++seed) {
         FuzzCase fuzz(table, seed);
         CallLog log;
         const FuzzCase::Listening listening(fuzz, log);
         std::vector<ShadingIn> samples;
-        for (int i = 0; i < kSamples; ++i)
+        for (int i = 0; i < kRecordSamples; ++i)
             samples.push_back(fuzz.NextSample());
         const Specimen plugged(subject.library, table);
         const Specimen emptied(subject.library, table);

@@ -11,14 +11,14 @@ namespace fernwick::validation {
 
 namespace {
 
-constexpr int kSamples = 20;
-constexpr int kCases = 50;
+constexpr int kShadingSamples = 20;
+constexpr int kShadingCases = 50;
 constexpr uint32_t kAllKinds = kOutputValue | kOutputColor | kOutputSurface;
 
 void ShadeSome(const Specimen& object, uint64_t seed, IMCUnknown* instance = nullptr)
 {
     Random random(seed);
-    for (int i = 0; i < kSamples; ++i)
+    for (int i = 0; i < kShadingSamples; ++i)
         Sheet(RandomSample(random, instance)).Ask(object.Shader());
 }
 
@@ -81,7 +81,7 @@ void CheckHosts(Inspection& inspection, const ParameterTable& table)
         {Hospitality::kGivesNull, "answers null"}, {Hospitality::kLeavesUntouched, "answers nothing"}};
     for (const auto& host : hosts) {
         ProbeScene scene(host.hospitality, random);
-        for (int i = 0; i < kCases; ++i) {
+        for (int i = 0; i < kShadingCases; ++i) {
             const uint64_t seed = inspection.fJob.seed + static_cast<uint64_t>(i);
             inspection.Doing(fmt::format("shading in a scene that {}, seed {}", host.name, seed).c_str());
             FuzzCase fuzz(table, seed);
@@ -107,7 +107,7 @@ void CheckNoAllocation(Inspection& inspection, const ParameterTable& table)
     const Subject subject(inspection.fJob.library);
     WatchRuntimeAllocations(inspection.fJob.library);
     const auto allocations = [&] { return subject.Memory().Allocations() + RuntimeAllocations(); };
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; ++seed) {
+    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kShadingCases; ++seed) {
         FuzzCase fuzz(table, seed);
         const Specimen object(subject.library, table);
         fuzz.Apply(object);
@@ -120,7 +120,7 @@ void CheckNoAllocation(Inspection& inspection, const ParameterTable& table)
         };
         if (!watch("ExtensionDataChanged", [&] { object.Changed(); }))
             return;
-        for (int i = 0; i < kSamples; ++i) {
+        for (int i = 0; i < kShadingSamples; ++i) {
             Sheet sheet(fuzz.NextSample());
             for (const Sheet::Operation operation : Sheet::kOperations)
                 if (!watch(Sheet::NameOf(operation), [&] { sheet.Ask(object.Shader(), operation); }))
@@ -133,7 +133,7 @@ void CheckNoAllocation(Inspection& inspection, const ParameterTable& table)
 void CheckLeaks(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; ++seed) {
+    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kShadingCases; ++seed) {
         const std::string life = fmt::format("a life with plugged shaders and a scene, seed {}", seed);
         inspection.Doing(("living " + life).c_str());
         FuzzCase fuzz(table, seed);
@@ -141,7 +141,7 @@ void CheckLeaks(Inspection& inspection, const ParameterTable& table)
             const Specimen object(subject.library, table);
             fuzz.Apply(object);
             object.Changed();
-            for (int i = 0; i < kSamples; ++i)
+            for (int i = 0; i < kShadingSamples; ++i)
                 Sheet(fuzz.NextSample()).Ask(object.Shader());
         }
         const std::string held = fuzz.Held();

@@ -13,9 +13,9 @@ namespace fernwick::validation {
 
 namespace {
 
-constexpr int kSamples = 20;
+constexpr int kStateSamples = 20;
 constexpr int kThreadedSamples = 200;
-constexpr int kCases = 30;
+constexpr int kStateCases = 30;
 
 /// An object with a random record, what is plugged into it and its scene.
 struct Actor {
@@ -69,15 +69,15 @@ bool RequireSame(Inspection& inspection, const std::vector<Sheet>& alone, const 
 void CheckInterleaved(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; seed += 2) {
+    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kStateCases; seed += 2) {
         inspection.Doing(fmt::format("shading two objects by turns, seed {}", seed).c_str());
-        const std::vector<Sheet> alone[]
-            = {ShadeAlone(subject, table, seed, kSamples), ShadeAlone(subject, table, seed + 1, kSamples)};
+        const std::vector<Sheet> alone[] = {ShadeAlone(subject, table, seed, kStateSamples),
+            ShadeAlone(subject, table, seed + 1, kStateSamples)};
         {
             Actor left(subject, table, seed);
             Actor right(subject, table, seed + 1);
             std::vector<Sheet> together[2];
-            for (int i = 0; i < kSamples; ++i) {
+            for (int i = 0; i < kStateSamples; ++i) {
                 together[0].push_back(left.Shade());
                 together[1].push_back(right.Shade());
             }
@@ -93,7 +93,7 @@ void CheckInterleaved(Inspection& inspection, const ParameterTable& table)
         CallLog log;
         log.fInterlude = [&] { inner.Shade(); };
         const FuzzCase::Listening listening(outer.fuzz, log);
-        const std::vector<Sheet> interrupted = outer.Shade(kSamples);
+        const std::vector<Sheet> interrupted = outer.Shade(kStateSamples);
         if (!RequireSame(
                 inspection, alone[0], interrupted, seed, "while another object shades within the sample"))
             return;
@@ -104,7 +104,7 @@ void CheckInterleaved(Inspection& inspection, const ParameterTable& table)
 void CheckTwoThreads(Inspection& inspection, const ParameterTable& table)
 {
     const Subject subject(inspection.fJob.library);
-    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kCases; seed += 2) {
+    for (uint64_t seed = inspection.fJob.seed; seed < inspection.fJob.seed + kStateCases; seed += 2) {
         inspection.Doing(fmt::format("shading on two threads, seed {}", seed).c_str());
         const std::vector<Sheet> alone[] = {ShadeAlone(subject, table, seed, kThreadedSamples),
             ShadeAlone(subject, table, seed + 1, kThreadedSamples)};
@@ -138,12 +138,12 @@ void CheckStaticData(Inspection& inspection, const ParameterTable& table)
             fmt::format("{} writes to static data, seed {}: expected none, came one at {:#x} of the module",
                 operation, seed, written.value_or(0)));
     };
-    for (; seed < inspection.fJob.seed + kCases; ++seed) {
+    for (; seed < inspection.fJob.seed + kStateCases; ++seed) {
         FuzzCase fuzz(table, seed);
         const Specimen object(subject.library, table);
         fuzz.Apply(object);
         bool clean = watch("ExtensionDataChanged", [&] { object.Changed(); });
-        for (int i = 0; clean && i < kSamples; ++i) {
+        for (int i = 0; clean && i < kStateSamples; ++i) {
             Sheet sheet(fuzz.NextSample());
             for (const Sheet::Operation operation : Sheet::kOperations)
                 clean = watch(Sheet::NameOf(operation), [&] { sheet.Ask(object.Shader(), operation); })

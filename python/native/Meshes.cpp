@@ -75,7 +75,7 @@ PyMesh Make(const Floats& points, const Corners& triangles, const std::vector<Fl
     return made;
 }
 
-PyMesh Read(const std::string& path, bool isZUp, float scale)
+PyMesh ReadMesh(const std::string& path, bool isZUp, float scale)
 {
     PyMesh made;
     Serve(py::none(), [&](Control&) {
@@ -105,7 +105,7 @@ void AddMeshes(py::module_& module)
     };
     py::class_<PyMesh>(module, "Mesh")
         .def(py::init(&Make), py::arg("points"), py::arg("triangles"), py::arg("uvs"), py::arg("normals"))
-        .def_static("read", &Read, py::arg("path"), py::arg("z_up"), py::arg("scale"))
+        .def_static("read", &ReadMesh, py::arg("path"), py::arg("z_up"), py::arg("scale"))
         .def_property_readonly(
             "points", [=](const py::object& mesh) { return ViewOf(mesh, description(mesh).fPoints); })
         .def_property_readonly(

@@ -64,7 +64,7 @@ Number Chosen(const std::map<std::string, Number>& choices, const std::string& n
     throw py::value_error(text + ", got \"" + name + '"');
 }
 
-py::array Read(const std::string& path, const std::string& encoding, const std::string& alpha)
+py::array ReadPicture(const std::string& path, const std::string& encoding, const std::string& alpha)
 {
     using namespace fernwick;
     PictureSettings settings{path};
@@ -214,7 +214,7 @@ void AddPictures(py::module_& module)
     py::class_<PyPicture>(module, "Picture")
         .def(py::init<const py::array&>(), py::arg("pixels"))
         .def("array", [](const PyPicture& picture) { return picture.fArray; });
-    module.def("read_picture", &Read, py::arg("path"), py::arg("encoding"), py::arg("alpha"));
+    module.def("read_picture", &ReadPicture, py::arg("path"), py::arg("encoding"), py::arg("alpha"));
     module.def("write_picture", &Write, py::arg("path"), py::arg("pixels"), py::arg("content"),
         py::arg("bits"), py::arg("straight"), py::arg("tiled"), py::arg("compression"), py::arg("threads"));
     module.def("encode", &Encode, py::arg("pixels"), py::arg("content"));
