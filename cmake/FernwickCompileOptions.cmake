@@ -8,6 +8,10 @@ target_compile_options(fernwick_options INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A unique symbol would keep the module from being unloaded.
     target_compile_options(fernwick_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+    if(CMAKE_UNITY_BUILD)
+        # It takes sources that are compiled in groups for headers, whose types shouldn't use an unnamed namespace.
+        target_compile_options(fernwick_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
+    endif()
 endif()
 if(EMSCRIPTEN)
     target_compile_options(fernwick_options INTERFACE
