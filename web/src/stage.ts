@@ -39,7 +39,8 @@ export class Stage {
     readonly #session: Session;
     readonly #shading: Shading;
     readonly #bump: Shading;
-    readonly #context = this.canvas.getContext("2d")!;
+    // Each picture comes from the processor's memory; kept there, it waits for no graphics card on its way.
+    readonly #context = this.canvas.getContext("2d", { willReadFrequently: true })!;
     readonly #solidPlace = h("div", { class: "solid", hidden: true });
     readonly #grounds = h("div", {
         class: "segments grounds",

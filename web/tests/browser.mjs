@@ -4,6 +4,7 @@ import puppeteer from "puppeteer-core";
 
 export function launch() {
     return puppeteer.launch({
+        protocolTimeout: 600_000, // a machine that does much else takes long
         executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
         args: [
             "--no-sandbox",
