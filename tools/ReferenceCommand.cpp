@@ -15,6 +15,6 @@ void AddReferenceCommand(CLI::App& app)
         ->check(CLI::Validator(CLI::ExistingDirectory).description(""));
     AddLibraryOption(command, options->library);
     command.footer("Defaults are read from objects that the library has just made. Pictures are links to "
-                   "../gallery.\n\nExample:\n  fernwick reference --with . -o build/docs/reference");
+                   "../gallery and ../blender.\n\nExample:\n  fernwick reference --with . -o build/docs/reference");
     command.callback([options] { RunReference(*options); });
 }

@@ -72,11 +72,15 @@ TEST_F(ReferenceTest, AGraphWithAPictureShowsTheClassBestAsItsOutput)
     Store(root + "/docs/gallery/one.list",
         "# pictures\nkeyed.png bake examples/key.json --size 8x8\nround.png bake "
         "examples/drip.json\nscene.png view\n");
+    Store(root + "/docs/blender/scenes/README.md",
+        "# Scenes\n\n`Key`\n\n## Badge\n\n![A badge](badge.jpg)\n\nBy a `Key`.\n\n## Bowl\n\n![A "
+        "bowl](bowl.jpg)\n");
     const std::string key = Page("Key", "--with '" + root + "'");
     EXPECT_THAT(key,
         AllOf(HasSubstr("](../gallery/keyed.png)"), HasSubstr("## Good to know\n\n- Ends belong.\n"),
             HasSubstr("`fernwick bake examples/key.json --size 8x8 -o keyed.png`"),
-            HasSubstr("\"output\": \"b\"}\n```\n")));
+            HasSubstr("\"output\": \"b\"}\n```\n"),
+            HasSubstr("![A badge](../blender/scenes/badge.jpg)\n\n[Badge]("), Not(HasSubstr("bowl"))));
     EXPECT_THAT(FileText(fFolder / "reference" / "Drip.md"), HasSubstr("](../gallery/round.png)"));
     Store(root + "/docs/gallery/two.list", "# Drip: wet.png\nwet.png bake examples/key.json\n");
     EXPECT_THAT(Page("Drip", "--with '" + root + "'"), HasSubstr("](../gallery/wet.png)"));

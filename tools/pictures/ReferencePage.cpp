@@ -21,6 +21,27 @@ std::string ClassTable(const fernwick::ParameterTable& table, const ReferenceFac
     return text + fmt::format("| Record | `{}Params`, {} bytes |\n", table.fName, table.fRecordSize);
 }
 
+/// The pictures in those sections of a page that name a class, each with its heading.
+std::string ScenesOf(const std::string& page, const std::string& className)
+{
+    constexpr std::string_view kHeading = "\n## ";
+    std::string pictures;
+    for (size_t start = page.find(kHeading); start != std::string::npos;) {
+        const size_t end = page.find(kHeading, start + 1);
+        const std::string section = page.substr(start + kHeading.size(), end - start - kHeading.size());
+        start = end;
+        const size_t picture = section.find("![");
+        const size_t file = section.find("](", picture);
+        const size_t close = section.find(')', file);
+        if (close == std::string::npos || section.find('`' + className + '`') == std::string::npos)
+            continue;
+        pictures += fmt::format("{}](../blender/scenes/{})\n\n[{}](../blender/scenes/README.md)\n\n",
+            section.substr(picture, file - picture), section.substr(file + 2, close - file - 2),
+            section.substr(0, section.find('\n')));
+    }
+    return pictures;
+}
+
 } // namespace
 
 std::string FieldsTable(const fernwick::ParameterTable& table, const void* record)
@@ -52,6 +73,8 @@ std::string ReferencePage(const fernwick::ParameterTable& table, const Reference
     if (exhibit != nullptr)
         page += fmt::format(
             "\n## Example\n\n`fernwick {}`\n\n```json\n{}```\n", exhibit->fArguments, facts.fExample);
+    if (const std::string scenes = ScenesOf(facts.fScenes, table.fName); !scenes.empty())
+        page += "\n## Rendered in Blender\n\n" + scenes;
     return page;
 }
 

@@ -25,8 +25,10 @@ std::string PageOf(const fernwick::ParameterTable& table, const fernwick::Librar
     const Showcase& showcase, const std::filesystem::path& root)
 {
     ReferenceFacts facts;
-    if (!root.empty())
+    if (!root.empty()) {
         facts.fQuirks = TextOf(root / "docs" / "quirks" / (table.fName + ".md"));
+        facts.fScenes = TextOf(root / "docs" / "blender" / "scenes" / "README.md");
+    }
     facts.fExhibit = showcase.Find(table.fName);
     if (facts.fExhibit != nullptr)
         facts.fExample = TextOf(facts.fExhibit->fGraph);
