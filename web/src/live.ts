@@ -14,7 +14,7 @@ import { withScene } from "./models";
 import { Shading } from "./shading";
 
 const kSize = 384;
-const kMostControls = 4;
+const kMostControls = 6;
 
 function requestFor(example: Example, document: GraphDocument): Request {
     const graph = withScene(document);
