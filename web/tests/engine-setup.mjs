@@ -36,6 +36,7 @@ await build({
     absWorkingDir: `${kRoot}web`,
     entryPoints: ["src/engine.ts", "src/engine-core.ts", "src/engine-worker.ts"],
     outdir: kScripts,
+    outExtension: { ".js": ".mjs" }, // node 18 takes others for scripts of an older kind
     bundle: true,
     format: "esm",
     target: "es2022",
@@ -44,10 +45,10 @@ await build({
 
 export const kModule = await WebAssembly.compile(await readFile(`${kBuilt}/engine.wasm`));
 
-const { loadEngine, EngineError, CancelledError } = await import(pathToFileURL(`${kScripts}/engine.js`));
-export const { EngineCore } = await import(pathToFileURL(`${kScripts}/engine-core.js`));
+const { loadEngine, EngineError, CancelledError } = await import(pathToFileURL(`${kScripts}/engine.mjs`));
+export const { EngineCore } = await import(pathToFileURL(`${kScripts}/engine-core.mjs`));
 export { EngineError, CancelledError };
 
 export function load(workers = 2) {
-    return loadEngine({ wasm: kModule, worker: pathToFileURL(`${kScripts}/engine-worker.js`), workers });
+    return loadEngine({ wasm: kModule, worker: pathToFileURL(`${kScripts}/engine-worker.mjs`), workers });
 }
