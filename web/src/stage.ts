@@ -203,7 +203,7 @@ export class Stage {
             return;
         }
         const small = new OffscreenCanvas(width, height);
-        small.getContext("2d")!.putImageData(image, 0, 0);
+        small.getContext("2d", { willReadFrequently: true })!.putImageData(image, 0, 0);
         this.#context.clearRect(part.left * scale, part.top * scale, width * scale, height * scale);
         this.#context.imageSmoothingQuality = "high";
         this.#context.drawImage(small, part.left * scale, part.top * scale, width * scale, height * scale);
