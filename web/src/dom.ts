@@ -54,6 +54,9 @@ export function icon(name: keyof typeof kIcons): SVGSVGElement {
     return svg;
 }
 
+/** Of a canvas for pixels of the processor's memory: kept there, they wait for no graphics card on their way. */
+export const kForPixels: CanvasRenderingContext2DSettings = { willReadFrequently: true };
+
 /** Told to screen readers, and shown for a while. */
 export function tell(message: string): void {
     const place = document.getElementById("told");

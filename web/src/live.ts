@@ -5,7 +5,7 @@ import { numberControl } from "./controls/number";
 import { choiceControl, switchControl } from "./controls/plain";
 import { colorControl } from "./controls/color";
 import type { Control } from "./controls/control";
-import { h } from "./dom";
+import { h, kForPixels } from "./dom";
 import type { Engine, Field, FieldValue, GraphDocument, Picture, Request } from "./engine";
 import { given, shaderOf, tableName, valueAt, withField } from "./graph";
 import { toLink } from "./link";
@@ -61,7 +61,7 @@ async function enliven(image: HTMLImageElement, example: Example, className: str
         "aria-label": image.alt,
         class: "live-picture",
     });
-    const context = canvas.getContext("2d")!;
+    const context = canvas.getContext("2d", kForPixels)!;
     const state = h("p", { class: "live-state", role: "status" });
     const figure = image.closest<HTMLElement>(".live")!;
     const shading = new Shading(ready, {

@@ -1,5 +1,6 @@
 // Pictures from outside: checked, decoded and given to the engine.
 
+import { kForPixels } from "./dom";
 import type { Engine, GivenPicture } from "./engine";
 
 export const kPictureKinds = "image/png,image/jpeg,image/webp,image/avif,image/gif,image/bmp";
@@ -44,7 +45,7 @@ function pixelsOf(bitmap: ImageBitmap): Uint8Array | Uint8ClampedArray {
         gl.getExtension("WEBGL_lose_context")?.loseContext();
         if (!failed) return pixels;
     }
-    const plain = new OffscreenCanvas(width, height).getContext("2d")!;
+    const plain = new OffscreenCanvas(width, height).getContext("2d", kForPixels)!;
     plain.drawImage(bitmap, 0, 0);
     return plain.getImageData(0, 0, width, height).data;
 }

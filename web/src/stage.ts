@@ -1,6 +1,6 @@
 // The picture, large: on the square, as the scene renders it, or on a body that can be turned.
 
-import { h, icon, tell } from "./dom";
+import { h, icon, kForPixels, tell } from "./dom";
 import type { Channel, Format, Mesh, Part, Picture, Request } from "./engine";
 import { withScene } from "./models";
 import { Shading, type Shown } from "./shading";
@@ -39,8 +39,7 @@ export class Stage {
     readonly #session: Session;
     readonly #shading: Shading;
     readonly #bump: Shading;
-    // Each picture comes from the processor's memory; kept there, it waits for no graphics card on its way.
-    readonly #context = this.canvas.getContext("2d", { willReadFrequently: true })!;
+    readonly #context = this.canvas.getContext("2d", kForPixels)!;
     readonly #solidPlace = h("div", { class: "solid", hidden: true });
     readonly #grounds = h("div", {
         class: "segments grounds",
@@ -203,7 +202,7 @@ export class Stage {
             return;
         }
         const small = new OffscreenCanvas(width, height);
-        small.getContext("2d", { willReadFrequently: true })!.putImageData(image, 0, 0);
+        small.getContext("2d", kForPixels)!.putImageData(image, 0, 0);
         this.#context.clearRect(part.left * scale, part.top * scale, width * scale, height * scale);
         this.#context.imageSmoothingQuality = "high";
         this.#context.drawImage(small, part.left * scale, part.top * scale, width * scale, height * scale);
