@@ -114,9 +114,11 @@ class Run<F extends Format> {
     private async shadeLevels(): Promise<Picture<F>> {
         const levels = this.levels();
         for (const { region } of levels) this.pixels += (region.right - region.left) * (region.bottom - region.top);
-        // All wait in the queue at once, in order, so that no worker is idle between them.
-        const pictures = await Promise.all(levels.map((level) => this.shade(level)));
-        return pictures.at(-1)!;
+        // All wait in the queue at once, in order, so that no worker is idle between them. What a quicker worker has of
+        // a finer level is told when the coarser ones are, which would hide it.
+        const pictures: Promise<Picture<F>>[] = [];
+        for (const level of levels) pictures.push(this.shade(level, pictures.at(-1)));
+        return (await Promise.all(pictures)).at(-1)!;
     }
 
     /** From the coarsest to the full one. */
@@ -186,15 +188,20 @@ class Run<F extends Format> {
     }
 
     /** Shades all tiles of a level. A mesh's margin is filled when all of them are there. */
-    private async shade(level: Level): Promise<Picture<F>> {
+    private async shade(level: Level, coarser: Promise<unknown> | undefined): Promise<Picture<F>> {
         const picture = level.isMesh
-            ? await this.fill(level, await this.assemble(level, "float"))
-            : await this.assemble(level, this.format);
+            ? await this.fill(level, await this.assemble(level, "float", coarser))
+            : await this.assemble(level, this.format, coarser);
+        await coarser;
         if (level.number > 0 || level.isMesh) this.tell(level, picture, level.region.left, level.region.top);
         return picture;
     }
 
-    private async assemble<G extends Format>(level: Level, format: G): Promise<Picture<G>> {
+    private async assemble<G extends Format>(
+        level: Level,
+        format: G,
+        coarser: Promise<unknown> | undefined,
+    ): Promise<Picture<G>> {
         const { region } = level;
         const width = region.right - region.left;
         const height = region.bottom - region.top;
@@ -205,6 +212,7 @@ class Run<F extends Format> {
                 const part = this.pictureOf(await this.ask(request), format);
                 this.pixelsDone += part.width * part.height;
                 store(whole, part, left - region.left, top - region.top);
+                await coarser;
                 if (level.number === 0 && !level.isMesh) this.tell(level, part as unknown as Picture<F>, left, top);
             }),
         );

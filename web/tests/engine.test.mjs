@@ -95,17 +95,16 @@ test("a region, and coarse pictures before the full one", async () => {
             whole.pixels.subarray(start, start + 4 * 190),
         );
     }
-    const parts = [];
-    await engine.bake({ ...request, coarse: 2 }, (told) => parts.push(told)).done;
-    assert.deepEqual(
-        parts.slice(0, 2).map(({ level, picture }) => [level, picture.width, picture.height]),
-        [
-            [2, 75, 50],
-            [1, 150, 100],
-        ],
-    );
-    assert.equal(parts.filter(({ level }) => level === 0).length, 6);
-    assert.equal(parts.at(-1).progress, 1);
+    for (let round = 0; round < 20; ++round) { // whichever worker is the quicker one
+        const parts = [];
+        await engine.bake({ ...request, coarse: 2 }, (told) => parts.push(told)).done;
+        assert.deepEqual(
+            parts.map(({ level, picture }) => [level, picture.width, picture.height]),
+            [[2, 75, 50], [1, 150, 100], ...parts.slice(2).map(({ picture }) => [0, picture.width, picture.height])],
+        );
+        assert.equal(parts.length, 8);
+        assert.equal(parts.at(-1).progress, 1);
+    }
 });
 
 test("pictures of 8 and 16 bits are what the command writes", async () => {
