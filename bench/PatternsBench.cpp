@@ -1,4 +1,5 @@
 #include "bench/Bench.h"
+#include "frame/FloatRemainder.h"
 #include "frame/Numbers.h"
 #include "shaders/patterns/Drip.h"
 #include "shaders/patterns/Spoke.h"
@@ -34,7 +35,7 @@ struct PlainSpoke {
         if (radius < p.fInnerRadius || radius > p.fOuterRadius * 1.4142135623730951)
             return value;
         angle = static_cast<float>((std::atan2(du, dv) + kPi) * kDegreesPerRadian + p.fRotation);
-        angle = std::fmod(angle, sector);
+        angle = FloatRemainder(angle, sector);
         if (angle > halfSector - halfWidth && halfSector >= angle)
             t = (halfSector - angle) / halfWidth;
         else if (angle > halfSector && halfSector + halfWidth >= angle)

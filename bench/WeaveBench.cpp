@@ -1,4 +1,5 @@
 #include "bench/Bench.h"
+#include "frame/FloatRemainder.h"
 #include "shaders/patterns/Weave.h"
 
 namespace {
@@ -88,9 +89,9 @@ struct PlainCloth {
         tile[0] = uv[0];
         tile[1] = uv[1];
         if (tile[0] != 0)
-            tile[0] = std::fmod(tile[0], inverseRepeat[0]) * static_cast<float>(p.fRepeatU);
+            tile[0] = FloatRemainder(tile[0], inverseRepeat[0]) * static_cast<float>(p.fRepeatU);
         if (tile[1] != 0)
-            tile[1] = std::fmod(tile[1], inverseRepeat[1]) * static_cast<float>(p.fRepeatV);
+            tile[1] = FloatRemainder(tile[1], inverseRepeat[1]) * static_cast<float>(p.fRepeatV);
         hits[0] = Find(0, tile[0]);
         hits[1] = Find(1, tile[1]);
         if (hits[0].thread == 0 && hits[1].thread == 0) {

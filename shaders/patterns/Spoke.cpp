@@ -1,4 +1,5 @@
 #include "shaders/patterns/Spoke.h"
+#include "frame/FloatRemainder.h"
 #include "frame/Numbers.h"
 
 namespace {
@@ -65,7 +66,7 @@ void Spoke::FindInSector()
 {
     const float fromAxisV = std::atan2(fDeltaU, fDeltaV);
     fAngle = static_cast<float>((fromAxisV + kPi) * kDegreesPerRadian + fParams.fRotation);
-    fAngle = std::fmod(fAngle, fSector);
+    fAngle = FloatRemainder(fAngle, fSector);
     fInside = false;
     if (fAngle > fLowerBound && fHalfSector >= fAngle) {
         fT = (fHalfSector - fAngle) / fHalfWidth;

@@ -1,4 +1,4 @@
-#include "web/native/FloatRemainder.h"
+#include "frame/FloatRemainder.h"
 #include <bit>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@ namespace {
 void ExpectSame(float number, float divisor)
 {
     const float expected = std::fmod(number, divisor);
-    const float remainder = fernwick::FloatRemainder(number, divisor);
+    const float remainder = FloatRemainder(number, divisor);
     if (std::isnan(expected))
         EXPECT_TRUE(std::isnan(remainder)) << number << " by " << divisor;
     else
@@ -17,7 +17,7 @@ void ExpectSame(float number, float divisor)
             << number << " by " << divisor;
 }
 
-TEST(FloatRemainderTest, IsTheLibrarysToTheBit)
+TEST(UnitFloatRemainderTest, IsTheLibrarysToTheBit)
 {
     std::mt19937 random(7);
     const auto anyFloat = [&] { return std::bit_cast<float>(static_cast<uint32_t>(random())); };
