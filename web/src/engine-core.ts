@@ -33,7 +33,8 @@ interface Exports {
 /** What libc asks of a system. There is none: no files, no environment, no clock, and nothing is printed. */
 function systemFor(module: WebAssembly.Module, memory: () => WebAssembly.Memory): WebAssembly.Imports {
     const kNotSupported = 52; // __WASI_ERRNO_NOSYS
-    const store = (address: number, value: number) => new DataView(memory().buffer).setUint32(address, value, true);
+    const store = (address: number, value: number) =>
+        new DataView(memory().buffer).setUint32(address, value, true);
     const known: { [name: string]: (...args: number[]) => number | void } = {
         emscripten_notify_memory_growth: () => {},
         environ_sizes_get: (count = 0, size = 0) => {
@@ -53,10 +54,10 @@ function systemFor(module: WebAssembly.Module, memory: () => WebAssembly.Memory)
 }
 
 export class EngineCore {
-    private readonly exports: Exports;
+    readonly #exports: Exports;
 
     private constructor(exports: Exports) {
-        this.exports = exports;
+        this.#exports = exports;
     }
 
     static async load(module: WebAssembly.Module): Promise<EngineCore> {
@@ -75,10 +76,10 @@ export class EngineCore {
     call(request: Json, numbers: { readonly [name: string]: ArrayBufferView } = {}): Reply {
         const rooms: number[] = [];
         const put = (bytes: Uint8Array): number => {
-            const room = this.exports.Allocate(bytes.byteLength);
+            const room = this.#exports.Allocate(bytes.byteLength);
             if (room === 0) throw new Refusal({ pointer: "", message: "there isn't enough memory for it" });
             rooms.push(room);
-            new Uint8Array(this.exports.memory.buffer).set(bytes, room);
+            new Uint8Array(this.#exports.memory.buffer).set(bytes, room);
             return room;
         };
         try {
@@ -86,21 +87,22 @@ export class EngineCore {
             for (const [name, view] of Object.entries(numbers))
                 addresses[name] = put(new Uint8Array(view.buffer, view.byteOffset, view.byteLength));
             const text = new TextEncoder().encode(JSON.stringify({ ...request, ...addresses }));
-            const refused = this.exports.Call(put(text), text.byteLength) !== 0;
+            const refused = this.#exports.Call(put(text), text.byteLength) !== 0;
             const reply = JSON.parse(
-                new TextDecoder().decode(this.bytesAt(this.exports.Reply(), this.exports.ReplySize())),
+                new TextDecoder().decode(this.#bytesAt(this.#exports.Reply(), this.#exports.ReplySize())),
             );
             if (refused) throw new Refusal(reply as Problem);
             if (typeof reply.numbers !== "number") return { value: reply };
-            return { value: reply, numbers: this.bytesAt(reply.numbers, reply.size).buffer };
+            return { value: reply, numbers: this.#bytesAt(reply.numbers, reply.size).buffer };
         } finally {
-            rooms.forEach((room) => this.exports.Free(room));
+            rooms.forEach((room) => this.#exports.Free(room));
         }
     }
 
     givePicture(name: string, picture: GivenPicture): void {
         const { width, height, pixels } = picture;
-        const type = pixels instanceof Float32Array ? "float" : pixels instanceof Uint16Array ? "uint16" : "uint8";
+        const type =
+            pixels instanceof Float32Array ? "float" : pixels instanceof Uint16Array ? "uint16" : "uint8";
         this.call({ call: "givePicture", name, width, height, type }, { pixels });
     }
 
@@ -114,7 +116,7 @@ export class EngineCore {
     }
 
     /** A copy. */
-    private bytesAt(address: number, size: number): Uint8Array<ArrayBuffer> {
-        return new Uint8Array(this.exports.memory.buffer.slice(address, address + size) as ArrayBuffer);
+    #bytesAt(address: number, size: number): Uint8Array<ArrayBuffer> {
+        return new Uint8Array(this.#exports.memory.buffer.slice(address, address + size) as ArrayBuffer);
     }
 }

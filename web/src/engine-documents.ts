@@ -4,7 +4,9 @@ import type { GraphDocument, Graph, Request, Shape } from "./engine";
 import { EngineError } from "./engine-errors";
 
 /** A scene around each shape, as the engine tells them. */
-export type Scenes = { readonly [shape: string]: { readonly elements: readonly { readonly name: string }[] } };
+export type Scenes = {
+    readonly [shape: string]: { readonly elements: readonly { readonly name: string }[] };
+};
 
 export function textOf(graph: Graph): string {
     return typeof graph === "string" ? graph : JSON.stringify(graph);
@@ -29,14 +31,18 @@ function isRecord(value: unknown): value is { readonly [key: string]: unknown } 
 /** The graph with the shape in its scene, or in one made for it. */
 function withShape(graph: GraphDocument, shape: Shape, scenes: Scenes): GraphDocument {
     const around = scenes[shape];
-    if (around === undefined) throw new EngineError({ pointer: "", message: `surface: there is no shape "${shape}"` });
+    if (around === undefined)
+        throw new EngineError({ pointer: "", message: `surface: there is no shape "${shape}"` });
     if (graph.scene === undefined) return { ...graph, scene: around };
     if (!isRecord(graph.scene)) return graph; // which the engine refuses
     const elements = Array.isArray(graph.scene["elements"]) ? (graph.scene["elements"] as unknown[]) : [];
     const others = elements.filter((element) => !isRecord(element) || element["name"] !== "Shape");
     return {
         ...graph,
-        scene: { ...graph.scene, elements: [...others, around.elements.find(({ name }) => name === "Shape")] },
+        scene: {
+            ...graph.scene,
+            elements: [...others, around.elements.find(({ name }) => name === "Shape")],
+        },
     };
 }
 
@@ -61,7 +67,12 @@ function quoted(text: string): string {
     return /^[\w./,:=@%+-]+$/.test(text) ? text : `'${text.replaceAll("'", "'\\''")}'`;
 }
 
-export function commandFor(request: Request, graphFile: string, pictureFile: string, overFile: string): string {
+export function commandFor(
+    request: Request,
+    graphFile: string,
+    pictureFile: string,
+    overFile: string,
+): string {
     const surface = request.surface ?? { kind: "square" };
     const isRendered = surface.kind === "render" || surface.kind === "view" || surface.kind === "shape";
     const channel = request.channel ?? "color";
@@ -69,7 +80,8 @@ export function commandFor(request: Request, graphFile: string, pictureFile: str
     if (surface.kind === "mesh") words.push("--onto", surface.mesh);
     if (surface.kind === "mesh" && surface.margin !== undefined) words.push("--margin", `${surface.margin}`);
     if (surface.kind === "render" && surface.camera !== undefined) words.push("--camera", surface.camera);
-    if (request.width !== 512 || request.height !== 512) words.push("--size", `${request.width}x${request.height}`);
+    if (request.width !== 512 || request.height !== 512)
+        words.push("--size", `${request.width}x${request.height}`);
     if (request.region !== undefined) {
         const { left, top, right, bottom } = request.region;
         words.push("--region", [left, top, right, bottom].join(","));

@@ -30,7 +30,8 @@ function tilesOf(region: Region): Region[] {
     const tiles: Region[] = [];
     const starts = (first: number, end: number) => {
         const all = [first];
-        for (let next = (Math.floor(first / kTileSide) + 1) * kTileSide; next < end; next += kTileSide) all.push(next);
+        for (let next = (Math.floor(first / kTileSide) + 1) * kTileSide; next < end; next += kTileSide)
+            all.push(next);
         return all;
     };
     const lefts = starts(region.left, region.right);
@@ -53,79 +54,90 @@ function store<F extends Format>(whole: Picture<F>, part: Picture<F>, left: numb
 }
 
 export class JobRunner {
-    private readonly slots = new Map<string, Job>();
-    private readonly running = new Set<Job>();
+    readonly #pool: Pool;
+    readonly #scenes: Scenes;
+    readonly #slots = new Map<string, Job>();
+    readonly #running = new Set<Job>();
 
-    constructor(
-        private readonly pool: Pool,
-        private readonly scenes: Scenes,
-    ) {}
+    constructor(pool: Pool, scenes: Scenes) {
+        this.#pool = pool;
+        this.#scenes = scenes;
+    }
 
     start<F extends Format>(request: Request<F>, onPart?: (part: Part<F>) => void): Job<F> {
-        if (request.slot !== undefined) this.slots.get(request.slot)?.cancel();
-        const run = new Run<F>(this.pool, request, this.scenes, onPart);
+        if (request.slot !== undefined) this.#slots.get(request.slot)?.cancel();
+        const run = new Run<F>(this.#pool, request, this.#scenes, onPart);
         const job: Job<F> = { done: run.finish(), cancel: () => run.cancel() };
-        if (request.slot !== undefined) this.slots.set(request.slot, job as unknown as Job);
-        this.running.add(job as unknown as Job);
+        if (request.slot !== undefined) this.#slots.set(request.slot, job as unknown as Job);
+        this.#running.add(job as unknown as Job);
         const forget = () => {
-            this.running.delete(job as unknown as Job);
-            if (request.slot !== undefined && this.slots.get(request.slot) === (job as unknown as Job))
-                this.slots.delete(request.slot);
+            this.#running.delete(job as unknown as Job);
+            if (request.slot !== undefined && this.#slots.get(request.slot) === (job as unknown as Job))
+                this.#slots.delete(request.slot);
         };
         job.done.then(forget, forget);
         return job;
     }
 
     cancelAll(): void {
-        for (const job of this.running) job.cancel();
+        for (const job of this.#running) job.cancel();
     }
 }
 
 /** One job on its way. */
 class Run<F extends Format> {
-    private readonly format: F;
-    private isOver = false;
-    private stop: (error: Error) => void = () => {};
-    private pixels = 0; // of all levels
-    private pixelsDone = 0;
+    readonly #pool: Pool;
+    readonly #request: Request<F>;
+    readonly #scenes: Scenes;
+    readonly #onPart: ((part: Part<F>) => void) | undefined;
+    readonly #format: F;
+    #isOver = false;
+    #stop: (error: Error) => void = () => {};
+    #pixels = 0; // of all levels
+    #pixelsDone = 0;
 
     constructor(
-        private readonly pool: Pool,
-        private readonly request: Request<F>,
-        private readonly scenes: Scenes,
-        private readonly onPart: ((part: Part<F>) => void) | undefined,
+        pool: Pool,
+        request: Request<F>,
+        scenes: Scenes,
+        onPart: ((part: Part<F>) => void) | undefined,
     ) {
-        this.format = request.format ?? ("rgba8" as F);
+        this.#pool = pool;
+        this.#request = request;
+        this.#scenes = scenes;
+        this.#onPart = onPart;
+        this.#format = request.format ?? ("rgba8" as F);
     }
 
     cancel(): void {
-        this.stop(new CancelledError("the picture was cancelled"));
+        this.#stop(new CancelledError("the picture was cancelled"));
     }
 
     async finish(): Promise<Picture<F>> {
-        const stopped = new Promise<never>((_, reject) => (this.stop = reject));
+        const stopped = new Promise<never>((_, reject) => (this.#stop = reject));
         try {
-            return await Promise.race([stopped, this.shadeLevels()]);
+            return await Promise.race([stopped, this.#shadeLevels()]);
         } finally {
-            this.isOver = true;
+            this.#isOver = true;
         }
     }
 
-    private async shadeLevels(): Promise<Picture<F>> {
-        const levels = this.levels();
-        for (const { region } of levels) this.pixels += (region.right - region.left) * (region.bottom - region.top);
+    async #shadeLevels(): Promise<Picture<F>> {
+        const levels = this.#levels();
+        for (const { region } of levels)
+            this.#pixels += (region.right - region.left) * (region.bottom - region.top);
         // All wait in the queue at once, in order, so that no worker is idle between them. What a quicker worker has of
         // a finer level is told when the coarser ones are, which would hide it.
         const pictures: Promise<Picture<F>>[] = [];
-        for (const level of levels) pictures.push(this.shade(level, pictures.at(-1)));
+        for (const level of levels) pictures.push(this.#shade(level, pictures.at(-1)));
         return (await Promise.all(pictures)).at(-1)!;
     }
 
     /** From the coarsest to the full one. */
-    private levels(): Level[] {
-        const { width, height } = this.request;
-        const call = this.callOf();
-        const region = this.request.region ?? { left: 0, top: 0, right: width, bottom: height };
+    #levels(): Level[] {
+        const { width, height } = this.#request;
+        const call = this.#callOf();
+        const region = this.#request.region ?? { left: 0, top: 0, right: width, bottom: height };
         if (
             !Number.isInteger(width) ||
             !Number.isInteger(height) ||
@@ -146,29 +158,44 @@ class Run<F extends Format> {
             throw new EngineError({ pointer: "", message: "region: expected a part of the picture" });
         const isMesh = (call["surface"] as { readonly kind: string }).kind === "mesh";
         if (isMesh && (right - left !== width || bottom - top !== height))
-            throw new EngineError({ pointer: "", message: "region: a picture of a mesh is baked as a whole" });
+            throw new EngineError({
+                pointer: "",
+                message: "region: a picture of a mesh is baked as a whole",
+            });
         const levels: Level[] = [];
-        for (let number = Math.min(this.request.coarse ?? 0, 14); number > 0; --number) {
+        for (let number = Math.min(this.#request.coarse ?? 0, 14); number > 0; --number) {
             const shrunk = (length: number) => Math.max(Math.round(length / 2 ** number), 1);
             const size = { width: shrunk(width), height: shrunk(height) };
             const from = (edge: number, most: number) => Math.min(Math.floor(edge / 2 ** number), most - 1);
             const to = (edge: number, start: number, most: number) =>
                 Math.min(Math.max(Math.ceil(edge / 2 ** number), start + 1), most);
             const start = { left: from(left, size.width), top: from(top, size.height) };
-            const end = { right: to(right, start.left, size.width), bottom: to(bottom, start.top, size.height) };
-            levels.push({ number, isMesh, call: { ...call, ...size, samples: 1 }, region: { ...start, ...end } });
+            const end = {
+                right: to(right, start.left, size.width),
+                bottom: to(bottom, start.top, size.height),
+            };
+            levels.push({
+                number,
+                isMesh,
+                call: { ...call, ...size, samples: 1 },
+                region: { ...start, ...end },
+            });
         }
         return [...levels, { number: 0, isMesh, call: { ...call, width, height }, region }];
     }
 
-    private callOf(): Omit<Call, "width" | "height"> {
-        const { graph, surface = { kind: "square" }, channel, frame, samples, over } = this.request;
+    #callOf(): Omit<Call, "width" | "height"> {
+        const { graph, surface = { kind: "square" }, channel, frame, samples, over } = this.#request;
         const needsScene = surface.kind === "shape" || surface.kind === "view";
-        const text = needsScene ? JSON.stringify(documentOf(this.request as Request, this.scenes)) : textOf(graph);
+        const text = needsScene
+            ? JSON.stringify(documentOf(this.#request as Request, this.#scenes))
+            : textOf(graph);
         const isBox = surface.kind === "shape" && surface.shape === "box"; // which is a mesh
         const surfaces = {
             square: surface,
-            shape: isBox ? { kind: "mesh", mesh: "", node: "Shape", margin: 0 } : { kind: "shape", element: "Shape" },
+            shape: isBox
+                ? { kind: "mesh", mesh: "", node: "Shape", margin: 0 }
+                : { kind: "shape", element: "Shape" },
             mesh: surface,
             render: surface,
             view: { kind: "render" },
@@ -188,16 +215,16 @@ class Run<F extends Format> {
     }
 
     /** Shades all tiles of a level. A mesh's margin is filled when all of them are there. */
-    private async shade(level: Level, coarser: Promise<unknown> | undefined): Promise<Picture<F>> {
+    async #shade(level: Level, coarser: Promise<unknown> | undefined): Promise<Picture<F>> {
         const picture = level.isMesh
-            ? await this.fill(level, await this.assemble(level, "float", coarser))
-            : await this.assemble(level, this.format, coarser);
+            ? await this.#fill(level, await this.#assemble(level, "float", coarser))
+            : await this.#assemble(level, this.#format, coarser);
         await coarser;
-        if (level.number > 0 || level.isMesh) this.tell(level, picture, level.region.left, level.region.top);
+        if (level.number > 0 || level.isMesh) this.#tell(level, picture, level.region.left, level.region.top);
         return picture;
     }
 
-    private async assemble<G extends Format>(
+    async #assemble<G extends Format>(
         level: Level,
         format: G,
         coarser: Promise<unknown> | undefined,
@@ -209,35 +236,36 @@ class Run<F extends Format> {
         await Promise.all(
             tilesOf(region).map(async ({ left, top, right, bottom }) => {
                 const request = { ...level.call, format, region: [left, top, right, bottom] };
-                const part = this.pictureOf(await this.ask(request), format);
-                this.pixelsDone += part.width * part.height;
+                const part = this.#pictureOf(await this.#ask(request), format);
+                this.#pixelsDone += part.width * part.height;
                 store(whole, part, left - region.left, top - region.top);
                 await coarser;
-                if (level.number === 0 && !level.isMesh) this.tell(level, part as unknown as Picture<F>, left, top);
+                if (level.number === 0 && !level.isMesh)
+                    this.#tell(level, part as unknown as Picture<F>, left, top);
             }),
         );
         return whole;
     }
 
-    private async fill(level: Level, floats: Picture<"float">): Promise<Picture<F>> {
-        const request = { ...level.call, call: "fillMargin", format: this.format };
-        return this.pictureOf(await this.ask(request, { pixels: floats.pixels }), this.format);
+    async #fill(level: Level, floats: Picture<"float">): Promise<Picture<F>> {
+        const request = { ...level.call, call: "fillMargin", format: this.#format };
+        return this.#pictureOf(await this.#ask(request, { pixels: floats.pixels }), this.#format);
     }
 
-    private ask(request: Json, numbers?: { readonly [name: string]: ArrayBufferView }): Promise<Reply> {
+    #ask(request: Json, numbers?: { readonly [name: string]: ArrayBufferView }): Promise<Reply> {
         return new Promise((done, failed) => {
-            this.pool.add({
-                priority: this.request.priority ?? 0,
+            this.#pool.add({
+                priority: this.#request.priority ?? 0,
                 request,
                 ...(numbers && { numbers }),
-                isWanted: () => !this.isOver,
+                isWanted: () => !this.#isOver,
                 done,
                 failed,
             });
         });
     }
 
-    private pictureOf<G extends Format>({ value, numbers }: Reply, format: G): Picture<G> {
+    #pictureOf<G extends Format>({ value, numbers }: Reply, format: G): Picture<G> {
         return {
             format,
             width: value["width"] as number,
@@ -246,17 +274,17 @@ class Run<F extends Format> {
         };
     }
 
-    private tell(level: Level, picture: Picture<F>, left: number, top: number): void {
-        if (this.isOver || this.onPart === undefined) return;
+    #tell(level: Level, picture: Picture<F>, left: number, top: number): void {
+        if (this.#isOver || this.#onPart === undefined) return;
         const { region } = level;
-        this.onPart({
+        this.#onPart({
             level: level.number,
             width: region.right - region.left,
             height: region.bottom - region.top,
             left: left - region.left,
             top: top - region.top,
             picture,
-            progress: this.pixelsDone / this.pixels,
+            progress: this.#pixelsDone / this.#pixels,
         });
     }
 }

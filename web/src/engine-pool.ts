@@ -4,6 +4,9 @@ import { EngineError, placed, type Problem } from "./engine-errors";
 import type { Reply, Json } from "./engine-core";
 import type { FromWorker, ToWorker } from "./engine-worker";
 
+/** Of a worker: while one is answered the next is there already. */
+const kTasksAtATime = 2;
+
 /** A call for any worker. */
 export interface Task {
     readonly priority: number;
@@ -33,39 +36,40 @@ type Given = Distributed<Extract<ToWorker, { kind: "picture" | "mesh" }>>;
 type Distributed<Message> = Message extends unknown ? Omit<Message, "id"> & { readonly name: string } : never;
 
 export class Pool {
-    /** Two a worker: while one is answered the next is there already. */
-    private static readonly kTasksAtATime = 2;
+    readonly #module: WebAssembly.Module;
+    readonly #script: string | URL;
+    readonly #lanes: Lane[] = [];
+    readonly #queue: Task[] = [];
+    readonly #given = new Map<string, Given>();
+    #nextId = 0;
+    #isDisposed = false;
 
-    private readonly lanes: Lane[] = [];
-    private readonly queue: Task[] = [];
-    private readonly given = new Map<string, Given>();
-    private nextId = 0;
-    private isDisposed = false;
-
-    constructor(
-        private readonly module: WebAssembly.Module,
-        private readonly script: string | URL,
-        count: number,
-    ) {
-        for (let i = 0; i < count; ++i) this.lanes.push(this.open());
+    constructor(module: WebAssembly.Module, script: string | URL, count: number) {
+        this.#module = module;
+        this.#script = script;
+        for (let i = 0; i < count; ++i) this.#lanes.push(this.#open());
     }
 
     get size(): number {
-        return this.lanes.length;
+        return this.#lanes.length;
     }
 
     /** Runs a task as soon as a worker is free, before those of lower priority. */
     add(task: Task): void {
-        if (this.lanes.every((lane) => lane.isDead))
+        if (this.#lanes.every((lane) => lane.isDead))
             return task.failed(
                 new EngineError({ pointer: "", message: "the engine stopped: its script can't be run" }),
             );
-        const behind = this.queue.findIndex((other) => other.priority < task.priority);
-        this.queue.splice(behind < 0 ? this.queue.length : behind, 0, task);
-        this.pump();
+        const behind = this.#queue.findIndex((other) => other.priority < task.priority);
+        this.#queue.splice(behind < 0 ? this.#queue.length : behind, 0, task);
+        this.#pump();
     }
 
-    run(request: Json, priority: number, numbers: { readonly [name: string]: ArrayBufferView } = {}): Promise<Reply> {
+    run(
+        request: Json,
+        priority: number,
+        numbers: { readonly [name: string]: ArrayBufferView } = {},
+    ): Promise<Reply> {
         return new Promise((done, failed) => {
             this.add({ priority, request, numbers, isWanted: () => true, done, failed });
         });
@@ -73,80 +77,80 @@ export class Pool {
 
     /** Tells all workers, now and when one is started anew. Rejects when they refuse it. */
     async give(given: Given): Promise<void> {
-        const replies = this.lanes.map((lane) => this.tell(lane, given));
-        this.given.set(given.name, given);
+        const replies = this.#lanes.map((lane) => this.#tell(lane, given));
+        this.#given.set(given.name, given);
         try {
             await Promise.all(replies);
         } catch (error) {
-            if (this.given.get(given.name) === given) this.given.delete(given.name);
+            if (this.#given.get(given.name) === given) this.#given.delete(given.name);
             throw error;
         }
     }
 
     forget(name: string): void {
-        this.given.delete(name);
-        for (const lane of this.lanes) post(lane.worker, { kind: "forget", name });
+        this.#given.delete(name);
+        for (const lane of this.#lanes) post(lane.worker, { kind: "forget", name });
     }
 
     dispose(): void {
-        this.isDisposed = true;
-        this.queue.length = 0;
-        for (const lane of this.lanes) lane.worker.terminate();
+        this.#isDisposed = true;
+        this.#queue.length = 0;
+        for (const lane of this.#lanes) lane.worker.terminate();
     }
 
-    private open(): Lane {
-        const lane: Lane = { worker: this.start(), waiting: new Map(), hasAnswered: false, isDead: false };
-        this.listen(lane);
+    #open(): Lane {
+        const lane: Lane = { worker: this.#start(), waiting: new Map(), hasAnswered: false, isDead: false };
+        this.#listen(lane);
         return lane;
     }
 
-    private start(): Worker {
-        const worker = new Worker(this.script, { type: "module" });
-        post(worker, { kind: "start", module: this.module });
+    #start(): Worker {
+        const worker = new Worker(this.#script, { type: "module" });
+        post(worker, { kind: "start", module: this.#module });
         return worker;
     }
 
-    private listen(lane: Lane): void {
+    #listen(lane: Lane): void {
         lane.worker.onmessage = ({ data }: MessageEvent<FromWorker>) => {
             const waiting = lane.waiting.get(data.id);
             lane.waiting.delete(data.id);
             lane.hasAnswered = true;
             if ("problem" in data) {
-                if (data.isBroken) this.restart(lane, data.problem);
+                if (data.isBroken) this.#restart(lane, data.problem);
                 waiting?.failed(data.problem);
             } else {
                 waiting?.done(data);
             }
-            this.pump();
+            this.#pump();
         };
         lane.worker.onerror = (event) =>
-            this.restart(lane, {
+            this.#restart(lane, {
                 pointer: "",
                 message: `the engine stopped: ${event.message || "its script can't be run"}`,
             });
     }
 
     /** Starts a worker anew that can't go on, unless it never could. What it was doing fails. */
-    private restart(lane: Lane, problem: Problem): void {
+    #restart(lane: Lane, problem: Problem): void {
         lane.worker.terminate();
         const failed = lane.waiting;
         lane.waiting = new Map();
         lane.isDead = !lane.hasAnswered;
         lane.hasAnswered = false;
-        if (!lane.isDead && !this.isDisposed) {
-            lane.worker = this.start();
-            this.listen(lane);
-            for (const given of this.given.values()) void this.tell(lane, given).catch(() => {});
+        if (!lane.isDead && !this.#isDisposed) {
+            lane.worker = this.#start();
+            this.#listen(lane);
+            for (const given of this.#given.values()) void this.#tell(lane, given).catch(() => {});
         }
         for (const waiting of failed.values()) waiting.failed(problem);
-        if (this.lanes.every((other) => other.isDead))
-            for (const task of this.queue.splice(0)) task.failed(new EngineError(problem));
-        this.pump();
+        if (this.#lanes.every((other) => other.isDead))
+            for (const task of this.#queue.splice(0)) task.failed(new EngineError(problem));
+        this.#pump();
     }
 
-    private tell(lane: Lane, given: Given): Promise<void> {
+    #tell(lane: Lane, given: Given): Promise<void> {
         return new Promise((done, failed) => {
-            const id = this.nextId++;
+            const id = this.#nextId++;
             lane.waiting.set(id, {
                 isTask: false,
                 done: () => done(),
@@ -156,25 +160,30 @@ export class Pool {
         });
     }
 
-    private pump(): void {
+    #pump(): void {
         const tasksOf = (lane: Lane) => [...lane.waiting.values()].filter((waiting) => waiting.isTask).length;
-        while (this.queue.length > 0 && !this.isDisposed) {
-            const lanes = this.lanes.filter((lane) => !lane.isDead).sort((a, b) => tasksOf(a) - tasksOf(b));
+        while (this.#queue.length > 0 && !this.#isDisposed) {
+            const lanes = this.#lanes.filter((lane) => !lane.isDead).sort((a, b) => tasksOf(a) - tasksOf(b));
             const freest = lanes[0];
-            if (freest === undefined || tasksOf(freest) >= Pool.kTasksAtATime) return;
-            const task = this.queue.shift()!;
-            if (task.isWanted()) this.post(freest, task);
+            if (freest === undefined || tasksOf(freest) >= kTasksAtATime) return;
+            const task = this.#queue.shift()!;
+            if (task.isWanted()) this.#post(freest, task);
         }
     }
 
-    private post(lane: Lane, task: Task): void {
-        const id = this.nextId++;
+    #post(lane: Lane, task: Task): void {
+        const id = this.#nextId++;
         lane.waiting.set(id, {
             isTask: true,
             done: (reply) => task.done(reply),
             failed: (problem) => task.failed(new EngineError(placed(problem))),
         });
-        post(lane.worker, { kind: "call", id, request: task.request, ...(task.numbers && { numbers: task.numbers }) });
+        post(lane.worker, {
+            kind: "call",
+            id,
+            request: task.request,
+            ...(task.numbers && { numbers: task.numbers }),
+        });
     }
 }
 

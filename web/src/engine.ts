@@ -28,7 +28,8 @@ export type FieldType =
     | "file" // the name of a given picture
     | "colors"; // of a gradient: two or more, each of four numbers
 
-export type FieldValue = number | boolean | string | null | readonly number[] | readonly (readonly number[])[];
+export type FieldValue =
+    number | boolean | string | null | readonly number[] | readonly (readonly number[])[];
 
 export interface Choice {
     readonly value: string | number;
@@ -295,25 +296,27 @@ function requireMesh({ positions, normals, uvs, indices }: Mesh): void {
         refuse("a mesh has three numbers a vertex and three a triangle");
     if (normals.length !== 0 && normals.length !== 3 * vertices)
         refuse("a mesh has three numbers of normals a vertex, or none");
-    if (uvs.length !== 0 && uvs.length !== 2 * vertices) refuse("a mesh has two numbers of UV a vertex, or none");
+    if (uvs.length !== 0 && uvs.length !== 2 * vertices)
+        refuse("a mesh has two numbers of UV a vertex, or none");
 }
 
 class PooledEngine implements Engine {
+    readonly #pool: Pool;
+    readonly #tables: Tables;
     readonly classes: readonly ShaderTable[];
     readonly sources: readonly ShaderTable[];
-    private readonly jobs: JobRunner;
+    readonly #jobs: JobRunner;
 
-    constructor(
-        private readonly pool: Pool,
-        private readonly tables: Tables,
-    ) {
+    constructor(pool: Pool, tables: Tables) {
+        this.#pool = pool;
+        this.#tables = tables;
         this.classes = tables.classes.map((table) => ({ ...table, kind: "class" }));
         this.sources = tables.sources.map((table) => ({ ...table, kind: "source", needs: ["UV"] }));
-        this.jobs = new JobRunner(pool, tables.scenes);
+        this.#jobs = new JobRunner(pool, tables.scenes);
     }
 
     get workers(): number {
-        return this.pool.size;
+        return this.#pool.size;
     }
 
     table(name: string): ShaderTable | undefined {
@@ -322,37 +325,40 @@ class PooledEngine implements Engine {
 
     async givePicture(name: string, picture: GivenPicture): Promise<void> {
         requirePicture(picture);
-        await this.pool.give({ kind: "picture", name, picture });
+        await this.#pool.give({ kind: "picture", name, picture });
     }
 
     async giveMesh(name: string, mesh: Mesh): Promise<void> {
         requireMesh(mesh);
-        await this.pool.give({ kind: "mesh", name, mesh });
+        await this.#pool.give({ kind: "mesh", name, mesh });
     }
 
     forget(name: string): void {
-        this.pool.forget(name);
+        this.#pool.forget(name);
     }
 
     async check(graph: Graph, frame = 1): Promise<Check> {
         try {
             const text = typeof graph === "string" ? graph : JSON.stringify(graph);
-            const { value } = await this.pool.run({ call: "check", graph: text, frame }, Infinity);
+            const { value } = await this.#pool.run({ call: "check", graph: text, frame }, Infinity);
             const { frames, ...rest } = value as unknown as Checked;
             return { ok: true, ...rest, ...(frames && { frames: { first: frames[0], last: frames[1] } }) };
         } catch (error) {
             if (!(error instanceof EngineError)) throw error;
             const { pointer, message, line, column } = error;
-            return { ok: false, problem: { pointer, message, ...(line && { line }), ...(column && { column }) } };
+            return {
+                ok: false,
+                problem: { pointer, message, ...(line && { line }), ...(column && { column }) },
+            };
         }
     }
 
     bake<F extends Format = "rgba8">(request: Request<F>, onPart?: (part: Part<F>) => void): Job<F> {
-        return this.jobs.start(request, onPart);
+        return this.#jobs.start(request, onPart);
     }
 
     async shapeMesh(shape: Shape): Promise<Mesh> {
-        const { value, numbers } = await this.pool.run({ call: "shapeMesh", shape }, Infinity);
+        const { value, numbers } = await this.#pool.run({ call: "shapeMesh", shape }, Infinity);
         const vertices = value["vertices"] as number;
         const floats = (start: number, count: number) =>
             new Float32Array(numbers!, 4 * start * vertices, count * vertices);
@@ -365,7 +371,7 @@ class PooledEngine implements Engine {
     }
 
     documentOf(request: Request): GraphDocument {
-        return documentOf(request, this.tables.scenes);
+        return documentOf(request, this.#tables.scenes);
     }
 
     command(request: Request, graphFile: string, pictureFile: string, overFile = "over.json"): string {
@@ -373,8 +379,8 @@ class PooledEngine implements Engine {
     }
 
     dispose(): void {
-        this.jobs.cancelAll();
-        this.pool.dispose();
+        this.#jobs.cancelAll();
+        this.#pool.dispose();
     }
 }
 
@@ -384,7 +390,9 @@ interface Tables {
     readonly scenes: Scenes;
 }
 
-type Checked = Omit<Extract<Check, { ok: true }>, "ok" | "frames"> & { readonly frames?: readonly [number, number] };
+type Checked = Omit<Extract<Check, { ok: true }>, "ok" | "frames"> & {
+    readonly frames?: readonly [number, number];
+};
 
 async function compiled(wasm: string | URL | WebAssembly.Module): Promise<WebAssembly.Module> {
     if (wasm instanceof WebAssembly.Module) return wasm;

@@ -6,7 +6,12 @@ import { CancelledError, EngineError, kRoot, load } from "./engine-setup.mjs";
 
 const kExamples = `${kRoot}examples`;
 const kSide = 256;
-const kModels = { "vase.obj": "Vase", "shell.obj": "Shell", "bollard.obj": "Bollard", "cushion.obj": "Cushion" };
+const kModels = {
+    "vase.obj": "Vase",
+    "shell.obj": "Shell",
+    "bollard.obj": "Bollard",
+    "cushion.obj": "Cushion",
+};
 // Their models only the page's readers know: one without normals, and one of glTF.
 const kNotHere = ["curvature-mesh.json", "studio.json"];
 
@@ -31,7 +36,9 @@ async function example(name) {
 }
 
 test("every example is what the command makes of it, within a step of 255", async (t) => {
-    const names = (await readdir(kExamples)).filter((name) => name.endsWith(".json") && !kNotHere.includes(name));
+    const names = (await readdir(kExamples)).filter(
+        (name) => name.endsWith(".json") && !kNotHere.includes(name),
+    );
     assert.ok(names.length > 40);
     let worst = 0;
     for (const name of names) {
@@ -40,7 +47,9 @@ test("every example is what the command makes of it, within a step of 255", asyn
         assert.ok(check.ok, `${name}: ${check.problem?.pointer} ${check.problem?.message}`);
         const request = { graph, width: kSide, height: kSide };
         const size = ["--size", `${kSide}x${kSide}`];
-        const pictures = [[await engine.bake(request).done, await native("bake", `${kExamples}/${name}`, ...size)]];
+        const pictures = [
+            [await engine.bake(request).done, await native("bake", `${kExamples}/${name}`, ...size)],
+        ];
         if (check.cameras.length > 0)
             pictures.push([
                 await engine.bake({ ...request, surface: { kind: "render" } }).done,
@@ -48,7 +57,8 @@ test("every example is what the command makes of it, within a step of 255", asyn
             ]);
         for (const [own, others] of pictures) {
             const { most, several } = difference(own, others);
-            if (most > 0) t.diagnostic(`${name}: ${most} of 255 at most, ${several} numbers by more than one`);
+            if (most > 0)
+                t.diagnostic(`${name}: ${most} of 255 at most, ${several} numbers by more than one`);
             worst = Math.max(worst, most);
         }
     }
@@ -95,12 +105,17 @@ test("a region, and coarse pictures before the full one", async () => {
             whole.pixels.subarray(start, start + 4 * 190),
         );
     }
-    for (let round = 0; round < 20; ++round) { // whichever worker is the quicker one
+    for (let round = 0; round < 20; ++round) {
+        // whichever worker is the quicker one
         const parts = [];
         await engine.bake({ ...request, coarse: 2 }, (told) => parts.push(told)).done;
         assert.deepEqual(
             parts.map(({ level, picture }) => [level, picture.width, picture.height]),
-            [[2, 75, 50], [1, 150, 100], ...parts.slice(2).map(({ picture }) => [0, picture.width, picture.height])],
+            [
+                [2, 75, 50],
+                [1, 150, 100],
+                ...parts.slice(2).map(({ picture }) => [0, picture.width, picture.height]),
+            ],
         );
         assert.equal(parts.length, 8);
         assert.equal(parts.at(-1).progress, 1);
@@ -117,7 +132,8 @@ test("pictures of 8 and 16 bits are what the command writes", async () => {
         ["color", 16],
     ]) {
         const options = ["--size", "130x70", "--output", channel, "--bits", `${bits}`];
-        const own = await engine.bake({ graph: text, width: 130, height: 70, channel, format: `rgba${bits}` }).done;
+        const own = await engine.bake({ graph: text, width: 130, height: 70, channel, format: `rgba${bits}` })
+            .done;
         const { most } = difference(own, await native("bake", graph, ...options));
         assert.ok(most <= (bits === 8 ? 1 : 16), `${channel}: ${most}`);
     }
@@ -126,7 +142,12 @@ test("pictures of 8 and 16 bits are what the command writes", async () => {
 test("shapes and meshes are baked where rays meet them", async () => {
     const graph = {
         shaders: {
-            place: { class: "Location", "fAxes[1].fEnabled": true, "fAxes[1].fEdgeA": -3, "fAxes[1].fEdgeB": 3 },
+            place: {
+                class: "Location",
+                "fAxes[1].fEnabled": true,
+                "fAxes[1].fEdgeA": -3,
+                "fAxes[1].fEdgeB": 3,
+            },
         },
         output: "place",
     };
@@ -142,13 +163,19 @@ test("shapes and meshes are baked where rays meet them", async () => {
         assert.ok(Math.max(...values) - Math.min(...values) > 0.2, shape); // it differs along the axis
     }
     const onto = { graph: await example("cushion.json"), width: 200, height: 100 };
-    const map = await engine.bake({ ...onto, surface: { kind: "mesh", mesh: "cushion.obj#Cushion", margin: 8 } }).done;
+    const map = await engine.bake({
+        ...onto,
+        surface: { kind: "mesh", mesh: "cushion.obj#Cushion", margin: 8 },
+    }).done;
     const options = ["--onto", `${kExamples}/cushion.obj`, "--margin", "8", "--size", "200x100"];
     assert.ok(difference(map, await native("bake", `${kExamples}/cushion.json`, ...options)).most <= 1);
 });
 
 test("a view is the command's own, and tells the graph for it", async () => {
-    const graph = { shaders: { Iridescent: { class: "Iridescent", fObjectName: "Target" } }, output: "Iridescent" };
+    const graph = {
+        shaders: { Iridescent: { class: "Iridescent", fObjectName: "Target" } },
+        output: "Iridescent",
+    };
     const request = { graph, width: 128, height: 128, surface: { kind: "view", shape: "torus" }, samples: 9 };
     const own = await engine.bake(request).done;
     const others = await native("shade", "Iridescent", "--on", "torus", "--size", "128x128");
@@ -162,7 +189,14 @@ test("frames of a sequence", async () => {
     const graph = await readFile(`${kExamples}/ripple-sequence.json`, "utf8");
     assert.deepEqual((await engine.check(graph)).frames, { first: 1, last: 24 });
     const own = await engine.bake({ graph, frame: 12, width: 100, height: 100 }).done;
-    const others = await native("bake", `${kExamples}/ripple-sequence.json`, "--frames", "12", "--size", "100x100");
+    const others = await native(
+        "bake",
+        `${kExamples}/ripple-sequence.json`,
+        "--frames",
+        "12",
+        "--size",
+        "100x100",
+    );
     assert.ok(difference(own, others).most <= 1);
 });
 
@@ -197,7 +231,8 @@ test("errors name their place", async () => {
     );
     assert.equal((await problemOf({ ...kCloth, output: "clothes" })).pointer, "/output");
     assert.equal(
-        (await problemOf({ ...kCloth, scene: { elements: [{ name: "A", shape: { kind: "ball" } }] } })).pointer,
+        (await problemOf({ ...kCloth, scene: { elements: [{ name: "A", shape: { kind: "ball" } }] } }))
+            .pointer,
         "/scene/elements/0/shape/kind",
     );
     const picture = await problemOf(withCloth({ fGapSubShader: "red", fWarpSubShader: 1 }));
@@ -217,9 +252,11 @@ test("whatever a graph holds is refused or baked, and the engine goes on", async
         output: "a",
     };
     const chain = { shaders: {}, output: "0" };
-    for (let i = 0; i < 300; ++i) chain.shaders[i] = { class: "Gray", fSubShader: i < 299 ? `${i + 1}` : null };
+    for (let i = 0; i < 300; ++i)
+        chain.shaders[i] = { class: "Gray", fSubShader: i < 299 ? `${i + 1}` : null };
     const deep = { shaders: {}, output: "0" };
-    for (let i = 0; i < 250; ++i) deep.shaders[i] = { class: "Gray", fSubShader: i < 249 ? `${i + 1}` : null };
+    for (let i = 0; i < 250; ++i)
+        deep.shaders[i] = { class: "Gray", fSubShader: i < 249 ? `${i + 1}` : null };
     const refused = [
         circle,
         chain,
@@ -266,8 +303,14 @@ test("whatever a graph holds is refused or baked, and the engine goes on", async
     ])
         await assert.rejects(engine.bake({ ...size, ...wrong }).done, EngineError, JSON.stringify(wrong));
     const mesh = await engine.shapeMesh("box");
-    await assert.rejects(engine.giveMesh("bad", { ...mesh, indices: new Uint32Array([0, 1, 99]) }), EngineError);
+    await assert.rejects(
+        engine.giveMesh("bad", { ...mesh, indices: new Uint32Array([0, 1, 99]) }),
+        EngineError,
+    );
     await assert.rejects(engine.giveMesh("bad", { ...mesh, uvs: new Float32Array(3) }), EngineError);
-    await assert.rejects(engine.givePicture("bad", { width: 2, height: 2, pixels: new Uint8Array(3) }), EngineError);
+    await assert.rejects(
+        engine.givePicture("bad", { width: 2, height: 2, pixels: new Uint8Array(3) }),
+        EngineError,
+    );
     assert.equal((await engine.bake(size).done).width, 8);
 });
