@@ -3,6 +3,7 @@
 import { colorControl, colorsControl } from "./controls/color";
 import { derivedControl, choiceControl, switchControl, textControl } from "./controls/plain";
 import { fileControl } from "./controls/file";
+import { keysOf, type Keys } from "./controls/keys";
 import { numberControl, numbersControl } from "./controls/number";
 import { slotControl } from "./controls/slot";
 import type { Control } from "./controls/control";
@@ -63,6 +64,7 @@ function short(text: FieldValue): string {
 interface Entry {
     field: Field;
     control: Control;
+    keys: Keys | undefined;
     row: HTMLElement;
     reset: HTMLButtonElement;
     fault: HTMLElement;
@@ -80,6 +82,7 @@ export class Fields {
         session.addEventListener("selection", () => this.#draw());
         session.addEventListener("document", () => this.#draw());
         session.addEventListener("frame", () => this.#refresh());
+        session.addEventListener("frames", () => this.#refresh());
         session.addEventListener("check", () => this.#refresh());
         for (const event of ["focusin", "pointerover"])
             this.element.addEventListener(event, (over) => this.#explain(over.target as Element));
@@ -215,7 +218,14 @@ export class Fields {
             );
             control.element.removeAttribute("role");
             const cell = h("span", { class: "cell", "data-field": field.name }, control.element);
-            this.#entries.push({ field, control, row: cell, reset: h("button"), fault: h("span") });
+            this.#entries.push({
+                field,
+                control,
+                keys: undefined,
+                row: cell,
+                reset: h("button"),
+                fault: h("span"),
+            });
             return cell;
         });
         const rows = [];
@@ -241,6 +251,8 @@ export class Fields {
             hidden: true,
             onclick: () => session.set(name, field, undefined),
         });
+        const keys =
+            field.derived || field.type === "shader" ? undefined : keysOf(session, name, field, label);
         const fault = h("p", { class: "fault", hidden: true });
         const caption = h(
             "div",
@@ -251,6 +263,7 @@ export class Fields {
             },
             h("span", {}, label),
             field.unit ? h("span", { class: "unit" }, field.unit) : null,
+            keys?.button,
             reset,
         );
         const row = h(
@@ -258,13 +271,14 @@ export class Fields {
             { class: `row ${field.type}`, "data-field": field.name },
             caption,
             control.element,
+            keys?.line,
             fault,
         );
         for (const input of control.element.querySelectorAll("input, select"))
             input.setAttribute("aria-description", field.help);
         if (control.element.matches("input, select"))
             control.element.setAttribute("aria-description", field.help);
-        this.#entries.push({ field, control, row, reset, fault });
+        this.#entries.push({ field, control, keys, row, reset, fault });
         return row;
     }
 
@@ -314,10 +328,11 @@ export class Fields {
         if (shader === undefined) return;
         const { frame, problem, check } = this.#session;
         const doubts = check?.ok ? check.doubts : [];
-        for (const { field, control, row, reset, fault } of this.#entries) {
+        for (const { field, control, keys, row, reset, fault } of this.#entries) {
             const stands = given(shader, field.name);
             const value = valueAt(shader, field, frame);
             control.show(value);
+            keys?.show();
             const isStandard =
                 stands === undefined || JSON.stringify(value) === JSON.stringify(field.default ?? null);
             reset.hidden = isStandard || field.type === "shader" || field.derived === true;

@@ -5,10 +5,12 @@ import type { Field, FieldValue, GraphDocument, ShaderTable } from "./engine";
 export type Shader = GraphDocument["shaders"][string];
 export type TableOf = (name: string) => ShaderTable | undefined;
 
+export type Between = "linear" | "smooth" | "step";
+
 /** Values at frames; between them as `between` says. */
 export interface Keyed {
     keys: [number, FieldValue][];
-    between?: "linear" | "smooth" | "step";
+    between?: Between;
 }
 
 type Token = string | number;
@@ -170,13 +172,17 @@ export function valueAt(shader: Shader, field: Field, frame: number): FieldValue
     return field.choices?.find((choice) => choice.label === value)?.value ?? value;
 }
 
+/** Whether a field has nothing between two values. */
+export function isStepped(field: Field): boolean {
+    return !["float", "vector2", "vector3", "rgb", "rgba", "colors"].includes(field.type);
+}
+
 function interpolated(curve: Keyed, field: Field, frame: number): FieldValue {
     const next = curve.keys.findIndex(([at]) => frame < at);
     if (next === 0 || curve.keys.length === 0) return curve.keys[0]?.[1] ?? null;
     const last = curve.keys[next < 0 ? curve.keys.length - 1 : next - 1]!;
     const after = curve.keys[next];
-    const stepped = !["float", "vector2", "vector3", "rgb", "rgba", "colors"].includes(field.type);
-    if (after === undefined || curve.between === "step" || stepped) return last[1];
+    if (after === undefined || curve.between === "step" || isStepped(field)) return last[1];
     const share = (frame - last[0]) / (after[0] - last[0]);
     return mixed(last[1], after[1], curve.between === "smooth" ? share * share * (3 - 2 * share) : share);
 }
@@ -193,6 +199,10 @@ export function withKey(curve: Keyed, frame: number, value: FieldValue): Keyed {
     const keys = curve.keys.filter(([at]) => at !== frame);
     keys.push([frame, value]);
     return { ...curve, keys: keys.sort((left, right) => left[0] - right[0]) };
+}
+
+export function withoutKey(curve: Keyed, frame: number): Keyed {
+    return { ...curve, keys: curve.keys.filter(([at]) => at !== frame) };
 }
 
 /** The files that a graph names: pictures of its sources, models of its scene. */

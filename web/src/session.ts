@@ -17,10 +17,13 @@ import {
     pointerTo,
     shaderOf,
     tableName,
+    valueAt,
     withField,
     withKey,
+    withoutKey,
     withNewShader,
     withoutShader,
+    type Between,
     type TableOf,
 } from "./graph";
 import { History } from "./history";
@@ -39,7 +42,10 @@ export interface View {
     over?: string;
 }
 
-type Told = "document" | "selection" | "view" | "frame" | "check";
+/** Frames of a graph that is about to get its first keys. */
+const kFrames = 24;
+
+type Told = "document" | "selection" | "view" | "frame" | "frames" | "check";
 
 export class Session extends EventTarget {
     readonly engine: Engine;
@@ -54,6 +60,8 @@ export class Session extends EventTarget {
     check: Check | undefined;
     problem: Problem | undefined;
     #history: History<GraphDocument>;
+    #keyed: { readonly first: number; readonly last: number } | undefined;
+    #wantedLast: number | undefined;
     #checking = false;
     #unchecked = false;
 
@@ -74,6 +82,12 @@ export class Session extends EventTarget {
     get changed(): boolean {
         return this.document !== this.start;
     }
+    /** To choose from: those of the keys, and those where the reader wants to set some. */
+    get frames(): { readonly first: number; readonly last: number } | undefined {
+        if (this.#wantedLast === undefined) return this.#keyed;
+        const { first, last } = this.#keyed ?? { first: 1, last: 1 };
+        return { first: Math.min(first, 1), last: Math.max(last, this.#wantedLast) };
+    }
     get canUndo(): boolean {
         return this.#history.canUndo;
     }
@@ -88,6 +102,24 @@ export class Session extends EventTarget {
         const stands = given(shader, field.name);
         const next = isKeyed(stands) && value !== undefined ? withKey(stands, this.frame, value) : value;
         this.edit(withField(this.document, name, field, next), pointerTo(name, shader, field.name));
+    }
+
+    /** Sets a key at the frame, or takes the one there away. Without its last key a field stays as it was there. */
+    toggleKey(name: string, field: Field): void {
+        const shader = shaderOf(this.document, name);
+        if (shader === undefined) return;
+        const stands = given(shader, field.name);
+        const curve = isKeyed(stands) ? stands : { keys: [] };
+        const value = valueAt(shader, field, this.frame);
+        const isHere = curve.keys.some(([frame]) => frame === this.frame);
+        const next = isHere ? withoutKey(curve, this.frame) : withKey(curve, this.frame, value);
+        this.edit(withField(this.document, name, field, next.keys.length === 0 ? value : next));
+    }
+
+    setBetween(name: string, field: Field, between: Between): void {
+        const shader = shaderOf(this.document, name);
+        const curve = shader && given(shader, field.name);
+        if (isKeyed(curve)) this.edit(withField(this.document, name, field, { ...curve, between }));
     }
 
     plugNew(name: string, field: Field, tableNamed: string): string | undefined {
@@ -139,6 +171,14 @@ export class Session extends EventTarget {
         this.#tell("frame");
     }
 
+    /** Offers frames up to a last one, so that keys can be set there. */
+    animate(last = kFrames): void {
+        this.#wantedLast = last;
+        this.#tell("frames");
+        const { first, last: end } = this.frames!;
+        this.goTo(Math.min(Math.max(this.frame, first), end));
+    }
+
     /** The engine refused to shade: `error` is its reason. */
     refused(error: unknown): void {
         this.problem =
@@ -159,6 +199,7 @@ export class Session extends EventTarget {
         }
         this.#checking = false;
         this.problem = this.check?.ok === false ? this.check.problem : undefined;
+        if (this.check?.ok) this.#keyed = this.check.frames;
         this.#tell("check");
     }
 

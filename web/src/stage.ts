@@ -57,6 +57,24 @@ export class Stage {
     readonly #frames: HTMLElement;
     readonly #frameSlider = h("input", { type: "range", step: 1, "aria-label": "Frame" });
     readonly #frameText = h("output", { class: "frame-text" });
+    readonly #lastFrame = h("input", {
+        type: "number",
+        class: "last-frame",
+        max: 9999,
+        "aria-label": "Last frame",
+    });
+    readonly #animate = h(
+        "button",
+        {
+            type: "button",
+            title: "Let fields change from frame to frame",
+            onclick: () => {
+                this.#session.animate();
+                this.#frameSlider.focus();
+            },
+        },
+        "Animate",
+    );
     readonly #play = h("button", { type: "button", class: "icon-button", onclick: () => this.#togglePlay() });
     readonly #fault = h("p", { class: "stage-fault", role: "alert", hidden: true });
     #solid: Solid | undefined;
@@ -87,7 +105,13 @@ export class Stage {
             this.#play,
             this.#frameSlider,
             this.#frameText,
+            h("label", { class: "frame-text" }, "of", this.#lastFrame),
         );
+        this.#lastFrame.addEventListener("change", () => {
+            const last = Math.round(Number(this.#lastFrame.value));
+            if (last >= 1) session.animate(Math.min(last, 9999));
+            this.#bar();
+        });
         this.#frameSlider.addEventListener("input", () => {
             this.#stopPlay();
             session.goTo(Number(this.#frameSlider.value));
@@ -99,7 +123,7 @@ export class Stage {
             { class: "stage", "aria-label": "Picture" },
             frame,
             this.#fault,
-            h("div", { class: "stage-bar" }, this.#grounds, this.#channels, this.#cameras),
+            h("div", { class: "stage-bar" }, this.#grounds, this.#channels, this.#cameras, this.#animate),
             this.#frames,
         );
         session.addEventListener("document", () => this.#ask());
@@ -107,6 +131,7 @@ export class Stage {
             this.#ask();
             this.#bar();
         });
+        session.addEventListener("frames", () => this.#bar());
         session.addEventListener("view", () => this.#viewed());
         session.addEventListener("check", () => this.#checked());
         this.#showPlay();
@@ -316,14 +341,6 @@ export class Stage {
                       : "";
             this.#fault.replaceChildren(place + problem.message, ...(go ? [" ", go] : []));
         }
-        if (check?.ok) {
-            const frames = check.frames;
-            this.#frames.hidden = frames === undefined;
-            if (frames !== undefined) {
-                this.#frameSlider.min = String(frames.first);
-                this.#frameSlider.max = String(frames.last);
-            }
-        }
         this.#bar();
         // A bent normal may have come or gone.
         if (
@@ -336,7 +353,7 @@ export class Stage {
     }
 
     #bar(): void {
-        const { check, view, frame } = this.#session;
+        const { check, view, frame, frames } = this.#session;
         const cameras = check?.ok ? check.cameras : [];
         const channels = check?.ok ? check.channels : [view.channel];
         const grounds: Ground[] = [
@@ -373,6 +390,14 @@ export class Stage {
             this.#cameras.value = view.camera ?? cameras[0] ?? "";
             this.#cameras.hidden = view.ground !== "scene" || cameras.length < 2;
         }
+        this.#animate.hidden = frames !== undefined;
+        this.#frames.hidden = frames === undefined;
+        if (frames !== undefined) {
+            this.#frameSlider.min = String(frames.first);
+            this.#frameSlider.max = String(frames.last);
+            this.#lastFrame.min = String(Math.max(frames.first, 1));
+            if (document.activeElement !== this.#lastFrame) this.#lastFrame.value = String(frames.last);
+        }
         this.#frameSlider.value = String(frame);
         this.#frameText.textContent = `Frame ${frame}`;
         this.canvas.setAttribute(
@@ -386,9 +411,8 @@ export class Stage {
             this.#stopPlay();
             return;
         }
-        const check = this.#session.check;
-        if (!check?.ok || check.frames === undefined) return;
-        const { first, last } = check.frames;
+        if (this.#session.frames === undefined) return;
+        const { first, last } = this.#session.frames;
         const count = last - first + 1;
         const start = performance.now() - ((this.#session.frame - first) / kFramesASecond) * 1000;
         const step = () => {

@@ -425,6 +425,69 @@ test("the picture lies on a sphere and a torus that the keys turn; a sequence pl
     });
 });
 
+test("any field takes keys: set, gone to, shaped, and taken away", async () => {
+    await withPage({}, async (page) => {
+        await openGraph(page, `${server.address}#example=spoke-fades`);
+        await setSize(page, kSide);
+        const radius = '[data-field="fOuterRadius"]';
+        const graphOf = async () => {
+            await page.waitForFunction((old) => location.hash !== old, {}, hash);
+            hash = await page.evaluate(() => location.hash);
+            const packed = Buffer.from(hash.slice("#graph=".length), "base64url");
+            return JSON.parse(inflateRawSync(packed)).graph.shaders.wheel.fOuterRadius;
+        };
+        let hash = await page.evaluate(() => location.hash);
+        const goTo = (frame) =>
+            page.$eval(
+                ".frames input[type=range]",
+                (slider, frame) => {
+                    slider.value = frame;
+                    slider.dispatchEvent(new Event("input"));
+                },
+                frame,
+            );
+        assert.equal(await page.$(`${radius} .key:not([hidden])`), null, "no diamonds without frames");
+        await page.evaluate(() =>
+            [...document.querySelectorAll(".stage-bar button")]
+                .find((button) => button.textContent === "Animate")
+                .click(),
+        );
+        await page.click(`${radius} .key`);
+        assert.deepEqual(await graphOf(), { keys: [[1, 0.48]] });
+        await goTo(24);
+        await page.click(`${radius} .number`, { count: 3 });
+        await page.keyboard.type("0.3\n");
+        assert.deepEqual(await graphOf(), {
+            keys: [
+                [1, 0.48],
+                [24, 0.3],
+            ],
+        });
+        await page.select(`${radius} .keys select`, "smooth");
+        assert.equal((await graphOf()).between, "smooth");
+        const last = await pictureOf(page);
+        await page.click(`${radius} .key-frames button`);
+        await waitForPicture(page, last);
+        assert.equal(await page.$eval("output.frame-text", (text) => text.textContent), "Frame 1");
+        assert.equal(await page.$eval(`${radius} .number`, (entry) => entry.value), "0.48");
+        await goTo(7);
+        const between = Number(await page.$eval(`${radius} .number`, (entry) => entry.value));
+        assert.ok(Math.abs(between - 0.4491) < 0.0001, `${between}`); // 0.48 - 0.18 * (3 t^2 - 2 t^3), t = 6/23
+        await goTo(24);
+        for (const count of [1, 0]) {
+            await page.click(`${radius} .key`);
+            const left = await graphOf();
+            assert.equal(left.keys?.length ?? 0, count);
+            await goTo(1);
+        }
+        await page.$eval(".last-frame", (entry) => {
+            entry.value = "48";
+            entry.dispatchEvent(new Event("change"));
+        });
+        assert.equal(await page.$eval(".frames input[type=range]", (slider) => slider.max), "48");
+    });
+});
+
 test("it works without a network after the first visit, asks no other party, and is reached by keys alone", async () => {
     await withPage({}, async (page) => {
         await page.goto(server.address);
