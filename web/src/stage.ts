@@ -399,6 +399,9 @@ export class Stage {
             if (document.activeElement !== this.#lastFrame) this.#lastFrame.value = String(frames.last);
         }
         this.#frameSlider.value = String(frame);
+        const { min, max } = this.#frameSlider;
+        const share = (frame - Number(min)) / Math.max(1, Number(max) - Number(min));
+        this.#frameSlider.style.setProperty("--share", String(share));
         this.#frameText.textContent = `Frame ${frame}`;
         this.canvas.setAttribute(
             "aria-label",
