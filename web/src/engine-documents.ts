@@ -1,6 +1,6 @@
 // Graphs with what a surface needs around them, and the command lines for them.
 
-import type { GraphDocument, Graph, Request, Shape } from "./engine";
+import type { Frames, GraphDocument, Graph, Request, Shape } from "./engine";
 import { EngineError } from "./engine-errors";
 
 /** A scene around each shape, as the engine tells them. */
@@ -72,6 +72,7 @@ export function commandFor(
     graphFile: string,
     pictureFile: string,
     overFile: string,
+    frames: Frames | undefined,
 ): string {
     const surface = request.surface ?? { kind: "square" };
     const isRendered = surface.kind === "render" || surface.kind === "view" || surface.kind === "shape";
@@ -90,7 +91,8 @@ export function commandFor(
     if (!isRendered && request.over !== undefined) words.push("--over", overFile);
     const samples = request.samples ?? (isRendered ? 4 : 1);
     if (isRendered || samples !== 1) words.push("--samples", `${samples}`);
-    if (request.frame !== undefined && request.frame !== 1) words.push("--frames", `${request.frame}`);
+    if (frames !== undefined) words.push("--frames", `${frames.first}-${frames.last}`);
+    else if (request.frame !== undefined && request.frame !== 1) words.push("--frames", `${request.frame}`);
     const isColor = isRendered || !["alpha", "coverage", "value", "normal"].includes(channel);
     if (request.format === "rgba16" && isColor) words.push("--bits", "16");
     if ((request.format ?? "rgba8") === "rgba8" && !isColor) words.push("--bits", "8");

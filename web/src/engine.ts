@@ -84,6 +84,11 @@ export type Channel =
     "color" | "main" | "alpha" | "second" | "third" | "fourth" | "normal" | "coverage" | "value" | "lit";
 
 /** What there is to know of a graph before it is baked. */
+export interface Frames {
+    readonly first: number;
+    readonly last: number;
+}
+
 export type Check =
     | { readonly ok: false; readonly problem: Problem }
     | {
@@ -93,7 +98,7 @@ export type Check =
           /** What the output offers for `Request.channel`. */
           readonly channels: readonly Channel[];
           /** The frames of the first and the last key; missing where nothing is keyed. */
-          readonly frames?: { readonly first: number; readonly last: number };
+          readonly frames?: Frames;
           /** Names of the elements with a camera, the one that is rendered from first; none where there is nothing
            * to render: no scene, or none with a camera. */
           readonly cameras: readonly string[];
@@ -259,9 +264,17 @@ export interface Engine {
      * The command line that makes the same picture of the request's document that was saved under `graphFile`; of a
      * shape it renders the shape. Given pictures and meshes, and a graph below, are files of the names that they are
      * given by.
+     * @param pictureFile with `####` for the number where frames are given
      * @param overFile of the request's `over`
+     * @param frames all of them instead of the request's one
      */
-    command(request: Request, graphFile: string, pictureFile: string, overFile?: string): string;
+    command(
+        request: Request,
+        graphFile: string,
+        pictureFile: string,
+        overFile?: string,
+        frames?: Frames,
+    ): string;
 
     /** Ends the workers; jobs are cancelled. */
     dispose(): void;
@@ -374,8 +387,14 @@ class PooledEngine implements Engine {
         return documentOf(request, this.#tables.scenes);
     }
 
-    command(request: Request, graphFile: string, pictureFile: string, overFile = "over.json"): string {
-        return commandFor(request, graphFile, pictureFile, overFile);
+    command(
+        request: Request,
+        graphFile: string,
+        pictureFile: string,
+        overFile = "over.json",
+        frames?: Frames,
+    ): string {
+        return commandFor(request, graphFile, pictureFile, overFile, frames);
     }
 
     dispose(): void {

@@ -24,6 +24,13 @@ export function isKeyed(value: unknown): value is Keyed {
     return typeof value === "object" && value !== null && Array.isArray((value as Partial<Keyed>).keys);
 }
 
+/** Whether any value of a shader, or in one, changes from frame to frame. */
+export function hasKeys(value: unknown): boolean {
+    return (
+        isKeyed(value) || (typeof value === "object" && value !== null && Object.values(value).some(hasKeys))
+    );
+}
+
 function startsWith(long: readonly Token[], short: readonly Token[]): boolean {
     return short.length <= long.length && short.every((token, i) => token === long[i]);
 }

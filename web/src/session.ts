@@ -7,6 +7,7 @@ import {
     type Engine,
     type Field,
     type FieldValue,
+    type Frames,
     type GraphDocument,
     type Problem,
     type Shape,
@@ -60,7 +61,7 @@ export class Session extends EventTarget {
     check: Check | undefined;
     problem: Problem | undefined;
     #history: History<GraphDocument>;
-    #keyed: { readonly first: number; readonly last: number } | undefined;
+    #keyed: Frames | undefined;
     #wantedLast: number | undefined;
     #checking = false;
     #unchecked = false;
@@ -83,7 +84,7 @@ export class Session extends EventTarget {
         return this.document !== this.start;
     }
     /** To choose from: those of the keys, and those where the reader wants to set some. */
-    get frames(): { readonly first: number; readonly last: number } | undefined {
+    get frames(): Frames | undefined {
         if (this.#wantedLast === undefined) return this.#keyed;
         const { first, last } = this.#keyed ?? { first: 1, last: 1 };
         return { first: Math.min(first, 1), last: Math.max(last, this.#wantedLast) };

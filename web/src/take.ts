@@ -49,6 +49,7 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
         (value) => (value === 1 ? "1 sample" : `${value} samples`),
         4,
     );
+    const allFrames = h("input", { type: "checkbox", role: "switch", onchange: () => showCommand() });
     const command = h("code", { class: "command", tabindex: 0, "aria-label": "Command" });
     const state = h("p", { class: "take-state", role: "status" });
     const name = fileName(session.title);
@@ -64,7 +65,9 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
                 view.ground === "square" || view.ground === "scene"
                     ? { ...request("rgba8"), graph: document }
                     : request("rgba8");
-            command.textContent = session.engine.command(plain, `${name}.json`, `${name}.png`, view.over);
+            const frames = allFrames.checked ? session.frames : undefined;
+            const picture = frames === undefined ? `${name}.png` : `${name}.####.png`;
+            command.textContent = session.engine.command(plain, `${name}.json`, picture, view.over, frames);
         } catch (error) {
             command.textContent = error instanceof Error ? error.message : String(error);
         }
@@ -111,6 +114,13 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
             h("button", { type: "button", onclick: graph }, "Graph"),
         ),
         h("p", { class: "take-note" }, "The same picture from the graph, with the installed command:"),
+        session.frames !== undefined &&
+            h(
+                "label",
+                { class: "take-frames" },
+                allFrames,
+                `all frames, ${session.frames.first} to ${session.frames.last}`,
+            ),
         command,
         h(
             "button",

@@ -1,7 +1,7 @@
 // The graph as a tree: each slot with what is plugged into it. What hangs in several places is shown open in the first.
 
 import { h } from "./dom";
-import { below, shaderOf, slots } from "./graph";
+import { below, hasKeys, shaderOf, slots } from "./graph";
 import { kindOf, type Session } from "./session";
 
 interface Row {
@@ -12,6 +12,7 @@ interface Row {
     again: boolean;
     open: boolean;
     branches: boolean;
+    keyed: boolean;
 }
 
 /** Trees of more rows begin with all but the first level closed. */
@@ -46,7 +47,8 @@ export class Tree {
             const plugged = slots(shader, tableOf).filter((each) => each.shader !== null);
             const again = seen.has(name);
             const open = !again && this.#closed.get(name) !== true;
-            rows.push({ name, slot, depth, again, open, branches: plugged.length > 0 && !again });
+            const branches = plugged.length > 0 && !again;
+            rows.push({ name, slot, depth, again, open, branches, keyed: hasKeys(shader) });
             seen.add(name);
             if (open) for (const each of plugged) add(each.shader!, each.field.label, depth + 1);
         };
@@ -105,6 +107,9 @@ export class Tree {
                     { class: "tree-kind" },
                     row.again ? "as above" : kind.toLowerCase() === row.name.toLowerCase() ? "" : kind,
                 ),
+                row.keyed &&
+                    h("span", { class: "tree-keys", title: "with keys", "aria-hidden": "true" }, "◆"),
+                row.keyed && h("span", { class: "unseen" }, "with keys"),
                 h("span", { class: "tree-slot" }, row.slot),
                 row.name === wrong && h("span", { class: "unseen" }, "has an error"),
             );

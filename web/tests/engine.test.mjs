@@ -187,7 +187,16 @@ test("a view is the command's own, and tells the graph for it", async () => {
 
 test("frames of a sequence", async () => {
     const graph = await readFile(`${kExamples}/ripple-sequence.json`, "utf8");
-    assert.deepEqual((await engine.check(graph)).frames, { first: 1, last: 24 });
+    const { frames } = await engine.check(graph);
+    assert.deepEqual(frames, { first: 1, last: 24 });
+    const all = engine.command(
+        { graph, width: 512, height: 512 },
+        "pond.json",
+        "pond.####.png",
+        undefined,
+        frames,
+    );
+    assert.equal(all, "fernwick bake pond.json --frames 1-24 -o 'pond.####.png'");
     const own = await engine.bake({ graph, frame: 12, width: 100, height: 100 }).done;
     const others = await native(
         "bake",
