@@ -21,7 +21,8 @@ int32_t CountThreads(const ConnectedShader (&shaders)[kThreadsPerGroup])
 /// The remainder keeps the sign: below 0 there are no threads. A repeat of 0 gives the tile's start.
 float InTile(float coordinate, float inverseRepeat, int32_t repeat)
 {
-    return coordinate != 0 ? FloatRemainder(coordinate, inverseRepeat) * static_cast<float>(repeat) : coordinate;
+    return coordinate != 0 ? FloatRemainder(coordinate, inverseRepeat) * static_cast<float>(repeat)
+                           : coordinate;
 }
 
 float Squared(float number) { return number * number; }
