@@ -42,7 +42,7 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
         element.addEventListener("change", () => showCommand());
         return element;
     };
-    const size = menu("Size", kSizes, (value) => `${value} × ${value}`, 1024);
+    const size = menu("Size", kSizes, (value) => `${value} px`, 1024);
     const samples = menu(
         "Samples a pixel",
         kSamples,
@@ -78,8 +78,9 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
             const job = session.engine.bake<"rgba8" | "rgba16">(request(format), (part) => {
                 state.textContent = `Shading … ${Math.round(part.progress * 100)} %`;
             });
-            save(await encodePng((await job.done) as Picture<"rgba8"> | Picture<"rgba16">), `${name}.png`);
-            state.textContent = "Saved.";
+            const file = format === "rgba8" ? `${name}.png` : `${name}-16.png`;
+            save(await encodePng((await job.done) as Picture<"rgba8"> | Picture<"rgba16">), file);
+            state.textContent = `Saved as ${file}.`;
         } catch (error) {
             state.textContent = error instanceof Error ? error.message : String(error);
         }
@@ -94,7 +95,7 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
             new Blob([JSON.stringify(document, null, 4) + "\n"], { type: "application/json" }),
             `${name}.json`,
         );
-        state.textContent = "Saved.";
+        state.textContent = `Saved as ${name}.json.`;
     };
     const dialog = h(
         "dialog",

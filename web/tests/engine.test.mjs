@@ -1,5 +1,7 @@
 import assert from "node:assert/strict";
-import { readdir, readFile } from "node:fs/promises";
+import { mkdtemp, readdir, readFile, rm, writeFile } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
 import { after, before, test } from "node:test";
 import { difference, native, readObj, readPicture } from "./engine-files.mjs";
 import { CancelledError, EngineError, kRoot, load } from "./engine-setup.mjs";
@@ -253,6 +255,21 @@ test("errors name their place", async () => {
     );
     const broken = await problemOf('{"shaders": {\n  "a": }');
     assert.deepEqual([broken.line, broken.column !== undefined], [2, true]);
+});
+
+test("a pattern repeated no times is what the command makes of it", async () => {
+    const folder = await mkdtemp(join(tmpdir(), "fernwick-"));
+    const cloth = { ...kCloth.shaders.cloth, fRepeatU: 0 };
+    for (const graph of [
+        { ...kCloth, shaders: { ...kCloth.shaders, cloth } },
+        { shaders: { wheel: { class: "Spoke", fCount: 0 } }, output: "wheel" },
+    ]) {
+        const file = join(folder, "graph.json");
+        await writeFile(file, JSON.stringify(graph));
+        const own = await engine.bake({ graph, width: 40, height: 30 }).done;
+        assert.ok(difference(own, await native("bake", file, "--size", "40x30")).most <= 1);
+    }
+    await rm(folder, { recursive: true });
 });
 
 test("whatever a graph holds is refused or baked, and the engine goes on", async () => {

@@ -1,6 +1,6 @@
 // A slider and the number itself. Shift makes the slider ten times finer; a double click takes the default.
 
-import { h } from "../dom";
+import { h, tell } from "../dom";
 import type { Field } from "../engine";
 import { numberText, sliderRange, type Changed, type Control } from "./control";
 
@@ -30,13 +30,14 @@ export function numberControl(field: Field, label: string, changed: Changed, des
         if (document.activeElement !== entry) entry.value = numberText(value);
     };
     const bounded = (next: number) => {
-        const low = field.loose ? -Infinity : (field.minimum ?? -Infinity);
-        const high = field.loose ? Infinity : (field.maximum ?? Infinity);
+        const most = field.type === "int32" ? 2 ** 31 - 1 : 3.4028234663852886e38; // of a float
+        const low = field.loose ? -most : (field.minimum ?? -most);
+        const high = field.loose ? most : (field.maximum ?? most);
         return Math.min(high, Math.max(low, field.type === "int32" ? Math.round(next) : next));
     };
     const take = (next: number) => {
         next = bounded(next);
-        if (next === value || !Number.isFinite(next)) return;
+        if (next === value) return;
         value = next;
         draw();
         changed(value);
@@ -106,12 +107,11 @@ export function numberControl(field: Field, label: string, changed: Changed, des
         else onKey(event);
     });
     const accept = () => {
-        const text = entry.value
-            .trim()
-            .replace(",", ".")
-            .replace(/[^\d.eE+-].*$/, "");
-        const next = text === "" ? NaN : Number(text);
-        if (Number.isFinite(next)) take(next);
+        const text = entry.value.trim().replace(",", ".");
+        // A unit may follow, as in "3 tiles".
+        const number = /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?(?=\s*[\p{L}%°]*$)/iu.exec(text)?.[0];
+        if (number !== undefined) take(Number(number));
+        else if (text !== "") tell(`“${entry.value.trim()}” is no number.`);
         entry.value = numberText(value);
     };
     entry.addEventListener("blur", accept);

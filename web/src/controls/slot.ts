@@ -6,10 +6,11 @@ import { below, given, isKeyed, tableName, shaderOf, valueAt } from "../graph";
 import type { Session } from "../session";
 import { colorControl } from "./color";
 import type { Control } from "./control";
+import { fileControl } from "./file";
 import { numberControl } from "./number";
 
-/** Colours and numbers are edited right at the slot. */
-const kInline: { [source: string]: string } = { color: "color", value: "value" };
+/** Colours, numbers and pictures are chosen right at the slot. */
+const kInline: { [source: string]: string } = { color: "color", value: "value", picture: "file" };
 
 function options(session: Session, name: string, plugged: string | null): HTMLElement[] {
     const document = session.document;
@@ -75,13 +76,15 @@ export function slotControl(session: Session, name: string, field: Field, label:
         if (inner?.name !== next || inner.field !== own) {
             const what = `${label}: ${own.label.toLowerCase()}`;
             const changed = (value: FieldValue | undefined) => session.set(next, own, value);
-            const isNumber = own.type === "float";
-            const control = isNumber
-                ? numberControl(own, what, changed)
-                : colorControl(own, what, changed, true);
+            const isColor = own.type === "rgb" || own.type === "rgba";
+            const control = isColor
+                ? colorControl(own, what, changed, true)
+                : own.type === "file"
+                  ? fileControl(session, next, own, what)
+                  : numberControl(own, what, changed);
             inner = { name: next, field: own, control };
-            (isNumber ? inline : well).replaceChildren(control.element);
-            (isNumber ? well : inline).replaceChildren();
+            (isColor ? well : inline).replaceChildren(control.element);
+            (isColor ? inline : well).replaceChildren();
         }
         inner.control.show(valueAt(shader, own, session.frame));
     };
