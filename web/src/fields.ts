@@ -8,6 +8,7 @@ import { numberControl, numbersControl } from "./controls/number";
 import { slotControl } from "./controls/slot";
 import type { Control } from "./controls/control";
 import { h, icon } from "./dom";
+import { headOf } from "./head";
 import type { Field, FieldValue } from "./engine";
 import { given, isKeyed, pointerTo, shaderOf, tableName, tokens, valueAt, type Shader } from "./graph";
 import type { Session } from "./session";
@@ -21,7 +22,10 @@ interface Group {
 }
 
 const kLongArray = 3;
-const kHint = "Shift moves a slider finely. A double click takes the default.";
+/** What nobody finds without being told; fingers know neither. */
+const kHint = matchMedia("(pointer: coarse)").matches
+    ? ""
+    : "Shift moves a slider finely. A double click takes the default.";
 
 function grouped(fields: readonly Field[]): Group[] {
     const groups: Group[] = [];
@@ -102,15 +106,15 @@ export class Fields {
                 (field) =>
                     shader && given(shader, field.name) !== undefined && given(shader, field.name) !== null,
             );
-        const form = JSON.stringify([this.#session.selected, table?.name, slots]);
+        const isOutput = this.#session.selected === this.#session.document.output;
+        const form = JSON.stringify([this.#session.selected, table?.name, slots, isOutput]);
         if (form === this.#form) {
             this.#refresh();
             return;
         }
         const isOther = JSON.parse(this.#form || "[]")[0] !== this.#session.selected;
-        const focused = (document.activeElement?.closest("[data-field]") as HTMLElement | null)?.dataset[
-            "field"
-        ];
+        const focused = document.activeElement as HTMLElement | null;
+        const focusedField = (focused?.closest("[data-field]") as HTMLElement | null)?.dataset["field"];
         const kept = new Set(
             [...this.element.querySelectorAll<HTMLDetailsElement>("details[data-group][open]")].map(
                 (group) => group.dataset["group"]!,
@@ -118,32 +122,12 @@ export class Fields {
         );
         this.#form = form;
         this.#entries = [];
+        const head = headOf(this.#session, this.#session.selected, table);
         if (shader === undefined || table === undefined) {
-            const what =
-                shader === undefined
-                    ? "There is no such shader."
-                    : `There is no class or source “${tableName(shader)}”.`;
-            this.element.replaceChildren(h("p", { class: "purpose" }, what));
+            this.element.replaceChildren(head);
             return;
         }
         const groups = grouped(table.fields);
-        const head = h(
-            "header",
-            {},
-            h("h2", {}, this.#session.selected),
-            h("p", { class: "purpose" }, h("strong", {}, table.name), " ", table.purpose),
-        );
-        const remove =
-            this.#session.selected !== this.#session.document.output &&
-            h(
-                "button",
-                {
-                    type: "button",
-                    class: "quiet",
-                    onclick: () => this.#session.remove(this.#session.selected),
-                },
-                "Remove from the graph",
-            );
         const set = groups.filter((group) => group.fields.some((field) => !field.derived));
         const derived = table.fields.filter((field) => field.derived);
         // What is plugged in comes first: it is what an artist looks for.
@@ -163,18 +147,18 @@ export class Fields {
             ...(plugs.length > 0 ? [h("div", { class: "plugs" }, ...plugs)] : []),
             ...rest,
             ...(told ? [told] : []),
-            ...(remove ? [remove] : []),
             this.#info,
         );
         this.#info.textContent = kHint;
         if (isOther) this.element.scrollTop = 0;
         this.#refresh();
-        if (focused !== undefined)
-            this.element
-                .querySelector<HTMLElement>(
-                    `[data-field="${CSS.escape(focused)}"] :is(select, input, button)`,
-                )
-                ?.focus({ preventScroll: true });
+        if (focusedField !== undefined) {
+            const row = this.#entries.find(({ field }) => field.name === focusedField)?.row;
+            const label = focused!.getAttribute("aria-label");
+            const shown = controlsIn(row).filter((each) => each.offsetParent !== null);
+            const same = shown.find((each) => each.getAttribute("aria-label") === label);
+            (same ?? shown[0])?.focus({ preventScroll: true });
+        }
     }
 
     #group(group: Group, shader: Shader, kept: ReadonlySet<string>): HTMLElement {
@@ -235,21 +219,32 @@ export class Fields {
             { class: "grid", role: "group", "aria-label": group.title, style: `--columns: ${columns}` },
             ...rows,
         );
-        return h("div", { class: "row" }, h("div", { class: "label" }, group.title), grid);
+        const first = group.fields[0]!;
+        return h(
+            "div",
+            { class: "row" },
+            h("div", { class: "label" }, group.title),
+            grid,
+            h("p", { class: "grid-note" }, `Filled: ${lower(first.help)}`),
+        );
     }
 
     #row(field: Field, label: string): HTMLElement {
         const session = this.#session;
         const name = session.selected;
         const control = field.derived ? derivedControl() : this.#control(field, label, name);
-        const standard = field.default === undefined ? "" : `Back to ${short(field.default)}`;
+        const chosen = field.choices?.find((choice) => choice.value === field.default)?.label;
+        const standard = field.default === undefined ? "" : `Back to ${chosen ?? short(field.default)}`;
         const reset = h("button", {
             type: "button",
             class: "reset",
             title: standard,
             "aria-label": `${label}: ${standard.toLowerCase()}`,
             hidden: true,
-            onclick: () => session.set(name, field, undefined),
+            onclick: () => {
+                session.set(name, field, undefined);
+                controlsIn(control.element)[0]?.focus({ preventScroll: true }); // the dot is gone
+            },
         });
         const keys =
             field.derived || field.type === "shader" ? undefined : keysOf(session, name, field, label);
@@ -355,13 +350,19 @@ export class Fields {
             fault.hidden = told === undefined;
             fault.textContent = told?.message ?? "";
             row.classList.toggle("wrong", wrong !== undefined);
+            for (const each of controlsIn(control.element))
+                if (each.matches("input, select"))
+                    each.setAttribute("aria-invalid", String(wrong !== undefined));
         }
     }
 
     #explain(target: Element): void {
         const address = (target.closest("[data-field]") as HTMLElement | null)?.dataset["field"];
         const field = this.#entries.find((entry) => entry.field.name === address)?.field;
-        if (field === undefined) return;
+        if (field === undefined) {
+            this.#info.textContent = kHint;
+            return;
+        }
         const standard =
             field.default === undefined || field.default === null || field.default === ""
                 ? ""
@@ -370,8 +371,19 @@ export class Fields {
     }
 }
 
+/** What can be worked with in an element, itself included. */
+function controlsIn(element: HTMLElement | undefined): HTMLElement[] {
+    const kControls = "select, input, button";
+    const within = [...(element?.querySelectorAll<HTMLElement>(kControls) ?? [])];
+    return element?.matches(kControls) ? [element, ...within] : within;
+}
+
 function capital(text: string): string {
     return text.charAt(0).toUpperCase() + text.slice(1);
+}
+
+function lower(text: string): string {
+    return text.charAt(0).toLowerCase() + text.slice(1);
 }
 
 /** A round button with a drawing, and its name for those who don't see it. */

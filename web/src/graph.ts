@@ -146,6 +146,62 @@ export function withoutShader(document: GraphDocument, name: string, tableOf: Ta
     return changed;
 }
 
+/** The document with a shader under another name, wherever it is named. */
+export function renamed(document: GraphDocument, from: string, to: string, tableOf: TableOf): GraphDocument {
+    const other = (name: FieldValue) => (name === from ? to : name);
+    let changed = document;
+    for (const [name, shader] of Object.entries(document.shaders))
+        for (const { field } of slots(shader, tableOf)) {
+            const value = given(shader, field.name) as FieldValue | Keyed | undefined;
+            const next = isKeyed(value)
+                ? {
+                      ...value,
+                      keys: value.keys.map(([frame, key]) => [frame, other(key)] as [number, FieldValue]),
+                  }
+                : value !== undefined && other(value);
+            if (value !== undefined && JSON.stringify(next) !== JSON.stringify(value))
+                changed = withField(changed, name, field, next as FieldValue | Keyed);
+        }
+    changed = copy(changed);
+    const shaders = {};
+    for (const [name, shader] of Object.entries(changed.shaders)) put(shaders, other(name) as string, shader);
+    const scene = changed.scene === undefined ? {} : { scene: sceneWith(changed.scene, other) };
+    return { ...changed, ...scene, shaders, output: other(document.output) as string };
+}
+
+/** A part of a scene with other names of shaders: elements have a `shader`, nodes and materials are names for names. */
+function sceneWith<Value>(value: Value, other: (name: FieldValue) => FieldValue): Value {
+    if (Array.isArray(value)) return value.map((item) => sceneWith(item, other)) as Value;
+    if (typeof value !== "object" || value === null) return value;
+    const changed = {};
+    for (const [key, own] of Object.entries(value)) {
+        const isNames = (key === "nodes" || key === "materials") && typeof own === "object" && own !== null;
+        if (key === "shader" && typeof own === "string") put(changed, key, other(own));
+        else if (isNames) put(changed, key, namesWith(own as object, other));
+        else put(changed, key, sceneWith(own, other));
+    }
+    return changed as Value;
+}
+
+function namesWith(names: object, other: (name: FieldValue) => FieldValue): object {
+    const changed = {};
+    for (const [key, own] of Object.entries(names))
+        put(changed, key, typeof own === "string" ? other(own) : sceneWith(own, other));
+    return changed;
+}
+
+/** The document with a shader of another class or source, with the fields that it has too. */
+export function turned(document: GraphDocument, name: string, table: ShaderTable): GraphDocument {
+    const changed = copy(document);
+    const known = new Set(table.fields.map((field) => tokens(field.name)[0]));
+    const shader = {};
+    put(shader, table.kind, table.name);
+    for (const [key, value] of Object.entries(shaderOf(document, name) ?? {}))
+        if (known.has(tokens(key)[0])) put(shader, key, value);
+    put(changed.shaders, name, shader);
+    return changed;
+}
+
 /** The slots of a shader in the order of its table, with what is plugged in. */
 export function slots(shader: Shader, tableOf: TableOf): { field: Field; shader: string | null }[] {
     const table = tableOf(tableName(shader));

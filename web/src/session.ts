@@ -16,8 +16,10 @@ import {
     given,
     isKeyed,
     pointerTo,
+    renamed,
     shaderOf,
     tableName,
+    turned,
     valueAt,
     withField,
     withKey,
@@ -65,6 +67,7 @@ export class Session extends EventTarget {
     #wantedLast: number | undefined;
     #checking = false;
     #unchecked = false;
+    #isRefused = false;
 
     constructor(engine: Engine, title: string, document: GraphDocument, view: View) {
         super();
@@ -138,6 +141,22 @@ export class Session extends EventTarget {
         this.#tell("selection");
     }
 
+    rename(from: string, to: string): void {
+        if (this.selected === from) this.selected = to;
+        this.edit(renamed(this.document, from, to, this.tableOf));
+        this.#tell("selection");
+    }
+
+    makeOutput(name: string): void {
+        this.edit({ ...this.document, output: name });
+    }
+
+    /** Makes a shader one of another class or source; it keeps the fields that both have. */
+    turnInto(name: string, tableNamed: string): void {
+        const table = this.tableOf(tableNamed);
+        if (table !== undefined) this.edit(turned(this.document, name, table));
+    }
+
     edit(document: GraphDocument, mark = ""): void {
         if (document === this.document) return;
         this.#history.push(document, mark);
@@ -182,10 +201,19 @@ export class Session extends EventTarget {
 
     /** The engine refused to shade: `error` is its reason. */
     refused(error: unknown): void {
+        this.#isRefused = true;
         this.problem =
             error instanceof EngineError
                 ? error
                 : { pointer: "", message: error instanceof Error ? error.message : String(error) };
+        this.#tell("check");
+    }
+
+    /** A picture came: what the last one was refused for is over. */
+    shaded(): void {
+        if (!this.#isRefused) return;
+        this.#isRefused = false;
+        this.problem = this.check?.ok === false ? this.check.problem : undefined;
         this.#tell("check");
     }
 

@@ -1,7 +1,7 @@
 // The picture, large: on the square, as the scene renders it, or on a body that can be turned.
 
 import { h, icon, kForPixels, tell } from "./dom";
-import type { Channel, Format, Mesh, Part, Picture, Request } from "./engine";
+import type { Channel, Check, Format, Mesh, Part, Picture, Request } from "./engine";
 import { withScene } from "./models";
 import { Shading, type Shown } from "./shading";
 import type { Ground, Session } from "./session";
@@ -83,6 +83,7 @@ export class Stage {
     #onSolid: Ground | undefined;
     #color: Picture<"rgba8"> | undefined;
     #normal: Picture<"rgba8"> | undefined;
+    #offered: Pick<Extract<Check, { ok: true }>, "cameras" | "channels"> | undefined;
     #playing = 0;
     #closed = false;
 
@@ -234,6 +235,7 @@ export class Stage {
     }
 
     #whole(picture: Picture<"rgba8">, took: number): void {
+        this.#session.shaded();
         const { ground } = this.#session.view;
         if (ground === "square" || ground === "scene") {
             if (this.canvas.width !== picture.width || this.canvas.height !== picture.height) {
@@ -325,7 +327,7 @@ export class Stage {
 
     #checked(): void {
         const { check, problem } = this.#session;
-        const last = /^\/shaders\/([^/]+)/.exec(problem?.pointer ?? "")?.[1];
+        const last = /^\/shaders\/([^/]*)/.exec(problem?.pointer ?? "")?.[1];
         this.#fault.hidden = problem === undefined;
         if (problem !== undefined) {
             const name = last?.replaceAll("~1", "/").replaceAll("~0", "~");
@@ -335,7 +337,7 @@ export class Stage {
                 h("button", { type: "button", onclick: () => this.#session.select(name) }, `Show ${name}`);
             const place =
                 name !== undefined
-                    ? `${name}: `
+                    ? `${name || "“”"}: `
                     : problem.pointer
                       ? `${problem.pointer.slice(1).replaceAll("/", ", ")}: `
                       : "";
@@ -354,8 +356,8 @@ export class Stage {
 
     #bar(): void {
         const { check, view, frame, frames } = this.#session;
-        const cameras = check?.ok ? check.cameras : [];
-        const channels = check?.ok ? check.channels : [view.channel];
+        if (check?.ok) this.#offered = check;
+        const { cameras, channels } = this.#offered ?? { cameras: [], channels: [view.channel] };
         const grounds: Ground[] = [
             "square",
             ...(cameras.length > 0 || view.ground === "scene" ? (["scene"] as const) : []),

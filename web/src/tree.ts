@@ -102,11 +102,7 @@ export class Tree {
                     row.branches ? (row.open ? "▾" : "▸") : "",
                 ),
                 h("span", { class: "tree-name" }, row.name),
-                h(
-                    "span",
-                    { class: "tree-kind" },
-                    row.again ? "as above" : kind.toLowerCase() === row.name.toLowerCase() ? "" : kind,
-                ),
+                h("span", { class: "tree-kind" }, row.again ? "as above" : kind),
                 row.keyed &&
                     h("span", { class: "tree-keys", title: "with keys", "aria-hidden": "true" }, "◆"),
                 row.keyed && h("span", { class: "unseen" }, "with keys"),

@@ -209,6 +209,59 @@ test("slots take any source and class, and the tree follows", async () => {
         assert.ok(!offered.includes("=cloth"), "no circle is offered");
         for (const kind of ["gradient", "surface", "Key", "Shadow_pass"])
             assert.ok(offered.includes(`+${kind}`), kind);
+        // The keys go on where they were, though the fields are made anew.
+        await page.focus('[data-slot="fWarpSubShader[1]"] select');
+        for (const wanted of ["=cream", "=indigo"]) {
+            await page.keyboard.press("ArrowDown");
+            await page.waitForFunction((wanted) => document.activeElement.value === wanted, {}, wanted);
+        }
+    });
+});
+
+test("a shader gets another name, becomes the picture, and is turned into another class", async () => {
+    const graph = {
+        shaders: {
+            cloth: { class: "Weav", fRepeatU: 3, "fWarpSubShader[0]": "red", fNoSuch: 1 },
+            red: { source: "color", color: [0.5, 0, 0] },
+        },
+        output: "cloth",
+        scene: {
+            elements: [{ name: "Ball", shape: { kind: "sphere" }, shader: "red" }],
+        },
+    };
+    await withPage({}, async (page) => {
+        await page.goto(link({ graph }));
+        await page.waitForSelector(".stage-fault:not([hidden])");
+        await page.select('select[aria-label="Another class or source"]', "Weave");
+        await settled(page);
+        await page.waitForSelector(".stage-fault[hidden]");
+        assert.equal(await page.$eval('[data-field="fRepeatU"] .number', (entry) => entry.value), "3");
+        await page.evaluate(() =>
+            [...document.querySelectorAll(".tree-row")].find((row) => /red/.test(row.textContent)).click(),
+        );
+        await page.click(".shader-name", { count: 3 });
+        await page.keyboard.type("cloth\n");
+        assert.equal(await page.$eval(".shader-name", (entry) => entry.value), "red");
+        await page.click(".shader-name", { count: 3 });
+        await page.keyboard.type("carmine\n");
+        await page.waitForFunction(() => !/red/.test(document.querySelector(".tree").textContent));
+        const before = await pictureOf(page);
+        await page.click(".actions button");
+        await waitForPicture(page, before);
+        await page.waitForFunction(() => location.hash.startsWith("#graph="));
+        await new Promise((done) => setTimeout(done, 700)); // the address follows after half a second
+        const packed = Buffer.from(
+            (await page.evaluate(() => location.hash)).slice("#graph=".length),
+            "base64url",
+        );
+        assert.deepEqual(JSON.parse(inflateRawSync(packed)).graph, {
+            shaders: {
+                cloth: { class: "Weave", fRepeatU: 3, "fWarpSubShader[0]": "carmine" },
+                carmine: graph.shaders.red,
+            },
+            output: "carmine",
+            scene: { elements: [{ name: "Ball", shape: { kind: "sphere" }, shader: "carmine" }] },
+        });
     });
 });
 
