@@ -37,7 +37,8 @@ install(TARGETS Fernwick_unrouted LIBRARY DESTINATION lib/fernwick COMPONENT com
 # What people read.
 install(FILES README.md DESTINATION ${documents} COMPONENT command)
 install(DIRECTORY docs/ DESTINATION ${documents}/docs COMPONENT command
-    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN *.schema.json)
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN *.schema.json
+    PATTERN theme EXCLUDE)
 install(DIRECTORY examples DESTINATION ${documents} COMPONENT command PATTERN CMakeLists.txt EXCLUDE)
 install(FILES docs/graph.schema.json DESTINATION share/fernwick COMPONENT command)
 
