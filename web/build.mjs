@@ -106,13 +106,16 @@ mkdirSync(join(app, "examples"), { recursive: true });
 mkdirSync(join(app, "pictures"), { recursive: true });
 
 const topics = catalog();
+const exampleFiles = readdirSync(join(root, "examples")).filter((name) =>
+    /\.(json|png|obj|gltf)$/.test(name),
+);
 const shared = {
     bundle: true,
     minify: true,
     format: "esm",
     target: "es2022",
     legalComments: "linked",
-    define: { CATALOG: JSON.stringify(topics) },
+    define: { CATALOG: JSON.stringify(topics), EXAMPLE_FILES: JSON.stringify(exampleFiles) },
     logLevel: "warning",
     absWorkingDir: web,
 };
@@ -128,9 +131,7 @@ await esbuild.build({ ...shared, entryPoints: ["style.css", "live.css"], outdir:
 cpSync(join(web, "index.html"), join(folder, "index.html"));
 cpSync(join(web, "icon.svg"), join(app, "icon.svg"));
 cpSync(join(web, "manifest.webmanifest"), join(app, "manifest.webmanifest"));
-for (const name of readdirSync(join(root, "examples")))
-    if (/\.(json|png|obj|gltf)$/.test(name))
-        cpSync(join(root, "examples", name), join(app, "examples", name));
+for (const name of exampleFiles) cpSync(join(root, "examples", name), join(app, "examples", name));
 writeFileSync(join(app, "catalog.json"), JSON.stringify(topics, null, 1));
 for (const { examples } of topics)
     for (const { picture } of examples)

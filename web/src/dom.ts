@@ -40,6 +40,7 @@ const kIcons = {
     picture: "M3 5h18v14H3zM3 16l5-5 4 4 3-3 6 6M15.5 9.5h.01",
     close: "M5 5l14 14M19 5L5 19",
     plus: "M12 4v16M4 12h16",
+    folder: "M3 19V5h6l2 3h10v11z",
 };
 
 /** A line drawing of 24 units in the colour of the text; decoration only. */
@@ -57,12 +58,20 @@ export function icon(name: keyof typeof kIcons): SVGSVGElement {
 /** Of a canvas for pixels of the processor's memory: kept there, they wait for no graphics card on their way. */
 export const kForPixels: CanvasRenderingContext2DSettings = { willReadFrequently: true };
 
-/** Told to screen readers, and shown for a while. */
-export function tell(message: string): void {
+/** Told to screen readers, and shown for as long as it takes to read it. */
+export function tell(message: string, milliseconds = Math.max(4000, 70 * message.length)): void {
     const place = document.getElementById("told");
     if (place === null) return;
     place.textContent = message;
     place.classList.add("shown");
     clearTimeout(Number(place.dataset["timer"]));
-    place.dataset["timer"] = String(setTimeout(() => place.classList.remove("shown"), 4000));
+    place.dataset["timer"] = String(setTimeout(() => place.classList.remove("shown"), milliseconds));
+}
+
+/** Resolves when what was told is on the screen, so that work may hold the page up. */
+export function painted(): Promise<void> {
+    return new Promise((done) => {
+        requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(done)));
+        setTimeout(done, 500); // a page in the background paints nothing
+    });
 }

@@ -5,11 +5,14 @@ import type { GraphDocument } from "./engine";
 
 /** Of the text in a link, once it is inflated; a link that would hold more is refused while it is read. */
 export const kLargestGraph = 1 << 20;
+const kLongestLink = 1 << 20; // characters; browsers take twice as many in an address
+const kLongestTitle = 80;
 
 export interface Shared {
     graph: GraphDocument;
     /** How the page showed it, such as "sphere". */
     view?: string;
+    title?: string;
 }
 
 export class LinkError extends Error {}
@@ -51,6 +54,18 @@ export async function toLink(shared: Shared): Promise<string> {
     return btoa(binary).replaceAll("+", "-").replaceAll("/", "_").replaceAll("=", "");
 }
 
+/** The part of an address that opens the graph; nothing where the graph is too large for one. */
+export async function toHash(shared: Shared): Promise<string | undefined> {
+    if (new Blob([JSON.stringify(shared)]).size > kLargestGraph) return undefined;
+    const link = await toLink(shared);
+    return link.length > kLongestLink ? undefined : `#graph=${link}`;
+}
+
+/** One line of text that a title may be. */
+export function titleFrom(text: string): string {
+    return [...text.replace(/[\s\p{C}]+/gu, " ").trim()].slice(0, kLongestTitle).join("");
+}
+
 /** Rejects with `LinkError` and a sentence for the reader. */
 export async function fromLink(link: string): Promise<Shared> {
     let text: string;
@@ -72,7 +87,10 @@ export async function fromLink(link: string): Promise<Shared> {
     const shared = value as Partial<Shared> | null;
     if (typeof shared !== "object" || shared === null || !isGraph(shared.graph))
         throw new LinkError("The link holds no graph.");
-    return typeof shared.view === "string"
-        ? { graph: shared.graph, view: shared.view }
-        : { graph: shared.graph };
+    const title = typeof shared.title === "string" ? titleFrom(shared.title) : "";
+    return {
+        graph: shared.graph,
+        ...(typeof shared.view === "string" ? { view: shared.view } : {}),
+        ...(title === "" ? {} : { title }),
+    };
 }

@@ -83,6 +83,7 @@ async function enliven(image: HTMLImageElement, example: Example, className: str
         shading.ask(() => requestFor(example, document));
         void toLink({
             graph: document,
+            title: example.title,
             view: JSON.stringify({
                 ground: example.render ? "scene" : "square",
                 channel: example.channel,

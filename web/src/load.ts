@@ -5,6 +5,9 @@ import { loadEngine, type Engine, type GraphDocument } from "./engine";
 import { filesOf, isGraph } from "./graph";
 import { decodePicture } from "./pictures";
 
+/** What lies in examples/, as build.mjs puts it there. */
+declare const EXAMPLE_FILES: readonly string[];
+
 let loading: Promise<Engine> | undefined;
 
 /** The one engine of the page. Rejects with a sentence for the reader. */
@@ -24,8 +27,8 @@ export function engine(): Promise<Engine> {
 }
 
 async function fetched(name: string): Promise<Response | undefined> {
-    // Only plain names: a graph from a link mustn't fetch anything else.
-    if (!/^[\w-]+\.(json|png|obj|gltf)$/.test(name)) return undefined;
+    // A graph from a link mustn't fetch anything else, and names of the reader's own files stay here.
+    if (!EXAMPLE_FILES.includes(name)) return undefined;
     const response = await fetch(new URL(`examples/${name}`, kApp));
     return response.ok ? response : undefined;
 }

@@ -1,11 +1,13 @@
 // The page: its wall, or one graph. The address tells which: #example=NAME or #graph=LINK.
 
-import { findExample, kTopics, pictureOf, type Example } from "./catalog";
-import { h, tell } from "./dom";
+import { findExample, pictureOf, type Example } from "./catalog";
+import { h, painted, tell } from "./dom";
 import type { Channel, GraphDocument } from "./engine";
-import { fromLink } from "./link";
+import { isSlow, kindOfFile, kTaken, requireSize, type Kind } from "./files";
+import { fromLink, titleFrom, toHash } from "./link";
 import { engine, giveFiles, loadExample } from "./load";
 import type { View } from "./session";
+import { startDialog, startOf } from "./start";
 import { graphOf, Studio, type Opened } from "./studio";
 import { wall } from "./wall";
 
@@ -47,10 +49,12 @@ function place(element: HTMLElement, title: string): void {
     document.title = title === "" ? "Fernwick shaders" : `${title} – Fernwick shaders`;
 }
 
+const choose = (files: readonly File[]) => void take(files, null);
+
 function showWall(message?: string): void {
     studio?.close();
     studio = undefined;
-    place(wall(), "");
+    place(wall(choose, start), "");
     scrollTo(0, wallPlace);
     if (message !== undefined)
         document.querySelector(".wall")!.prepend(h("p", { class: "notice", role: "alert" }, message));
@@ -80,15 +84,23 @@ async function open(opened: () => Promise<Opened>, title: string, picture?: stri
         const [ready, what] = await Promise.all([engine(), opened()]);
         await giveFiles(ready, what.document);
         if (mine !== turn) return;
-        studio = new Studio(ready, what);
+        studio = new Studio(ready, what, choose);
         place(studio.element, what.title);
     } catch (error) {
         if (mine === turn) showWall(error instanceof Error ? error.message : String(error));
     }
 }
 
-function openGraph(document: GraphDocument, title: string, view = kPlain): Promise<void> {
-    return open(async () => ({ title, document, view }), title);
+/** Opens a graph in an entry of its own in the browser's history: Back returns to what was there before. */
+async function openGraph(document: GraphDocument, name: string, view = kPlain): Promise<void> {
+    const title = titleFrom(name) || titleOf(document);
+    const [hash] = await Promise.all([
+        toHash({ graph: document, title, view: JSON.stringify(view) }),
+        studio?.keep(),
+    ]);
+    // What is too large for an address leads back to the wall.
+    history.pushState(null, "", hash ?? "#file");
+    await open(async () => ({ title, document, view }), title);
 }
 
 async function route(): Promise<void> {
@@ -112,8 +124,8 @@ async function route(): Promise<void> {
         );
     } else if (key === "graph") {
         await open(async () => {
-            const { graph, view } = await fromLink(value!);
-            return { title: titleOf(graph), document: graph, view: viewFrom(view) };
+            const { graph, view, title } = await fromLink(value!);
+            return { title: title ?? titleOf(graph), document: graph, view: viewFrom(view) };
         }, "A graph");
     } else {
         ++turn;
@@ -125,29 +137,83 @@ function titleOf(graph: GraphDocument): string {
     return graph.output.charAt(0).toUpperCase() + graph.output.slice(1) || "A graph";
 }
 
+/** An editor for what is no graph: a picture gets one of its own, a model the first of the cloths. */
+async function openFor(file: File): Promise<Studio> {
+    if (studio !== undefined) return studio;
+    const cloth = findExample("weave-rounded");
+    if (kindOfFile(file) === "model" && cloth !== undefined) {
+        history.pushState(null, "", `#example=${cloth.graph}`);
+        await route();
+    } else
+        await openGraph(
+            { shaders: { picture: { source: "picture", file: file.name } }, output: "picture" },
+            file.name,
+        );
+    if (studio === undefined) throw new Error(`There is no editor for ${file.name}.`);
+    return studio;
+}
+
+/** Takes what was dropped or chosen, graphs first, and tells what came of each file. */
 async function take(files: readonly File[], at: Element | null): Promise<void> {
-    for (const file of files)
+    const said: string[] = [];
+    const attempt = async (file: File, work: () => Promise<string>) => {
         try {
-            if (/\.json$/i.test(file.name)) {
-                const graph = graphOf(await file.text(), file.name);
-                await openGraph(graph, file.name.replace(/\.json$/i, ""));
-            } else {
-                if (studio === undefined) {
-                    const picture = {
-                        shaders: { picture: { source: "picture", file: file.name } },
-                        output: "picture",
-                    };
-                    const isModel = /\.(gltf|glb|obj)$/i.test(file.name);
-                    await openGraph(
-                        isModel ? await loadExample(kTopics[0]!.examples[0]!) : picture,
-                        file.name,
-                    );
-                }
-                await studio?.take(file, at);
+            requireSize(file);
+            if (isSlow(file)) {
+                tell(`Reading ${file.name} …`, 600_000);
+                await painted();
             }
+            said.push(await work());
         } catch (error) {
-            tell(error instanceof Error ? error.message : String(error));
+            said.push(error instanceof Error ? error.message : String(error));
         }
+    };
+    const ofKind = (kind: Kind) => files.filter((file) => kindOfFile(file) === kind);
+    const [graph, ...otherGraphs] = ofKind("graph");
+    const [model, ...otherModels] = ofKind("model");
+    if (graph !== undefined)
+        await attempt(graph, async () => {
+            const document = graphOf(await graph.text(), graph.name);
+            await openGraph(document, graph.name.replace(/\.json$/i, ""));
+            return files.length > 1 ? `${graph.name} is open.` : "";
+        });
+    let needed = new Set<string>();
+    if (model !== undefined)
+        await attempt(model, async () => {
+            const editor = await openFor(model);
+            const beside = files.filter((file) => ["part", "picture"].includes(kindOfFile(file)));
+            const taken = await editor.takeModel(model, beside);
+            needed = taken.needed;
+            return taken.said;
+        });
+    let before = 0;
+    let into: string | undefined;
+    for (const file of ofKind("picture").filter(({ name }) => !needed.has(name)))
+        await attempt(file, async () => {
+            const editor = await openFor(file);
+            into ??= editor.session.selected;
+            const place = at?.isConnected && before === 0 ? at : null;
+            const where = await editor.takePicture(file, place, into, before > 0);
+            ++before;
+            return where;
+        });
+    for (const { name } of otherGraphs) said.push(`${name} isn't open: one graph at a time.`);
+    for (const { name } of otherModels) said.push(`${name} wasn't taken: one model at a time.`);
+    for (const { name } of ofKind("part").filter((file) => !needed.has(file.name)))
+        said.push(`${name} belongs to no model that came with it.`);
+    const unknown = ofKind("unknown").map(({ name }) => name);
+    if (unknown.length > 0)
+        said.push(`${unknown.join(", ")}: of no kind that the page takes. It takes ${kTaken}.`);
+    tell(said.filter(Boolean).join(" "));
+}
+
+function start(): void {
+    const dialog = startDialog((from, name) => {
+        const { document, ground } = startOf(from, name);
+        void openGraph(document, name, { ...kPlain, ground });
+    });
+    document.body.append(dialog);
+    dialog.showModal();
 }
 
 window.addEventListener("hashchange", () => void route());

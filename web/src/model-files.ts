@@ -10,7 +10,7 @@ import {
     type PointLight,
     type SpotLight,
 } from "three";
-import { GLTFLoader } from "three/examples/jsm/loaders/GLTFLoader.js";
+import { GLTFLoader, type GLTFLoaderPlugin, type GLTFParser } from "three/examples/jsm/loaders/GLTFLoader.js";
 import { OBJLoader } from "three/examples/jsm/loaders/OBJLoader.js";
 import { mergeVertices, toCreasedNormals } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 import type { Engine, Mesh } from "./engine";
@@ -19,15 +19,96 @@ import { know, type Element } from "./models";
 const kLargestModel = 128 << 20; // bytes
 const kCrease = Math.PI / 3; // what is flatter is smooth, in a mesh without normals
 
-async function readModel(name: string, data: ArrayBuffer): Promise<Object3D> {
-    if (data.byteLength > kLargestModel) throw new Error(`${name} is larger than 128 MB.`);
+/** What a model names outside its own file, and those of it that aren't there. */
+export interface Named {
+    readonly files: Set<string>;
+    readonly missing: Set<string>;
+}
+
+class MissingPart extends Error {}
+
+interface GltfRoot {
+    buffers?: { uri?: unknown }[];
+    images?: { uri?: unknown }[];
+    textures?: unknown;
+    materials?: unknown;
+    meshes?: { primitives?: { material?: unknown }[] }[];
+}
+
+const isOutside = (uri: unknown): uri is string => typeof uri === "string" && !/^data:/i.test(uri);
+
+/** The last part of an address, as a file is called. */
+function fileNameOf(uri: string): string {
+    const last = uri.replace(/[?#].*$/, "").replace(/^.*[/\\]/, "");
     try {
-        if (/\.obj$/i.test(name)) {
-            return new OBJLoader().parse(new TextDecoder().decode(data));
-        }
-        return (await new GLTFLoader().parseAsync(data, "")).scene;
+        return decodeURIComponent(last);
     } catch {
-        throw new Error(`${name} is no OBJ, or no glTF that is complete in one file.`);
+        return last;
+    }
+}
+
+function short(text: string): string {
+    return text.length > 80 ? `${text.slice(0, 80)}…` : text;
+}
+
+/**
+ * Lets a glTF read its buffers from the files beside it, and nothing from anywhere else. Its materials and pictures
+ * aren't read at all: it gets the page's picture.
+ */
+function enclose(
+    name: string,
+    root: GltfRoot,
+    beside: readonly File[],
+    named: Named,
+    opened: string[],
+): void {
+    for (const buffer of root.buffers ?? []) {
+        const { uri } = buffer;
+        if (!isOutside(uri)) continue;
+        const file = beside.find((each) => each.name === fileNameOf(uri));
+        if (file === undefined)
+            throw new MissingPart(
+                /^([a-z][a-z0-9+.-]*:|[/\\]{2})/i.test(uri)
+                    ? `${name} needs ${short(uri)}, and the page fetches nothing from elsewhere.`
+                    : `${name} needs ${short(fileNameOf(uri))}: drop both together.`,
+            );
+        named.files.add(file.name);
+        opened.push(URL.createObjectURL(file));
+        buffer.uri = opened.at(-1);
+    }
+    for (const { uri } of root.images ?? []) {
+        if (!isOutside(uri)) continue;
+        const file = fileNameOf(uri);
+        (beside.some((each) => each.name === file) ? named.files : named.missing).add(file);
+    }
+    delete root.images;
+    delete root.textures;
+    delete root.materials;
+    for (const mesh of root.meshes ?? [])
+        for (const primitive of mesh.primitives ?? []) delete primitive.material;
+}
+
+async function readModel(
+    name: string,
+    data: ArrayBuffer,
+    beside: readonly File[],
+    named: Named,
+): Promise<Object3D> {
+    if (data.byteLength > kLargestModel) throw new Error(`${name} is larger than 128 MB.`);
+    const opened: string[] = [];
+    try {
+        if (/\.obj$/i.test(name)) return new OBJLoader().parse(new TextDecoder().decode(data));
+        const loader = new GLTFLoader();
+        loader.register((parser: GLTFParser): GLTFLoaderPlugin => {
+            enclose(name, parser.json as GltfRoot, beside, named, opened);
+            return { name: "enclosed" };
+        });
+        return (await loader.parseAsync(data, "")).scene;
+    } catch (error) {
+        if (error instanceof MissingPart) throw error;
+        throw new Error(`${name} is no OBJ, or no glTF that is complete.`);
+    } finally {
+        for (const address of opened) URL.revokeObjectURL(address);
     }
 }
 
@@ -67,9 +148,17 @@ function trianglesOf(mesh: ThreeMesh, scale: readonly number[] = [1, 1, 1]): Mes
     return { positions, normals, uvs, indices };
 }
 
-/** What a model is made of. Rejects with a sentence for the reader. */
-export async function openModel(name: string, data: ArrayBuffer): Promise<Object3D> {
-    const model = await readModel(name, data);
+/**
+ * What a model is made of. Rejects with a sentence for the reader.
+ * @param beside files that came with it; what it names of them goes into `named`
+ */
+export async function openModel(
+    name: string,
+    data: ArrayBuffer,
+    beside: readonly File[] = [],
+    named: Named = { files: new Set(), missing: new Set() },
+): Promise<Object3D> {
+    const model = await readModel(name, data, beside, named);
     model.updateMatrixWorld(true);
     let vertices = 0;
     const isObj = /\.obj$/i.test(name);

@@ -4,6 +4,7 @@ import { kForPixels } from "./dom";
 import type { Engine, GivenPicture } from "./engine";
 
 export const kPictureKinds = "image/png,image/jpeg,image/webp,image/avif,image/gif,image/bmp";
+export const kPictureNames = "PNG, JPEG, WebP, AVIF, GIF, BMP";
 
 const kLargestFile = 64 << 20; // bytes
 const kMostPixels = 64e6;
@@ -15,7 +16,7 @@ export async function decodePicture(blob: Blob, name: string): Promise<GivenPict
     try {
         bitmap = await createImageBitmap(blob, { premultiplyAlpha: "none", colorSpaceConversion: "none" });
     } catch {
-        throw new Error(`${name} is no picture that this browser can read.`);
+        throw new Error(`${name} is no picture that this browser can read. It takes ${kPictureNames}.`);
     }
     try {
         const { width, height } = bitmap;

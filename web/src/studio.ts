@@ -3,8 +3,9 @@
 import { h, icon, tell } from "./dom";
 import type { Engine, GraphDocument } from "./engine";
 import { Fields, iconButton } from "./fields";
-import { isGraph, shaderOf, slots, tableName } from "./graph";
-import { toLink } from "./link";
+import { openButton } from "./files";
+import { isGraph, shaderOf, slots, withField, withNewShader } from "./graph";
+import { toHash } from "./link";
 import { giveFiles, isOwn } from "./load";
 import { givePicture } from "./pictures";
 import { Session, type View } from "./session";
@@ -30,8 +31,15 @@ export class Studio {
     readonly #undo = iconButton("undo", "Undo", () => this.session.undo());
     readonly #redo = iconButton("redo", "Redo", () => this.session.redo());
     #linkTimer = 0;
+    #isInAddress = false;
+    #closed = false;
 
-    constructor(engine: Engine, { title, document, view, placeholder }: Opened) {
+    /** @param take takes files that were chosen */
+    constructor(
+        engine: Engine,
+        { title, document, view, placeholder }: Opened,
+        take: (files: readonly File[]) => void,
+    ) {
         this.#engine = engine;
         this.session = new Session(engine, title, document, view);
         this.stage = new Stage(this.session, placeholder);
@@ -62,6 +70,7 @@ export class Studio {
                     { class: "bar-tools" },
                     this.#undo,
                     this.#redo,
+                    openButton(take, true),
                     iconButton("link", "Copy a link to this graph", () => void this.#share()),
                     h(
                         "button",
@@ -80,59 +89,86 @@ export class Studio {
     }
 
     close(): void {
+        this.#closed = true;
         clearTimeout(this.#linkTimer);
         this.stage.close();
     }
 
-    /** Files that were dropped: at a place of the page, or anywhere. Rejects with a sentence for the reader. */
-    async take(file: File, at: Element | null): Promise<void> {
-        if (/\.(gltf|glb|obj)$/i.test(file.name)) {
-            const { openModel, wholeMesh } = await import("./model-files");
-            const mesh = wholeMesh(await openModel(file.name, await file.arrayBuffer()));
-            isOwn(file.name);
-            await this.stage.takeModel(file.name, mesh);
-            tell(`The picture lies on ${file.name} now.`);
-            return;
-        }
-        await givePicture(this.#engine, file);
+    /**
+     * Lays the picture on a model. Tells what came of it, and which of the files beside it it needs. Rejects with a
+     * sentence for the reader.
+     */
+    async takeModel(file: File, beside: readonly File[]): Promise<{ said: string; needed: Set<string> }> {
+        const { openModel, wholeMesh } = await import("./model-files");
+        const named = { files: new Set<string>(), missing: new Set<string>() };
+        const mesh = wholeMesh(await openModel(file.name, await file.arrayBuffer(), beside, named));
         isOwn(file.name);
-        this.#plugPicture(file.name, at);
+        await this.stage.takeModel(file.name, mesh);
+        const left = [...named.missing].slice(0, 3).join(", ");
+        const bare = mesh.uvs.length === 0 ? ` ${file.name} has no UV: it is seen in one colour.` : "";
+        return {
+            said: `The picture lies on ${file.name} now${left && `, without its own ${left}`}.${bare}`,
+            needed: named.files,
+        };
     }
 
-    #plugPicture(file: string, at: Element | null): void {
-        const { session } = this;
-        const fileField = session.tableOf("picture")!.fields.find((field) => field.type === "file")!;
-        const isPicture = (name: string) => shaderOf(session.document, name)?.source === "picture";
-        const slotName = (at?.closest("[data-slot]") as HTMLElement | null)?.dataset["slot"];
-        const shader = shaderOf(session.document, session.selected);
-        const table = shader && session.tableOf(tableName(shader));
-        const slot = table?.fields.find((field) => field.name === slotName);
-        // Where it was dropped, else where a picture already is, else in the first empty slot.
-        if (slot !== undefined) {
-            const added = session.plugNew(session.selected, slot, "picture");
-            if (added !== undefined) session.set(added, fileField, file);
-        } else {
-            const waiting = Object.entries(session.document.shaders).find(
-                ([name, each]) => isPicture(name) && each["file"] === file,
-            )?.[0];
-            const name =
-                waiting ??
-                (isPicture(session.selected)
-                    ? session.selected
-                    : Object.keys(session.document.shaders).find(isPicture));
-            const empty = shader && slots(shader, session.tableOf).find((each) => each.shader === null);
-            if (name !== undefined) session.set(name, fileField, file);
-            else if (empty !== undefined) {
-                const added = session.plugNew(session.selected, empty.field, "picture");
-                if (added !== undefined) session.set(added, fileField, file);
-            } else {
-                tell("Drop the picture onto a slot, or select a shader that has one.");
-                return;
-            }
-        }
-        void session.recheck();
+    /**
+     * Plugs a picture in, and tells where. Rejects with a sentence for the reader.
+     * @param at        what it was dropped on
+     * @param into      the shader that was selected then
+     * @param isAnother it came together with others, and mustn't take their place
+     */
+    async takePicture(file: File, at: Element | null, into: string, isAnother: boolean): Promise<string> {
+        await givePicture(this.#engine, file);
+        isOwn(file.name);
+        const said = this.#plugPicture(file.name, at, into, isAnother);
+        void this.session.recheck();
         this.stage.refresh();
-        tell(`${file} is in the graph.`);
+        return said;
+    }
+
+    /** In the slot that it was dropped on, else where a picture is wanted, else in place of a colour, else anywhere. */
+    #plugPicture(file: string, at: Element | null, into: string, isAnother: boolean): string {
+        const { session } = this;
+        const { document } = session;
+        const table = session.tableOf("picture")!;
+        const fileField = table.fields.find((field) => field.type === "file")!;
+        const sourceOf = (name: string) => shaderOf(document, name)?.source;
+        const replace = (name: string) => {
+            session.set(name, fileField, file);
+            session.select(name);
+            return `${file} is the picture of ${name}.`;
+        };
+        const slotName = at?.closest<HTMLElement>("[data-slot]")?.dataset["slot"];
+        const shader = shaderOf(document, into);
+        const all = shader === undefined ? [] : slots(shader, session.tableOf);
+        const plugged = (source: string) => {
+            // In the order of the graph: what its author thought of first is seen most.
+            const name = Object.keys(document.shaders).find(
+                (each) => sourceOf(each) === source && all.some((slot) => slot.shader === each),
+            );
+            return all.find((slot) => slot.shader !== null && slot.shader === name);
+        };
+        let slot = all.find((each) => each.field.name === slotName);
+        if (slot === undefined) {
+            if (sourceOf(into) === "picture" && !isAnother) return replace(into);
+            const waiting = Object.keys(document.shaders).find(
+                (name) => sourceOf(name) === "picture" && document.shaders[name]!["file"] === file,
+            );
+            if (waiting !== undefined) return `${file} is the picture of ${waiting}.`;
+            slot = plugged("color");
+            const other = slot === undefined && !isAnother ? plugged("picture") : undefined;
+            if (other !== undefined) return replace(other.shader!);
+            slot ??= all.find((each) => each.shader === null);
+        }
+        if (slot === undefined)
+            throw new Error(
+                `There is no place for ${file}: drop it on a slot, or select a shader that has one.`,
+            );
+        const { document: wider, added } = withNewShader(document, into, slot.field, table);
+        session.edit(withField(wider, added, fileField, file));
+        session.select(added);
+        return `${file} is plugged into ${slot.field.label} of ${into}.`;
     }
 
     #changed(): void {
@@ -140,19 +176,31 @@ export class Studio {
         this.#redo.disabled = !this.session.canRedo;
         void giveFiles(this.#engine, this.session.document).catch((error: Error) => tell(error.message));
         clearTimeout(this.#linkTimer);
-        if (this.session.changed) this.#linkTimer = window.setTimeout(() => void this.#address(), 500);
+        if (this.session.changed || this.#isInAddress)
+            this.#linkTimer = window.setTimeout(() => void this.keep(), 500);
     }
 
-    /** The graph goes into the address, so that it outlives a reload. */
-    async #address(): Promise<string> {
-        const hash = `#graph=${await toLink({ graph: this.session.document, view: JSON.stringify(this.session.view) })}`;
-        if (this.session.changed) history.replaceState(null, "", hash);
+    /** A changed graph goes into the address, so that it outlives a reload. */
+    async keep(): Promise<void> {
+        if (this.session.changed || this.#isInAddress) await this.#intoAddress();
+    }
+
+    /** The link; nothing where the graph is too large for one. */
+    async #intoAddress(): Promise<string | undefined> {
+        const { document: graph, title, view } = this.session;
+        const hash = await toHash({ graph, title, view: JSON.stringify(view) });
+        if (hash === undefined || this.#closed) return undefined;
+        history.replaceState(null, "", hash);
+        this.#isInAddress = true;
         return new URL(hash, location.href).href;
     }
 
     async #share(): Promise<void> {
-        const link = await this.#address();
-        history.replaceState(null, "", link);
+        const link = await this.#intoAddress();
+        if (link === undefined) {
+            tell("The graph is too large for a link. Take saves it as a file.");
+            return;
+        }
         await navigator.clipboard.writeText(link).then(
             () => tell("The link is copied. It holds the whole graph."),
             () => tell("The link is in the address bar. It holds the whole graph."),

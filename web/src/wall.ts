@@ -1,7 +1,8 @@
 // All examples on one wall.
 
 import { kTopics, pictureOf, type Example } from "./catalog";
-import { h } from "./dom";
+import { h, icon } from "./dom";
+import { openButton } from "./files";
 
 function card(example: Example): HTMLElement {
     return h(
@@ -27,14 +28,18 @@ function card(example: Example): HTMLElement {
     );
 }
 
-export function wall(): HTMLElement {
+/**
+ * @param take  takes files that were chosen
+ * @param start asks for the class of a new graph
+ */
+export function wall(take: (files: readonly File[]) => void, start: () => void): HTMLElement {
     const search = h("input", {
         type: "search",
         placeholder: "Weave, Fresnel, cloth …",
         "aria-label": "Find examples",
         spellcheck: "false",
     });
-    const none = h("p", { class: "none", hidden: true }, "No example is called so.");
+    const none = h("p", { class: "none", hidden: true }, "No example has this name.");
     const sections = kTopics.map((topic) => {
         const id = `topic-${topic.topic.toLowerCase().replaceAll(" ", "-")}`;
         return h(
@@ -74,6 +79,8 @@ export function wall(): HTMLElement {
                 "div",
                 { class: "wall-tools" },
                 search,
+                h("button", { type: "button", title: "A new graph", onclick: start }, icon("plus"), "New"),
+                openButton(take),
                 h("a", { href: "guide/docs/start.html" }, "Start here"),
                 h("a", { href: "guide/docs/reference/index.html" }, "Reference"),
             ),
@@ -86,7 +93,7 @@ export function wall(): HTMLElement {
             h(
                 "p",
                 {},
-                "A graph or a picture of your own? Drop it anywhere. Nothing that you drop leaves this computer.",
+                "Graphs, pictures or models of your own? Drop them anywhere, or choose them with Open. Nothing of them leaves this computer.",
             ),
         ),
     );

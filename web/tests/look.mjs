@@ -22,6 +22,8 @@ const shots = {
     sphere: ["#example=weave-yarn", {}],
     leaves: ["#example=mix-hundred", {}],
     take: ["#example=drip-two-ripples", {}],
+    new: ["", {}],
+    "new-phone-dark": ["", { ...phone, dark: true }],
 };
 for (const [name, [hash, options]] of Object.entries(shots)) {
     if (wanted.length > 0 && !wanted.includes(name)) continue;
@@ -35,6 +37,10 @@ for (const [name, [hash, options]] of Object.entries(shots)) {
         await new Promise((done) => setTimeout(done, 1000));
     }
     if (name === "take") await page.click(".bar .main");
+    if (name.startsWith("new")) {
+        await page.click('button[title="A new graph"]');
+        await page.waitForSelector(".starts button");
+    }
     await new Promise((done) => setTimeout(done, 300));
     await page.screenshot({ path: join(folder, `${name}.png`) });
     console.log(name, page.faults.join("; "));

@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { execFile } from "node:child_process";
-import { mkdirSync, readFileSync, readdirSync } from "node:fs";
+import { mkdirSync, readFileSync, readdirSync, writeFileSync } from "node:fs";
 import { availableParallelism, loadavg } from "node:os";
 import { join } from "node:path";
 import { promisify } from "node:util";
@@ -384,25 +384,26 @@ test("hostile links and graphs get a message at their place, never a blank page"
     });
 });
 
-/** Drops a file that is made in the page. */
-function drop(page, name, bytes, selector = "body") {
+/** Drops files that are made in the page: by their names, what they hold. */
+function dropAll(page, files, selector = "body") {
     return page.evaluate(
-        (name, text, selector) => {
+        (files, selector) => {
             const transfer = new DataTransfer();
-            transfer.items.add(
-                new File([Uint8Array.from(atob(text), (letter) => letter.charCodeAt(0))], name),
-            );
+            for (const [name, text] of files)
+                transfer.items.add(
+                    new File([Uint8Array.from(atob(text), (letter) => letter.charCodeAt(0))], name),
+                );
             document
                 .querySelector(selector)
                 .dispatchEvent(
                     new DragEvent("drop", { dataTransfer: transfer, bubbles: true, cancelable: true }),
                 );
         },
-        name,
-        Buffer.from(bytes).toString("base64"),
+        Object.entries(files).map(([name, bytes]) => [name, Buffer.from(bytes).toString("base64")]),
         selector,
     );
 }
+const drop = (page, name, bytes, selector) => dropAll(page, { [name]: bytes }, selector);
 
 const told = (page, pattern) =>
     page.waitForFunction(
@@ -428,7 +429,7 @@ test("pictures, models and graphs can be dropped; what is none gets a message", 
             '[data-slot="fGapSubShader"]',
         );
         await waitForPicture(page, before);
-        await told(page, /mine\.png is in the graph/);
+        await told(page, /mine\.png is plugged into Gaps of cloth/);
         await drop(page, "vase.obj", readFileSync(join(kRoot, "examples/vase.obj")));
         await page.waitForSelector('.grounds input[value="model"]:checked');
         await settled(page);
@@ -437,6 +438,192 @@ test("pictures, models and graphs can be dropped; what is none gets a message", 
             () => document.querySelector(".studio:not(.waiting) h1")?.textContent === "wheel",
         );
         await settled(page);
+    });
+});
+
+const titled = (page, title) =>
+    page.waitForFunction(
+        (title) => document.querySelector(".studio:not(.waiting) h1")?.textContent === title,
+        {},
+        title,
+    );
+
+test("a graph that is opened gets a place in the history, and a title that links keep", async () => {
+    const wheel = readFileSync(join(kRoot, "examples/spoke-fades.json"));
+    await withPage({}, async (page) => {
+        await openGraph(page, `${server.address}#example=weave-basic`);
+        await page.click('[data-field="fMask"] input');
+        await drop(page, "My wheel.json", wheel);
+        await titled(page, "My wheel");
+        await page.reload();
+        await titled(page, "My wheel");
+        await page.goBack();
+        await titled(page, "Basic cloth");
+        assert.ok(await page.$eval('[data-field="fMask"] input', (input) => input.checked));
+        await page.goForward();
+        await titled(page, "My wheel");
+
+        await openGraph(page, link({ graph: kCloth, title: `<b>bold</b>\n${"long ".repeat(100)}` }));
+        const title = await page.$eval(".bar h1", (title) => title.textContent);
+        assert.match(title, /^<b>bold<\/b> long /);
+        assert.ok(title.length <= 80);
+        await openGraph(page, link({ graph: kCloth }));
+        assert.equal(await page.$eval(".bar h1", (title) => title.textContent), "Cloth");
+    });
+});
+
+test("Open takes files of all kinds without a pointer, and tells what it took and what not", async () => {
+    const file = (name, bytes) => {
+        const path = join(kOut, name);
+        writeFileSync(path, bytes);
+        return path;
+    };
+    const files = [
+        file("notes.txt", "text"),
+        file("logo.svg", '<svg xmlns="http://www.w3.org/2000/svg"/>'),
+        file("weft.png", readFileSync(join(kRoot, "examples/yarn.png"))),
+        file("cloth.json", JSON.stringify(kCloth)),
+        file("second.json", JSON.stringify(kCloth)),
+    ];
+    const choose = async (page, place, chosen) => {
+        await page.focus(`${place} .open-files button`);
+        const [chooser] = await Promise.all([page.waitForFileChooser(), page.keyboard.press("Enter")]);
+        await chooser.accept(chosen);
+    };
+    await withPage({ width: 390, height: 844, phone: true }, async (page) => {
+        await page.goto(server.address);
+        await choose(page, ".wall", files);
+        await told(page, /second\.json isn't open: one graph at a time/);
+        const text = await page.$eval("#told", (place) => place.textContent);
+        for (const part of [
+            /^cloth\.json is open\./,
+            /weft\.png is plugged into Warp 1 of cloth/,
+            /logo\.svg is no picture .*PNG, JPEG, WebP/,
+            /notes\.txt: of no kind that the page takes/,
+        ])
+            assert.match(text, part);
+        await choose(page, ".bar", [
+            file("wide.json", JSON.stringify({ ...kCloth, large: "x".repeat(5 << 20) })),
+        ]);
+        await told(page, /wide\.json is larger than 4 MiB/);
+        await choose(page, ".bar", [
+            file("wheel.json", readFileSync(join(kRoot, "examples/spoke-fades.json"))),
+        ]);
+        await titled(page, "wheel");
+    });
+});
+
+test("a dropped picture goes where it is seen: a slot, what waits for it, a colour, an empty slot", async () => {
+    const yarn = readFileSync(join(kRoot, "examples/yarn.png"));
+    const selected = (page) => page.$eval(".fields h2", (title) => title.textContent);
+    await withPage({}, async (page) => {
+        await openGraph(page, `${server.address}#example=weave-basic`);
+        let before = await pictureOf(page);
+        await drop(page, "pic.png", yarn);
+        await told(page, /^pic\.png is plugged into Warp 1 of cloth\.$/);
+        await waitForPicture(page, before);
+        assert.equal(await selected(page), "picture");
+        before = await pictureOf(page);
+        await drop(page, "other.png", readFileSync(join(kRoot, "examples/backdrop.png")));
+        await told(page, /^other\.png is the picture of picture\.$/);
+        await waitForPicture(page, before);
+        // After a reload the graph waits for its picture, and nobody is asked for it.
+        await page.waitForFunction(() => location.hash.startsWith("#graph="));
+        await new Promise((done) => setTimeout(done, 700));
+        await page.reload();
+        await page.waitForSelector(".stage-fault:not([hidden])");
+        await drop(page, "other.png", yarn);
+        await told(page, /^other\.png is the picture of picture\.$/);
+        await settled(page);
+        assert.deepEqual(
+            server.asked.filter((path) => path.endsWith("other.png")),
+            [],
+        );
+        await openGraph(page, link({ graph: { shaders: { grey: { class: "Gray" } }, output: "grey" } }));
+        await drop(page, "pic.png", yarn);
+        await told(page, /plugged into Shader of grey/);
+        await settled(page);
+    });
+});
+
+test("a model reads what was dropped with it, and nothing that it names is asked for", async () => {
+    const corners = Buffer.from(new Float32Array([0, 0, 0, 1, 0, 0, 0, 1, 0]).buffer);
+    const model = (uri) =>
+        JSON.stringify({
+            asset: { version: "2.0" },
+            scenes: [{ nodes: [0] }],
+            nodes: [{ mesh: 0 }],
+            meshes: [{ primitives: [{ attributes: { POSITION: 0 }, material: 0 }] }],
+            materials: [{ pbrMetallicRoughness: { baseColorTexture: { index: 0 } } }],
+            textures: [{ source: 0 }],
+            images: [{ uri: "secret-wood.png" }],
+            accessors: [
+                {
+                    bufferView: 0,
+                    componentType: 5126,
+                    count: 3,
+                    type: "VEC3",
+                    min: [0, 0, 0],
+                    max: [1, 1, 0],
+                },
+            ],
+            bufferViews: [{ buffer: 0, byteLength: 36 }],
+            buffers: [{ byteLength: 36, uri }],
+        });
+    await withPage({}, async (page) => {
+        await openGraph(page, `${server.address}#example=weave-basic`);
+        await drop(page, "tri.gltf", model("secret-tri.bin"));
+        await told(page, /^tri\.gltf needs secret-tri\.bin: drop both together\.$/);
+        await drop(page, "tri.gltf", model(`${server.address}secret-tri.bin`));
+        await told(page, /^tri\.gltf needs http.*secret-tri\.bin, and the page fetches nothing/);
+        await drop(page, "tri.gltf", model("https://example.org/secret-tri.bin"));
+        await told(page, /^tri\.gltf needs https:.*secret-tri\.bin, and the page fetches nothing/);
+        await dropAll(page, { "secret-tri.bin": corners, "tri.gltf": model("./parts/secret-tri.bin") });
+        await told(page, /^The picture lies on tri\.gltf now, without its own secret-wood\.png\./);
+        await page.waitForSelector('.grounds input[value="model"]:checked');
+        await settled(page);
+        assert.deepEqual(
+            server.asked.filter((path) => path.includes("secret")),
+            [],
+        );
+    });
+});
+
+test("New begins a graph of any class, also before the engine is there", async () => {
+    await withPage({}, async (page) => {
+        await page.goto(server.address);
+        const begin = async () => {
+            await page.click('button[title="A new graph"]');
+            await page.waitForSelector(".starts button");
+            return page.$$eval(".starts strong", (names) => names.map((name) => name.textContent));
+        };
+        const classes = await begin();
+        assert.equal(classes.length, 19);
+        await page.keyboard.press("Escape");
+        for (const name of classes) {
+            await begin();
+            await page.evaluate(
+                (name) =>
+                    [...document.querySelectorAll(".starts button")]
+                        .find((button) => button.querySelector("strong").textContent === name)
+                        .click(),
+                name,
+            );
+            await titled(page, name);
+            await settled(page);
+            assert.equal(await page.$eval(".fields h2", (title) => title.textContent), name.toLowerCase());
+            assert.equal(
+                await page.$eval(".stage-fault", (fault) => (fault.hidden ? "" : fault.textContent)),
+                "",
+            );
+            if (await page.$('.grounds input[value="scene"]:checked')) {
+                const { pixels } = await pictureOf(page);
+                const colors = new Set(new Uint32Array(pixels.buffer, pixels.byteOffset, pixels.length / 4));
+                assert.ok(colors.size > 20, `${name}: ${colors.size} colours`);
+            }
+            await page.goBack();
+            await page.waitForSelector(".wall");
+        }
     });
 });
 
