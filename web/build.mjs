@@ -121,7 +121,7 @@ const shared = {
 };
 await esbuild.build({
     ...shared,
-    entryPoints: ["src/main.ts", "src/live.ts"],
+    entryPoints: ["src/main.ts", "src/live.ts", "src/model-worker.ts"],
     outdir: app,
     splitting: true,
     chunkNames: "part-[hash]",

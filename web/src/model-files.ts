@@ -190,7 +190,7 @@ export function wholeMesh(model: Object3D): Mesh {
     const whole = {
         positions: new Float32Array(3 * vertices),
         normals: new Float32Array(3 * vertices),
-        uvs: new Float32Array(2 * vertices),
+        uvs: new Float32Array(parts.some(({ uvs }) => uvs.length > 0) ? 2 * vertices : 0),
         indices: new Uint32Array(total((part) => part.indices.length)),
     };
     let vertex = 0;
@@ -198,7 +198,7 @@ export function wholeMesh(model: Object3D): Mesh {
     for (const part of parts) {
         whole.positions.set(part.positions, 3 * vertex);
         whole.normals.set(part.normals, 3 * vertex);
-        whole.uvs.set(part.uvs, 2 * vertex);
+        if (part.uvs.length > 0) whole.uvs.set(part.uvs, 2 * vertex);
         whole.indices.set(
             part.indices.map((each) => each + vertex),
             index,

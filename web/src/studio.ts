@@ -7,6 +7,7 @@ import { openButton } from "./files";
 import { isGraph, shaderOf, slots, withField, withNewShader } from "./graph";
 import { toHash } from "./link";
 import { giveFiles, isOwn } from "./load";
+import { readModel } from "./model-reader";
 import { givePicture } from "./pictures";
 import { Session, type View } from "./session";
 import { Stage } from "./stage";
@@ -99,16 +100,15 @@ export class Studio {
      * sentence for the reader.
      */
     async takeModel(file: File, beside: readonly File[]): Promise<{ said: string; needed: Set<string> }> {
-        const { openModel, wholeMesh } = await import("./model-files");
-        const named = { files: new Set<string>(), missing: new Set<string>() };
-        const mesh = wholeMesh(await openModel(file.name, await file.arrayBuffer(), beside, named));
+        const { mesh, needed, missing } = await readModel(file, beside);
+        if (this.#closed) return { said: "", needed };
         isOwn(file.name);
         await this.stage.takeModel(file.name, mesh);
-        const left = [...named.missing].slice(0, 3).join(", ");
+        const left = missing.slice(0, 3).join(", ");
         const bare = mesh.uvs.length === 0 ? ` ${file.name} has no UV: it is seen in one colour.` : "";
         return {
             said: `The picture lies on ${file.name} now${left && `, without its own ${left}`}.${bare}`,
-            needed: named.files,
+            needed,
         };
     }
 
