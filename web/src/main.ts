@@ -91,16 +91,23 @@ async function open(opened: () => Promise<Opened>, title: string, picture?: stri
     }
 }
 
-/** Opens a graph in an entry of its own in the browser's history: Back returns to what was there before. */
-async function openGraph(document: GraphDocument, name: string, view = kPlain): Promise<void> {
+/**
+ * Opens a graph in an entry of its own in the browser's history: Back returns to what was there before. Tells whether
+ * the address holds it, which a reload needs.
+ */
+async function openGraph(document: GraphDocument, name: string, view = kPlain): Promise<boolean> {
+    const mine = ++turn;
     const title = titleFrom(name) || titleOf(document);
     const [hash] = await Promise.all([
         toHash({ graph: document, title, view: JSON.stringify(view) }),
         studio?.keep(),
     ]);
-    // What is too large for an address leads back to the wall.
-    history.pushState(null, "", hash ?? "#file");
-    await open(async () => ({ title, document, view }), title);
+    if (mine === turn) {
+        // What is too large for an address leads back to the wall.
+        history.pushState(null, "", hash ?? "#file");
+        await open(async () => ({ title, document, view }), title);
+    }
+    return hash !== undefined;
 }
 
 async function route(): Promise<void> {
@@ -155,6 +162,7 @@ async function openFor(file: File): Promise<Studio> {
 
 /** Takes what was dropped or chosen, graphs first, and tells what came of each file. */
 async function take(files: readonly File[], at: Element | null): Promise<void> {
+    if (files.length === 0) return;
     const said: string[] = [];
     const attempt = async (file: File, work: () => Promise<string>) => {
         try {
@@ -174,7 +182,8 @@ async function take(files: readonly File[], at: Element | null): Promise<void> {
     if (graph !== undefined)
         await attempt(graph, async () => {
             const document = graphOf(await graph.text(), graph.name);
-            await openGraph(document, graph.name.replace(/\.json$/i, ""));
+            if (!(await openGraph(document, graph.name.replace(/\.json$/i, ""))))
+                return `${graph.name} is too large for an address: after a reload it is gone.`;
             return files.length > 1 ? `${graph.name} is open.` : "";
         });
     let needed = new Set<string>();
@@ -202,15 +211,22 @@ async function take(files: readonly File[], at: Element | null): Promise<void> {
     for (const { name } of ofKind("part").filter((file) => !needed.has(file.name)))
         said.push(`${name} belongs to no model that came with it.`);
     const unknown = ofKind("unknown").map(({ name }) => name);
+    const more = unknown.length > 3 ? ` and ${unknown.length - 3} more` : "";
     if (unknown.length > 0)
-        said.push(`${unknown.join(", ")}: of no kind that the page takes. It takes ${kTaken}.`);
+        said.push(
+            `${unknown.slice(0, 3).join(", ")}${more}: of no kind that the page takes. It takes ${kTaken}.`,
+        );
     tell(said.filter(Boolean).join(" "));
 }
 
 function start(): void {
     const dialog = startDialog((from, name) => {
         const { document, ground } = startOf(from, name);
-        void openGraph(document, name, { ...kPlain, ground });
+        const isEmpty = ground === "square" && from.table(name)?.fields.some(({ type }) => type === "shader");
+        void openGraph(document, name, { ...kPlain, ground }).then(
+            () =>
+                isEmpty && tell(`The slots of ${document.output} are empty: plug in what it shall work on.`),
+        );
     });
     document.body.append(dialog);
     dialog.showModal();

@@ -153,7 +153,7 @@ export class Studio {
         if (slot === undefined) {
             if (sourceOf(into) === "picture" && !isAnother) return replace(into);
             const waiting = Object.keys(document.shaders).find(
-                (name) => sourceOf(name) === "picture" && document.shaders[name]!["file"] === file,
+                (name) => sourceOf(name) === "picture" && shaderOf(document, name)!["file"] === file,
             );
             if (waiting !== undefined) return `${file} is the picture of ${waiting}.`;
             slot = plugged("color");
