@@ -18,7 +18,7 @@ const kStarts: { [name: string]: { fields?: { [field: string]: unknown }; on: Sh
     Lit: { on: "sphere", fields: { fLightName: "Lamp", fAngleRange: [0, 1.5708] } },
     Translucent: {
         on: "sphere",
-        fields: { fCameraName: "Camera", fLightName: "Lamp", fAngleRange: [0, 3.1416] },
+        fields: { fCameraName: "Camera", fLightName: "Lamp", fAngleRange: [0.8, 1.7] },
     },
     Curvature: { on: "torus", fields: { fObjectName: "Camera", fSurfaceName: "Shape" } },
 };
