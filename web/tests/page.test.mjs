@@ -487,11 +487,13 @@ test("Open takes files of all kinds without a pointer, and tells what it took an
     ];
     const choose = async (page, place, chosen) => {
         await page.focus(`${place} .open-files button`);
-        const [chooser] = await Promise.all([page.waitForFileChooser(), page.keyboard.press("Enter")]);
-        await chooser.accept(chosen);
+        const opened = page.waitForFileChooser();
+        await new Promise((done) => setTimeout(done, 300)); // until the browser knows that it is waited for
+        await page.keyboard.press("Enter");
+        await (await opened).accept(chosen);
     };
     await withPage({ width: 390, height: 844, phone: true }, async (page) => {
-        await page.goto(server.address);
+        await page.goto(server.address, { waitUntil: "networkidle2" });
         await choose(page, ".wall", files);
         await told(page, /second\.json isn't open: one graph at a time/);
         const text = await page.$eval("#told", (place) => place.textContent);
