@@ -62,7 +62,13 @@ export class Studio {
                 { class: "bar" },
                 h(
                     "a",
-                    { href: "#", class: "icon-button", "aria-label": "All examples", title: "All examples" },
+                    {
+                        href: "#",
+                        class: "icon-button",
+                        "aria-label": "All examples",
+                        title: "All examples",
+                        onclick: (event: MouseEvent) => void this.#leave(event),
+                    },
                     icon("back"),
                 ),
                 h("h1", {}, title),
@@ -75,9 +81,14 @@ export class Studio {
                     iconButton("link", "Copy a link to this graph", () => void this.#share()),
                     h(
                         "button",
-                        { type: "button", class: "main", "aria-label": "Take", onclick: () => this.#take() },
+                        {
+                            type: "button",
+                            class: "main",
+                            "aria-label": "Download",
+                            onclick: () => this.#take(),
+                        },
                         icon("download"),
-                        h("span", {}, "Take"),
+                        h("span", {}, "Download"),
                     ),
                 ),
             ),
@@ -172,8 +183,9 @@ export class Studio {
     }
 
     #changed(): void {
-        this.#undo.disabled = !this.session.canUndo;
-        this.#redo.disabled = !this.session.canRedo;
+        // Not disabled, which would take the focus from who undoes by the keyboard.
+        this.#undo.ariaDisabled = String(!this.session.canUndo);
+        this.#redo.ariaDisabled = String(!this.session.canRedo);
         void giveFiles(this.#engine, this.session.document).catch((error: Error) => tell(error.message));
         clearTimeout(this.#linkTimer);
         if (this.session.changed || this.#isInAddress)
@@ -183,6 +195,14 @@ export class Studio {
     /** A changed graph goes into the address, so that it outlives a reload. */
     async keep(): Promise<void> {
         if (this.session.changed || this.#isInAddress) await this.#intoAddress();
+    }
+
+    /** To the wall, with the last edit in the address that Back returns to. */
+    async #leave(event: MouseEvent): Promise<void> {
+        if (event.ctrlKey || event.metaKey || event.shiftKey) return;
+        event.preventDefault();
+        await this.keep();
+        location.hash = "";
     }
 
     /** The link; nothing where the graph is too large for one. */
@@ -198,7 +218,7 @@ export class Studio {
     async #share(): Promise<void> {
         const link = await this.#intoAddress();
         if (link === undefined) {
-            tell("The graph is too large for a link. Take saves it as a file.");
+            tell("The graph is too large for a link. Download saves it as a file.");
             return;
         }
         await navigator.clipboard.writeText(link).then(

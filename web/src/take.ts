@@ -105,7 +105,7 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
             { method: "dialog" },
             h("button", { class: "icon-button close", "aria-label": "Close" }, icon("close")),
         ),
-        h("h2", { id: "take-title" }, "Take it with you"),
+        h("h2", { id: "take-title" }, "Download"),
         h("div", { class: "take-row" }, size, samples),
         h(
             "div",

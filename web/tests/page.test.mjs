@@ -265,7 +265,7 @@ test("a shader gets another name, becomes the picture, and is turned into anothe
     });
 });
 
-test("links bring back the graph and the view; Take's command makes the same picture", async () => {
+test("links bring back the graph and the view; the command of Download makes the same picture", async () => {
     await withPage({}, async (page) => {
         const graph = structuredClone(kCloth);
         graph.shaders.cloth.fRepeatU = 9;

@@ -2,6 +2,7 @@
 
 import { h, icon, tell } from "../dom";
 import type { Field } from "../engine";
+import { isOwn } from "../load";
 import { givePicture, kPictureKinds } from "../pictures";
 import type { Session } from "../session";
 import type { Control } from "./control";
@@ -26,7 +27,10 @@ export function fileControl(session: Session, name: string, field: Field, label:
         input.value = "";
         if (file !== undefined)
             givePicture(session.engine, file).then(
-                () => session.set(name, field, file.name),
+                () => {
+                    isOwn(file.name);
+                    session.set(name, field, file.name);
+                },
                 (error: Error) => tell(error.message),
             );
     });
