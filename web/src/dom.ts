@@ -65,7 +65,12 @@ export function tell(message: string, milliseconds = Math.max(4000, 70 * message
     place.textContent = message;
     place.classList.add("shown");
     clearTimeout(Number(place.dataset["timer"]));
-    place.dataset["timer"] = String(setTimeout(() => place.classList.remove("shown"), milliseconds));
+    const after = (wait: number, work: () => void) =>
+        (place.dataset["timer"] = String(setTimeout(work, wait)));
+    after(milliseconds, () => {
+        place.classList.remove("shown");
+        after(300, () => place.replaceChildren()); // once it has faded
+    });
 }
 
 /** Resolves when what was told is on the screen, so that work may hold the page up. */

@@ -13,6 +13,9 @@ import type { Field, FieldValue } from "./engine";
 import { given, isKeyed, pointerTo, shaderOf, tableName, tokens, valueAt, type Shader } from "./graph";
 import type { Session } from "./session";
 
+const kKeyHint =
+    "A diamond is a key: the value at the frame that is shown. It is filled at a key, and green where the field has keys.";
+
 /** Fields that stand together: the elements of an array, the members of a record, or one field alone. */
 interface Group {
     title: string;
@@ -152,6 +155,8 @@ export class Fields {
         this.#info.textContent = kHint;
         if (isOther) this.element.scrollTop = 0;
         this.#refresh();
+        if (focused?.matches(".shader-name") && !focused.isConnected)
+            this.element.querySelector<HTMLElement>(".shader-name")?.focus({ preventScroll: true });
         if (focusedField !== undefined) {
             const row = this.#entries.find(({ field }) => field.name === focusedField)?.row;
             const label = focused!.getAttribute("aria-label");
@@ -357,6 +362,10 @@ export class Fields {
     }
 
     #explain(target: Element): void {
+        if (target.closest(".key")) {
+            this.#info.textContent = kKeyHint;
+            return;
+        }
         const address = (target.closest("[data-field]") as HTMLElement | null)?.dataset["field"];
         const field = this.#entries.find((entry) => entry.field.name === address)?.field;
         if (field === undefined) {

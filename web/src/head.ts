@@ -25,8 +25,7 @@ function nameEntry(session: Session, name: string): HTMLInputElement {
         } else session.rename(name, wanted);
     });
     entry.addEventListener("keydown", (event) => {
-        if (event.key === "Enter") entry.blur();
-        else if (event.key === "Escape") entry.value = name;
+        if (event.key === "Escape") entry.value = name;
     });
     return entry;
 }

@@ -6,7 +6,7 @@ import type { Channel, GraphDocument } from "./engine";
 import { isSlow, kindOfFile, kTaken, requireSize, type Kind } from "./files";
 import { fromLink, titleFrom, toHash } from "./link";
 import { engine, giveFiles, loadExample } from "./load";
-import type { View } from "./session";
+import { kMostFrames, type View } from "./session";
 import { startDialog, startOf } from "./start";
 import { graphOf, Studio, type Opened } from "./studio";
 import { wall } from "./wall";
@@ -31,13 +31,14 @@ function viewOf(example: Example): View {
 /** Only what a view may hold, of what came in a link. */
 function viewFrom(text: string | undefined): View {
     try {
-        const { ground, channel, size, camera, over } = JSON.parse(text ?? "{}") as Partial<View>;
+        const { ground, channel, size, camera, over, last } = JSON.parse(text ?? "{}") as Partial<View>;
         return {
             ground: ground && ["square", "scene", "sphere", "torus"].includes(ground) ? ground : "square",
             channel: typeof channel === "string" ? (channel as Channel) : "color",
             size: size && [256, 512, 1024, 2048].includes(size) ? size : kSize,
             ...(typeof camera === "string" ? { camera } : {}),
             ...(over === "checker" ? { over } : {}),
+            ...(Number.isInteger(last) && last! >= 1 && last! <= kMostFrames ? { last: last! } : {}),
         };
     } catch {
         return kPlain;
@@ -255,9 +256,12 @@ window.addEventListener("keydown", (event) => {
     const key = event.key.toLowerCase();
     if ((key !== "z" && key !== "y") || isText) return;
     event.preventDefault();
-    (event.target as HTMLElement).blur?.();
+    // What is being typed would stay as it is; the fields give the focus back where they are made anew.
+    const entry = event.target instanceof HTMLInputElement && event.target.type === "text" && event.target;
+    if (entry) entry.blur();
     if (key === "y" || event.shiftKey) studio.session.redo();
     else studio.session.undo();
+    if (entry && entry.isConnected) entry.focus({ preventScroll: true });
 });
 // Keeping all files for later mustn't hold up the first picture.
 if ("serviceWorker" in navigator)

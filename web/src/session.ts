@@ -43,10 +43,13 @@ export interface View {
     camera?: string;
     /** A source under the colour, such as "checker". */
     over?: string;
+    /** The last frame to choose from, where keys may come; those of the keys alone if missing. */
+    last?: number;
 }
 
 /** Frames of a graph that is about to get its first keys. */
 const kFrames = 24;
+export const kMostFrames = 9999;
 
 type Told = "document" | "selection" | "view" | "frame" | "frames" | "check";
 
@@ -64,7 +67,6 @@ export class Session extends EventTarget {
     problem: Problem | undefined;
     #history: History<GraphDocument>;
     #keyed: Frames | undefined;
-    #wantedLast: number | undefined;
     #checking = false;
     #unchecked = false;
     #isRefused = false;
@@ -88,9 +90,9 @@ export class Session extends EventTarget {
     }
     /** To choose from: those of the keys, and those where the reader wants to set some. */
     get frames(): Frames | undefined {
-        if (this.#wantedLast === undefined) return this.#keyed;
+        if (this.view.last === undefined) return this.#keyed;
         const { first, last } = this.#keyed ?? { first: 1, last: 1 };
-        return { first: Math.min(first, 1), last: Math.max(last, this.#wantedLast) };
+        return { first: Math.min(first, 1), last: Math.max(last, this.view.last) };
     }
     get canUndo(): boolean {
         return this.#history.canUndo;
@@ -193,7 +195,7 @@ export class Session extends EventTarget {
 
     /** Offers frames up to a last one, so that keys can be set there. */
     animate(last = kFrames): void {
-        this.#wantedLast = last;
+        this.view = { ...this.view, last };
         this.#tell("frames");
         const { first, last: end } = this.frames!;
         this.goTo(Math.min(Math.max(this.frame, first), end));

@@ -4,7 +4,7 @@ import { h, icon, kForPixels, tell } from "./dom";
 import type { Channel, Check, Format, Mesh, Part, Picture, Request } from "./engine";
 import { withScene } from "./models";
 import { Shading, type Shown } from "./shading";
-import type { Ground, Session } from "./session";
+import { kMostFrames, type Ground, type Session } from "./session";
 import type { Solid } from "./solid";
 
 const kChannels: { [channel in Channel]: string } = {
@@ -60,7 +60,7 @@ export class Stage {
     readonly #lastFrame = h("input", {
         type: "number",
         class: "last-frame",
-        max: 9999,
+        max: kMostFrames,
         "aria-label": "Last frame",
     });
     readonly #animate = h(
@@ -109,9 +109,11 @@ export class Stage {
             h("label", { class: "frame-text" }, "of", this.#lastFrame),
         );
         this.#lastFrame.addEventListener("change", () => {
-            const last = Math.round(Number(this.#lastFrame.value));
-            if (last >= 1) session.animate(Math.min(last, 9999));
-            this.#bar();
+            const wanted = Math.round(Number(this.#lastFrame.value));
+            if (wanted >= 1) session.animate(Math.min(wanted, kMostFrames));
+            const last = session.frames?.last ?? 1;
+            this.#lastFrame.value = String(last);
+            if (wanted >= 1 && wanted < last) tell(`The last key is at frame ${last}.`);
         });
         this.#frameSlider.addEventListener("input", () => {
             this.#stopPlay();

@@ -33,11 +33,17 @@ export function keysOf(session: Session, name: string, field: Field, label: stri
     );
     between.addEventListener("change", () => session.setBetween(name, field, between.value as Between));
     const frames = h("span", { class: "key-frames" });
+    const steps = h(
+        "span",
+        { class: "key-steps" },
+        field.type === "int32" ? "whole numbers: in steps" : "in steps",
+    );
     const line = h(
         "div",
         { class: "keys", role: "group", "aria-label": `${label}, keys`, hidden: true },
         frames,
         between,
+        steps,
     );
 
     let drawn = "";
@@ -57,6 +63,7 @@ export function keysOf(session: Session, name: string, field: Field, label: stri
             frames.children[i]!.setAttribute("aria-current", String(frame === session.frame)),
         );
         between.hidden = isStepped(field) || order.length < 2;
+        steps.hidden = !isStepped(field) || order.length < 2;
         between.value = curve.between ?? "linear";
     };
     return {

@@ -35,6 +35,12 @@ export function numberControl(field: Field, label: string, changed: Changed, des
         const high = field.loose ? most : (field.maximum ?? most);
         return Math.min(high, Math.max(low, field.type === "int32" ? Math.round(next) : next));
     };
+    const kinds = () => {
+        const { type, minimum, maximum, loose } = field;
+        const numbers = type === "int32" ? "whole numbers" : "numbers";
+        const isBound = minimum !== undefined && maximum !== undefined && loose !== true;
+        return isBound ? `${numbers} from ${numberText(minimum)} to ${numberText(maximum)}` : numbers;
+    };
     const take = (next: number) => {
         next = bounded(next);
         if (next === value) return;
@@ -110,8 +116,11 @@ export function numberControl(field: Field, label: string, changed: Changed, des
         const text = entry.value.trim().replace(",", ".");
         // A unit may follow, as in "3 tiles".
         const number = /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?(?=\s*[\p{L}%°]*$)/iu.exec(text)?.[0];
-        if (number !== undefined) take(Number(number));
-        else if (text !== "") tell(`“${entry.value.trim()}” is no number.`);
+        if (number !== undefined) {
+            take(Number(number));
+            if (Math.fround(value) !== Math.fround(Number(number)))
+                tell(`${label} takes ${kinds()}: it is ${numberText(value)} now.`);
+        } else if (text !== "") tell(`“${entry.value.trim()}” is no number.`);
         entry.value = numberText(value);
     };
     entry.addEventListener("blur", accept);
