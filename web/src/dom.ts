@@ -58,6 +58,14 @@ export function icon(name: keyof typeof kIcons): SVGSVGElement {
 /** Of a canvas for pixels of the processor's memory: kept there, they wait for no graphics card on their way. */
 export const kForPixels: CanvasRenderingContext2DSettings = { willReadFrequently: true };
 
+/** Shows a dialog over all else until it is closed, which a click beside it does too. */
+export function showDialog(dialog: HTMLDialogElement): void {
+    dialog.addEventListener("click", (event) => event.target === dialog && dialog.close());
+    dialog.addEventListener("close", () => dialog.remove());
+    document.body.append(dialog);
+    dialog.showModal();
+}
+
 /** Told to screen readers, and shown for as long as it takes to read it. */
 export function tell(message: string, milliseconds = Math.max(4000, 70 * message.length)): void {
     const place = document.getElementById("told");

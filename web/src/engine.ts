@@ -83,12 +83,12 @@ export interface GraphDocument {
 export type Channel =
     "color" | "main" | "alpha" | "second" | "third" | "fourth" | "normal" | "coverage" | "value" | "lit";
 
-/** What there is to know of a graph before it is baked. */
 export interface Frames {
     readonly first: number;
     readonly last: number;
 }
 
+/** What there is to know of a graph before it is baked. */
 export type Check =
     | { readonly ok: false; readonly problem: Problem }
     | {

@@ -25,6 +25,7 @@ interface Group {
 }
 
 const kLongArray = 3;
+const kEntries = "input, select"; // what takes a value
 /** What nobody finds without being told; fingers know neither. */
 const kHint = matchMedia("(pointer: coarse)").matches
     ? ""
@@ -274,10 +275,8 @@ export class Fields {
             keys?.line,
             fault,
         );
-        for (const input of control.element.querySelectorAll("input, select"))
-            input.setAttribute("aria-description", field.help);
-        if (control.element.matches("input, select"))
-            control.element.setAttribute("aria-description", field.help);
+        for (const entry of controlsIn(control.element, kEntries))
+            entry.setAttribute("aria-description", field.help);
         this.#entries.push({ field, control, keys, row, reset, fault });
         return row;
     }
@@ -355,9 +354,8 @@ export class Fields {
             fault.hidden = told === undefined;
             fault.textContent = told?.message ?? "";
             row.classList.toggle("wrong", wrong !== undefined);
-            for (const each of controlsIn(control.element))
-                if (each.matches("input, select"))
-                    each.setAttribute("aria-invalid", String(wrong !== undefined));
+            for (const entry of controlsIn(control.element, kEntries))
+                entry.setAttribute("aria-invalid", String(wrong !== undefined));
         }
     }
 
@@ -381,10 +379,9 @@ export class Fields {
 }
 
 /** What can be worked with in an element, itself included. */
-function controlsIn(element: HTMLElement | undefined): HTMLElement[] {
-    const kControls = "select, input, button";
-    const within = [...(element?.querySelectorAll<HTMLElement>(kControls) ?? [])];
-    return element?.matches(kControls) ? [element, ...within] : within;
+function controlsIn(element: HTMLElement | undefined, kinds = "select, input, button"): HTMLElement[] {
+    const within = [...(element?.querySelectorAll<HTMLElement>(kinds) ?? [])];
+    return element?.matches(kinds) ? [element, ...within] : within;
 }
 
 function capital(text: string): string {

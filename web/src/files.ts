@@ -13,7 +13,7 @@ const kEndings: readonly (readonly [Kind, RegExp])[] = [
     ["picture", /\.(png|jpe?g|webp|avif|gif|bmp|svg|tiff?)$/i],
 ];
 const kLargestGraph = 4 << 20; // bytes, as the engine takes them
-const kLargestModel = 128 << 20; // bytes
+export const kLargestModel = 128 << 20; // bytes
 const kSlow = 200_000; // bytes, from where reading may be felt
 export const kTaken = `graphs (JSON), pictures (${kPictureNames}) and models (glTF with its files, GLB, OBJ)`;
 

@@ -73,6 +73,12 @@ export function pointer(...parts: Token[]): string {
     return parts.map((part) => "/" + String(part).replaceAll("~", "~0").replaceAll("/", "~1")).join("");
 }
 
+/** The name of the shader that a JSON pointer leads to or into. */
+export function shaderAt(pointer: string | undefined): string | undefined {
+    const token = /^\/shaders\/([^/]*)/.exec(pointer ?? "")?.[1];
+    return token?.replaceAll("~1", "/").replaceAll("~0", "~");
+}
+
 function copy(document: GraphDocument): GraphDocument {
     return structuredClone(document);
 }
@@ -153,14 +159,10 @@ export function renamed(document: GraphDocument, from: string, to: string, table
     for (const [name, shader] of Object.entries(document.shaders))
         for (const { field } of slots(shader, tableOf)) {
             const value = given(shader, field.name) as FieldValue | Keyed | undefined;
-            const next = isKeyed(value)
-                ? {
-                      ...value,
-                      keys: value.keys.map(([frame, key]) => [frame, other(key)] as [number, FieldValue]),
-                  }
-                : value !== undefined && other(value);
-            if (value !== undefined && JSON.stringify(next) !== JSON.stringify(value))
-                changed = withField(changed, name, field, next as FieldValue | Keyed);
+            if (isKeyed(value)) {
+                const keys = value.keys.map(([frame, key]): [number, FieldValue] => [frame, other(key)]);
+                changed = withField(changed, name, field, { ...value, keys });
+            } else if (value === from) changed = withField(changed, name, field, to);
         }
     changed = copy(changed);
     const shaders = {};

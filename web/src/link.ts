@@ -46,18 +46,14 @@ async function through(
     return all;
 }
 
-export async function toLink(shared: Shared): Promise<string> {
+/** The part of an address that opens the graph; nothing where the graph is too large for one. */
+export async function toHash(shared: Shared): Promise<string | undefined> {
     const text = new TextEncoder().encode(JSON.stringify(shared));
+    if (text.length > kLargestGraph) return undefined;
     const packed = await through(text, new CompressionStream("deflate-raw"), Infinity);
     let binary = "";
     for (const byte of packed) binary += String.fromCharCode(byte);
-    return btoa(binary).replaceAll("+", "-").replaceAll("/", "_").replaceAll("=", "");
-}
-
-/** The part of an address that opens the graph; nothing where the graph is too large for one. */
-export async function toHash(shared: Shared): Promise<string | undefined> {
-    if (new Blob([JSON.stringify(shared)]).size > kLargestGraph) return undefined;
-    const link = await toLink(shared);
+    const link = btoa(binary).replaceAll("+", "-").replaceAll("/", "_").replaceAll("=", "");
     return link.length > kLongestLink ? undefined : `#graph=${link}`;
 }
 

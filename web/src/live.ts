@@ -8,7 +8,7 @@ import type { Control } from "./controls/control";
 import { h, kForPixels } from "./dom";
 import type { Engine, Field, FieldValue, GraphDocument, Picture, Request } from "./engine";
 import { given, shaderOf, tableName, valueAt, withField } from "./graph";
-import { toLink } from "./link";
+import { toHash } from "./link";
 import { engine, giveFiles, loadExample } from "./load";
 import { withScene } from "./models";
 import { Shading } from "./shading";
@@ -81,7 +81,7 @@ async function enliven(image: HTMLImageElement, example: Example, className: str
         document = withField(document, name, field, value);
         for (const [each, control] of controls) control.show(valueAt(shaderOf(document, name)!, each, 1));
         shading.ask(() => requestFor(example, document));
-        void toLink({
+        void toHash({
             graph: document,
             title: example.title,
             view: JSON.stringify({
@@ -89,7 +89,7 @@ async function enliven(image: HTMLImageElement, example: Example, className: str
                 channel: example.channel,
                 ...(example.over ? { over: example.over } : {}),
             }),
-        }).then((packed) => (link.href = `${page}#graph=${packed}`));
+        }).then((hash) => hash !== undefined && (link.href = `${page}${hash}`));
     };
     const controls = new Map<Field, Control>();
     const rows = chosen(ready.table(className)!.fields, document, name).map((field) => {

@@ -1,7 +1,7 @@
 // The page: its wall, or one graph. The address tells which: #example=NAME or #graph=LINK.
 
 import { findExample, pictureOf, type Example } from "./catalog";
-import { h, painted, tell } from "./dom";
+import { h, painted, showDialog, tell } from "./dom";
 import type { Channel, GraphDocument } from "./engine";
 import { isSlow, kindOfFile, kTaken, requireSize, type Kind } from "./files";
 import { fromLink, titleFrom, toHash } from "./link";
@@ -229,8 +229,7 @@ function start(): void {
                 isEmpty && tell(`The slots of ${document.output} are empty: plug in what it shall work on.`),
         );
     });
-    document.body.append(dialog);
-    dialog.showModal();
+    showDialog(dialog);
 }
 
 window.addEventListener("hashchange", () => void route());

@@ -14,9 +14,9 @@ import { GLTFLoader, type GLTFLoaderPlugin, type GLTFParser } from "three/exampl
 import { OBJLoader } from "three/examples/jsm/loaders/OBJLoader.js";
 import { mergeVertices, toCreasedNormals } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 import type { Engine, Mesh } from "./engine";
+import { kLargestModel } from "./files";
 import { know, type Element } from "./models";
 
-const kLargestModel = 128 << 20; // bytes
 const kCrease = Math.PI / 3; // what is flatter is smooth, in a mesh without normals
 
 /** What a model names outside its own file, and those of it that aren't there. */

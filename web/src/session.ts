@@ -65,8 +65,9 @@ export class Session extends EventTarget {
     /** Of the document as it is; the one before stays until the engine has read the new one. */
     check: Check | undefined;
     problem: Problem | undefined;
+    /** The last check that found no problem: what it offers stays while the next document has one. */
+    offered: Extract<Check, { ok: true }> | undefined;
     #history: History<GraphDocument>;
-    #keyed: Frames | undefined;
     #checking = false;
     #unchecked = false;
     #isRefused = false;
@@ -90,8 +91,9 @@ export class Session extends EventTarget {
     }
     /** To choose from: those of the keys, and those where the reader wants to set some. */
     get frames(): Frames | undefined {
-        if (this.view.last === undefined) return this.#keyed;
-        const { first, last } = this.#keyed ?? { first: 1, last: 1 };
+        const keyed = this.offered?.frames;
+        if (this.view.last === undefined) return keyed;
+        const { first, last } = keyed ?? { first: 1, last: 1 };
         return { first: Math.min(first, 1), last: Math.max(last, this.view.last) };
     }
     get canUndo(): boolean {
@@ -215,8 +217,7 @@ export class Session extends EventTarget {
     shaded(): void {
         if (!this.#isRefused) return;
         this.#isRefused = false;
-        this.problem = this.check?.ok === false ? this.check.problem : undefined;
-        this.#tell("check");
+        this.#judge();
     }
 
     /** Pictures or models came: the same document may be fine now. */
@@ -229,8 +230,13 @@ export class Session extends EventTarget {
             this.check = await this.engine.check(withScene(this.document), this.frame);
         }
         this.#checking = false;
+        if (this.check?.ok) this.offered = this.check;
+        this.#judge();
+    }
+
+    /** The problem is the one that the last check found, if any. */
+    #judge(): void {
         this.problem = this.check?.ok === false ? this.check.problem : undefined;
-        if (this.check?.ok) this.#keyed = this.check.frames;
         this.#tell("check");
     }
 

@@ -1,7 +1,8 @@
 // The picture, large: on the square, as the scene renders it, or on a body that can be turned.
 
 import { h, icon, kForPixels, tell } from "./dom";
-import type { Channel, Check, Format, Mesh, Part, Picture, Request } from "./engine";
+import type { Channel, Format, Mesh, Part, Picture, Request } from "./engine";
+import { shaderAt } from "./graph";
 import { withScene } from "./models";
 import { Shading, type Shown } from "./shading";
 import { kMostFrames, type Ground, type Session } from "./session";
@@ -83,7 +84,6 @@ export class Stage {
     #onSolid: Ground | undefined;
     #color: Picture<"rgba8"> | undefined;
     #normal: Picture<"rgba8"> | undefined;
-    #offered: Pick<Extract<Check, { ok: true }>, "cameras" | "channels"> | undefined;
     #playing = 0;
     #closed = false;
 
@@ -329,10 +329,9 @@ export class Stage {
 
     #checked(): void {
         const { check, problem } = this.#session;
-        const last = /^\/shaders\/([^/]*)/.exec(problem?.pointer ?? "")?.[1];
         this.#fault.hidden = problem === undefined;
         if (problem !== undefined) {
-            const name = last?.replaceAll("~1", "/").replaceAll("~0", "~");
+            const name = shaderAt(problem.pointer);
             const go =
                 name !== undefined &&
                 name !== this.#session.selected &&
@@ -357,9 +356,8 @@ export class Stage {
     }
 
     #bar(): void {
-        const { check, view, frame, frames } = this.#session;
-        if (check?.ok) this.#offered = check;
-        const { cameras, channels } = this.#offered ?? { cameras: [], channels: [view.channel] };
+        const { view, frame, frames } = this.#session;
+        const { cameras, channels } = this.#session.offered ?? { cameras: [], channels: [view.channel] };
         const grounds: Ground[] = [
             "square",
             ...(cameras.length > 0 || view.ground === "scene" ? (["scene"] as const) : []),

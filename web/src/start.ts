@@ -77,7 +77,5 @@ export function startDialog(chosen: (from: Engine, name: string) => void): HTMLD
             ),
         (error: Error) => list.replaceChildren(h("li", { class: "none" }, error.message)),
     );
-    dialog.addEventListener("click", (event) => event.target === dialog && dialog.close());
-    dialog.addEventListener("close", () => dialog.remove());
     return dialog;
 }

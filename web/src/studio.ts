@@ -1,6 +1,6 @@
 // One graph: its picture large, its tree, and the fields of what is selected.
 
-import { h, icon, tell } from "./dom";
+import { h, icon, showDialog, tell } from "./dom";
 import type { Engine, GraphDocument } from "./engine";
 import { Fields, iconButton } from "./fields";
 import { openButton } from "./files";
@@ -228,10 +228,7 @@ export class Studio {
     }
 
     #take(): void {
-        const dialog = takeDialog(this.session, this.stage);
-        dialog.addEventListener("close", () => dialog.remove());
-        document.body.append(dialog);
-        dialog.showModal();
+        showDialog(takeDialog(this.session, this.stage));
     }
 }
 

@@ -138,7 +138,6 @@ export function takeDialog(session: Session, stage: Stage): HTMLDialogElement {
         ),
         state,
     );
-    dialog.addEventListener("click", (event) => event.target === dialog && dialog.close());
     dialog.addEventListener("toggle", showCommand);
     showCommand();
     return dialog;

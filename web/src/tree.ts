@@ -1,7 +1,7 @@
 // The graph as a tree: each slot with what is plugged into it. What hangs in several places is shown open in the first.
 
 import { h } from "./dom";
-import { below, hasKeys, shaderOf, slots } from "./graph";
+import { below, hasKeys, shaderAt, shaderOf, slots } from "./graph";
 import { kindOf, type Session } from "./session";
 
 interface Row {
@@ -66,10 +66,7 @@ export class Tree {
     #draw(): void {
         this.#rows = this.#collect();
         const selected = this.#session.selected;
-        const wrong = /^\/shaders\/([^/]+)/
-            .exec(this.#session.problem?.pointer ?? "")?.[1]
-            ?.replaceAll("~1", "/")
-            .replaceAll("~0", "~");
+        const wrong = shaderAt(this.#session.problem?.pointer);
         const kinds = this.#rows.map((row) => kindOf(this.#session, row.name));
         const drawn = JSON.stringify([this.#rows, selected, wrong, kinds]);
         if (drawn === this.#drawn) return;

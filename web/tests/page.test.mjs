@@ -27,6 +27,8 @@ const tell = (fact) => facts.push(fact);
 mkdirSync(kOut, { recursive: true });
 const server = await serve();
 const browser = await launch();
+const graphIn = (hash) =>
+    JSON.parse(inflateRawSync(Buffer.from(hash.slice("#graph=".length), "base64url"))).graph;
 const link = (shared) =>
     `${server.address}#graph=${deflateRawSync(JSON.stringify(shared)).toString("base64url")}`;
 const kCloth = JSON.parse(readFileSync(join(kRoot, "examples/weave-basic.json"), "utf8"));
@@ -250,11 +252,7 @@ test("a shader gets another name, becomes the picture, and is turned into anothe
         await waitForPicture(page, before);
         await page.waitForFunction(() => location.hash.startsWith("#graph="));
         await new Promise((done) => setTimeout(done, 700)); // the address follows after half a second
-        const packed = Buffer.from(
-            (await page.evaluate(() => location.hash)).slice("#graph=".length),
-            "base64url",
-        );
-        assert.deepEqual(JSON.parse(inflateRawSync(packed)).graph, {
+        assert.deepEqual(graphIn(await page.evaluate(() => location.hash)), {
             shaders: {
                 cloth: { class: "Weave", fRepeatU: 3, "fWarpSubShader[0]": "carmine" },
                 carmine: graph.shaders.red,
@@ -677,8 +675,7 @@ test("any field takes keys: set, gone to, shaped, and taken away", async () => {
         const graphOf = async () => {
             await page.waitForFunction((old) => location.hash !== old, {}, hash);
             hash = await page.evaluate(() => location.hash);
-            const packed = Buffer.from(hash.slice("#graph=".length), "base64url");
-            return JSON.parse(inflateRawSync(packed)).graph.shaders.wheel.fOuterRadius;
+            return graphIn(hash).shaders.wheel.fOuterRadius;
         };
         let hash = await page.evaluate(() => location.hash);
         const goTo = (frame) =>
