@@ -135,7 +135,7 @@ TEST_F(SceneFileTest, DamagedMeshesAreMendedAndTold)
     const SurfacePoint point = shape.PointAt(*hit);
     EXPECT_LT(Length(point.fNormal - TVector3(0, 0, 1)), 1e-6);
     EXPECT_NEAR(point.fUV[0], 0.25, 1e-6);
-    EXPECT_EQ(point.fUV[1], 0.25f);
+    EXPECT_NEAR(point.fUV[1], 0.25, 1e-6);
     EXPECT_EQ(ReadSceneFile(Store("lost.obj", "o A\nv nan 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"))
                   .fElements[0]
                   .fGeometry,
