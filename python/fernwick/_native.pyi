@@ -278,3 +278,7 @@ def validate(
 
 def take_reports() -> list[str]:
     """What shaders have reported since the last call, each text once."""
+
+def reciprocals() -> str:
+    """A hash of the processor's approximate reciprocals and roots, with which rays begin and which makers of processors
+    round differently. Empty for one that has none."""

@@ -13,4 +13,5 @@ PYBIND11_MODULE(_native, module)
     AddRenders(module);
     AddSamples(module);
     AddValidation(module);
+    AddProcessor(module);
 }

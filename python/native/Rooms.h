@@ -13,3 +13,4 @@ void AddBakes(pybind11::module_& module);
 void AddRenders(pybind11::module_& module);
 void AddSamples(pybind11::module_& module);
 void AddValidation(pybind11::module_& module);
+void AddProcessor(pybind11::module_& module);

@@ -13,8 +13,9 @@ from .._errors import LibraryError
 from .._library import find_library
 from ._files import digest, digest_of
 
-# The C library has its mathematics in several versions, which round differently, and chooses by these.
-_PROCESSOR_FLAGS = ("avx2", "fma", "fma4")
+# The C library has its mathematics, and Embree its rays, in several versions, which round differently, and they choose
+# by these.
+_PROCESSOR_FLAGS = ("avx", "avx2", "fma", "fma4", "avx512vl")
 _DECODERS = "OpenImageIO|OpenEXR|OpenEXRCore|Imath|jpeg|png16|tiff|webp|gif|openjp2|assimp|draco|embree3"
 _COMPANION = "Fernwick_unrouted"
 
@@ -62,7 +63,8 @@ def _processor() -> str:
     if (described := Path("/proc/cpuinfo")).is_file():
         found = re.search(r"^flags\s*:(.*)$", described.read_text(), re.MULTILINE)
         flags = [] if found is None else [flag for flag in _PROCESSOR_FLAGS if flag in found[1].split()]
-    return " ".join([platform.machine(), *flags])
+    reciprocals = _native.reciprocals()
+    return " ".join([platform.machine(), *flags, *(["reciprocals-" + reciprocals] if reciprocals else [])])
 
 
 def _c_library() -> str:
