@@ -70,7 +70,7 @@ void AddLines(const Place& place, const std::vector<fernwick::Row>& rows, std::v
         line.type = field.fType;
         line.standard = DefaultText(place, row);
         line.unit = field.fUnit;
-        line.help = HelpText(field);
+        line.help = HelpText(field, row.fFirstOnlyWith);
         if (!row.fLabels.empty())
             line.help += fmt::format(" In order: {}.", fmt::join(row.fLabels, ", "));
         for (const fernwick::Choice& choice : field.fChoices)

@@ -6,7 +6,7 @@ std::string ChoiceText(const fernwick::Field& field, const fernwick::Choice& cho
     return fmt::format("{} = {}", fernwick::ValueText(field, choice.fValue), choice.fLabel);
 }
 
-std::string HelpText(const fernwick::Field& field)
+std::string HelpText(const fernwick::Field& field, size_t firstOnlyWith)
 {
     std::string text = field.fLabel;
     if (!field.fHelp.empty())
@@ -16,6 +16,8 @@ std::string HelpText(const fernwick::Field& field)
     else if (field.fMinimum)
         text += fmt::format(" (at least {})", *field.fMinimum);
     if (field.fCondition)
-        text += fmt::format(" (only with {} {})", field.fCondition->fField, field.fCondition->fValue);
+        text += fmt::format(" ({}only with {} {})",
+            firstOnlyWith > 0 ? fmt::format("from [{}] on ", firstOnlyWith) : "", field.fCondition->fField,
+            field.fCondition->ValueText());
     return text + (field.fDerived ? " (written by the shader)" : "");
 }

@@ -5,4 +5,5 @@
 std::string ChoiceText(const fernwick::Field& field, const fernwick::Choice& choice);
 
 /// What a field is and does, with the values that documents may set.
-std::string HelpText(const fernwick::Field& field);
+/// @param firstOnlyWith  of an array, the first element that the field's condition is for
+std::string HelpText(const fernwick::Field& field, size_t firstOnlyWith);

@@ -20,16 +20,45 @@ std::vector<double> NumbersOf(const FieldValue& value)
     return {};
 }
 
-/// The value of the last setting of a field; null when there is none.
-const FieldValue* LastValue(std::span<const FieldSetting> settings, std::string_view name)
+/// The last setting of a field; null when there is none.
+const FieldSetting* LastSetting(std::span<const FieldSetting> settings, std::string_view name)
 {
     const auto found = std::find_if(settings.rbegin(), settings.rend(),
         [name](const FieldSetting& setting) { return setting.fField->fName == name; });
-    return found != settings.rend() ? &found->fValue : nullptr;
+    return found != settings.rend() ? &*found : nullptr;
 }
 
-/// What is doubtful about the last setting of a field; empty for nothing.
-std::string DoubtOf(const FieldSetting& setting, std::span<const FieldSetting> settings)
+/// The name of the array that a field is an element of; of any other field its name.
+std::string_view ArrayOf(std::string_view name)
+{
+    return name.ends_with(']') ? name.substr(0, name.find('[')) : name;
+}
+
+/// Whether two settings say the same, of fields of the same type.
+bool SaySame(const FieldSetting& left, const FieldSetting& right)
+{
+    if (const auto* const plugged = std::get_if<PluggedShader>(&left.fValue))
+        return plugged->fIndex == std::get<PluggedShader>(right.fValue).fIndex;
+    return ValueText(*left.fField, left.fValue) == ValueText(*right.fField, right.fValue);
+}
+
+/// Whether a field was set to something that counts only with another field, which isn't set so. An empty slot, or what
+/// repeats the first element of its array, is no such thing.
+bool IsIdle(const FieldSetting& setting, std::span<const FieldSetting> settings)
+{
+    const Field& field = *setting.fField;
+    const auto* const plugged = std::get_if<PluggedShader>(&setting.fValue);
+    if (!field.fCondition || (plugged != nullptr && !plugged->fIndex))
+        return false;
+    const FieldSetting* const other = LastSetting(settings, field.fCondition->fField);
+    if (other != nullptr && std::get<int32_t>(other->fValue) == field.fCondition->fValue)
+        return false;
+    const FieldSetting* const first = LastSetting(settings, fmt::format("{}[0]", ArrayOf(field.fName)));
+    return first == nullptr || first->fField->fCondition || !SaySame(setting, *first);
+}
+
+/// What is doubtful about the value of a setting by itself; empty for nothing.
+std::string DoubtOf(const FieldSetting& setting)
 {
     constexpr const char* kOwnWay = "the shader takes it in its own way";
     const Field& field = *setting.fField;
@@ -43,26 +72,44 @@ std::string DoubtOf(const FieldSetting& setting, std::span<const FieldSetting> s
         if (!IsInRange(field, number))
             return fmt::format(
                 "expected {}, got {}; {}", RangeText(field), static_cast<float>(number), kOwnWay);
-    if (field.fCondition) {
-        const FieldValue* const value = LastValue(settings, field.fCondition->fField);
-        if (value == nullptr || *std::get_if<int32_t>(value) != field.fCondition->fValue)
-            return fmt::format("it counts only where {} is {}, which isn't set", field.fCondition->fField,
-                field.fCondition->fValue);
-    }
     return "";
 }
+
+/// Idle settings of one array, told at the first.
+struct IdleSettings {
+    const Field* fFirst;
+    size_t fCount;
+
+    /// "fWidth[1]: it and 3 behind it count only where fMode is 15, which isn't set"
+    std::string Text() const
+    {
+        const std::string which
+            = fCount > 1 ? fmt::format("it and {} behind it count", fCount - 1) : "it counts";
+        return fmt::format("{}: {} only where {} is {}, which isn't set", fFirst->fName, which,
+            fFirst->fCondition->fField, fFirst->fCondition->ValueText());
+    }
+};
 
 } // namespace
 
 std::vector<std::string> FindDoubts(std::span<const FieldSetting> settings)
 {
     std::vector<std::string> doubts;
+    std::vector<IdleSettings> idle;
     for (const FieldSetting& setting : settings) {
-        if (LastValue(settings, setting.fField->fName) != &setting.fValue)
+        if (LastSetting(settings, setting.fField->fName) != &setting)
             continue;
-        if (const std::string doubt = DoubtOf(setting, settings); !doubt.empty())
+        if (const std::string doubt = DoubtOf(setting); !doubt.empty())
             doubts.push_back(fmt::format("{}: {}", setting.fField->fName, doubt));
+        if (!IsIdle(setting, settings))
+            continue;
+        if (!idle.empty() && ArrayOf(idle.back().fFirst->fName) == ArrayOf(setting.fField->fName))
+            ++idle.back().fCount;
+        else
+            idle.push_back({setting.fField, 1});
     }
+    for (const IdleSettings& settingsOfArray : idle)
+        doubts.push_back(settingsOfArray.Text());
     return doubts;
 }
 

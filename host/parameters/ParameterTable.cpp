@@ -89,6 +89,8 @@ void AddElement(const Row& row, const Field& parent, size_t number, const std::v
     const std::string& label = number < row.fLabels.size() ? row.fLabels[number] : row.fField.fLabel;
     field.fLabel = parent.fLabel + Numbered(label, indices);
     field.fHelp = Numbered(row.fField.fHelp, indices);
+    if (number < row.fFirstOnlyWith)
+        field.fCondition.reset();
     if (row.fRows.empty()) {
         fields.push_back(field);
         return;
@@ -146,6 +148,11 @@ std::string CodeText(int32_t code)
     return text;
 }
 
+std::string Condition::ValueText() const
+{
+    return IsCode(fValue) ? '"' + CodeText(fValue) + '"' : std::to_string(fValue);
+}
+
 Row& Row::Named(std::string name)
 {
     fField.fName = std::move(name);
@@ -176,9 +183,10 @@ Row& Row::Loose()
     return *this;
 }
 
-Row& Row::OnlyWith(std::string field, int32_t value)
+Row& Row::OnlyWith(std::string field, int32_t value, size_t first)
 {
     fField.fCondition = {std::move(field), value};
+    fFirstOnlyWith = first;
     return *this;
 }
 

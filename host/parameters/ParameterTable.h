@@ -53,6 +53,8 @@ struct Choice {
 struct Condition {
     std::string fField;
     int32_t fValue;
+
+    std::string ValueText() const; ///< as documents write it, such as `15` or `"FREE"`
 };
 
 /// The four characters of a code, first the high byte.
@@ -87,6 +89,7 @@ struct Row {
     size_t fStride = 0;          ///< of an array, bytes from element to element
     std::vector<Row> fRows;      ///< of a nested record, its fields; offsets are counted from its start
     std::vector<std::string> fLabels;
+    size_t fFirstOnlyWith = 0; ///< of an array, the first element that the condition is for
 
     Row& Named(std::string name); ///< a name in documents other than the member's
     Row& Unit(std::string unit);
@@ -95,7 +98,8 @@ struct Row {
     /// Of a range: a document may hold a value outside, and is told of it.
     Row& Loose();
     /// Of a field that counts only where the integer `field`, which isn't so by default, holds `value`.
-    Row& OnlyWith(std::string field, int32_t value);
+    /// @param first  of an array, the first element of which that is so
+    Row& OnlyWith(std::string field, int32_t value, size_t first = 0);
     /// Makes an int32 a code when the choices are codes.
     Row& Choices(std::initializer_list<Choice> choices);
     Row& Derived();

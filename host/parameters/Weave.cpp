@@ -2,6 +2,12 @@
 #include "host/parameters/Notation.h"
 #include "module/ClassIDs.h"
 
+namespace {
+
+constexpr int32_t kFree = Code("FREE"); // Basic makes all threads like the first
+
+} // namespace
+
 fernwick::ParameterTable WeaveTable()
 {
     return {"Weave", {kWeaveClassID}, kOutputColor | kOutputVector, sizeof(WeaveParams),
@@ -10,9 +16,10 @@ fernwick::ParameterTable WeaveTable()
             FIELD(WeaveParams, fWeaveMode, "Cloth",
                 "Basic: a plain weave of two equal threads each way, written into the pattern and the "
                 "widths. Free: as set below.")
-                .Choices({{"BSCM", "Basic"}, {"FREE", "Free"}}),
+                .Choices({{"BSCM", "Basic"}, {kFree, "Free"}}),
             FIELD(WeaveParams, fPattern, "Crossing of weft # and warp #",
-                "The warp thread lies on top; otherwise the weft thread."),
+                "The warp thread lies on top; otherwise the weft thread.")
+                .OnlyWith("fWeaveMode", kFree),
             FIELD(WeaveParams, fDisplaceBefore, "Displacement before tiling",
                 "How far the first shader moves the sample in UV.")
                 .Unit("%"),
@@ -30,8 +37,10 @@ fernwick::ParameterTable WeaveTable()
                 "Between weft threads, in the unit of their widths."),
             FIELD(WeaveParams, fRepeatU, "Tiles along U", "Per unit of U.").AtLeast(0).Loose(),
             FIELD(WeaveParams, fRepeatV, "Tiles along V", "Per unit of V.").AtLeast(0).Loose(),
-            FIELD(WeaveParams, fWarpWidth, "Width of warp #", "Relative to the other widths and the gap."),
-            FIELD(WeaveParams, fWeftWidth, "Width of weft #", "Relative to the other widths and the gap."),
+            FIELD(WeaveParams, fWarpWidth, "Width of warp #", "Relative to the other widths and the gap.")
+                .OnlyWith("fWeaveMode", kFree, 1),
+            FIELD(WeaveParams, fWeftWidth, "Width of weft #", "Relative to the other widths and the gap.")
+                .OnlyWith("fWeaveMode", kFree, 1),
             FIELD(WeaveParams, fMask, "Mask", "Threads white and gaps black instead of the colours."),
             FIELD(WeaveParams, fMaskInvert, "Invert mask", "Threads black and gaps white."),
             FIELD(WeaveParams, fDisplaceBeforeSubShader, "First displacement",
@@ -40,9 +49,11 @@ fernwick::ParameterTable WeaveTable()
                 "Moves both coordinates inside the tile."),
             FIELD(WeaveParams, fGapSubShader, "Gaps", "What shows between the threads."),
             FIELD(WeaveParams, fWarpSubShader, "Warp #",
-                "Colour of warp thread #. The threads in use end at the first empty slot."),
+                "Colour of warp thread #. The threads in use end at the first empty slot.")
+                .OnlyWith("fWeaveMode", kFree, 1),
             FIELD(WeaveParams, fWeftSubShader, "Weft #",
-                "Colour of weft thread #. The threads in use end at the first empty slot."),
+                "Colour of weft thread #. The threads in use end at the first empty slot.")
+                .OnlyWith("fWeaveMode", kFree, 1),
             FIELD(WeaveParams, fAlongUV, "V along the thread",
                 "A thread's shader gets the place along the thread as its V, 0 to 1."),
             FIELD(WeaveParams, fAcrossUV, "U across the thread",

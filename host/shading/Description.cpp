@@ -66,7 +66,8 @@ Json EntryOf(const Field& field, const void* record)
     if (field.fIsLoose)
         entry["loose"] = true;
     if (field.fCondition)
-        entry["onlyWith"] = {{"field", field.fCondition->fField}, {"value", field.fCondition->fValue}};
+        entry["onlyWith"]
+            = {{"field", field.fCondition->fField}, {"value", JsonOf(field.fCondition->ValueText())}};
     if (!field.fChoices.empty())
         entry["choices"] = ChoicesOf(field);
     if (field.fDerived)

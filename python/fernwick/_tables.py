@@ -42,7 +42,7 @@ class FieldDescription:
     maximum: float | None = None
     loose: bool = False  #: the shader takes values outside the range too
     choices: tuple[Choice, ...] = ()
-    only_with: tuple[str, int] | None = None  #: the field and its value without which this one doesn't count
+    only_with: tuple[str, int | str] | None = None  #: the field and its value without which this one doesn't count
     derived: bool = False  #: written by the shader, not to be set
 
     @property
@@ -60,7 +60,7 @@ class FieldDescription:
         if self.choices:
             parts.append(" or ".join(f"{choice.value!r} ({choice.label})" for choice in self.choices))
         if self.only_with:
-            parts.append(f"only with {self.only_with[0]} = {self.only_with[1]}")
+            parts.append(f"only with {self.only_with[0]} = {self.only_with[1]!r}")
         return "; ".join(parts)
 
 

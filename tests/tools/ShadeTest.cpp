@@ -112,8 +112,10 @@ TEST_F(ShadeTest, ReadsHexColorsLabelsThatLookLikeNumbersAndWholeArraysOfSlots)
     EXPECT_EQ(bake(clear + "color:#f80"), bake("color --set color=#ff8800"));
     EXPECT_EQ(bake(clear + "color:0.5,0.25,1"), bake("color --set color=0.5,0.25,1"));
     EXPECT_EQ(bake("surface --output second --set second=#ff0000"), bake("color --set color=1,0,0"));
-    EXPECT_EQ(bake("Weave --plug fWarpSubShader=color:#ff0000 --plug 'fWarpSubShader[1]=value:1'"),
-        bake("Weave --plug 'fWarpSubShader[0]=color:#ff0000' --plug 'fWarpSubShader[1]=value:1' "
+    EXPECT_EQ(bake("Weave --set fWeaveMode=Free --plug fWarpSubShader=color:#ff0000 --plug "
+                   "'fWarpSubShader[1]=value:1'"),
+        bake("Weave --set fWeaveMode=Free --plug 'fWarpSubShader[0]=color:#ff0000' --plug "
+             "'fWarpSubShader[1]=value:1' "
              "--plug 'fWarpSubShader[2]=color:#ff0000' --plug 'fWarpSubShader[3]=color:#ff0000' "
              "--plug 'fWarpSubShader[4]=color:#ff0000'"));
     // The label, which has a grid to fill, and not the number, which has one cell and no creases.

@@ -52,7 +52,7 @@ export interface Field {
     /** The shader takes values outside too, in its own way: a graph with such a value gets a doubt. */
     readonly loose?: boolean;
     /** The field counts only where another one holds this value. */
-    readonly onlyWith?: { readonly field: string; readonly value: number };
+    readonly onlyWith?: { readonly field: string; readonly value: number | string };
     readonly choices?: readonly Choice[];
     /** Written by the shader itself: to be shown, not set. */
     readonly derived?: boolean;

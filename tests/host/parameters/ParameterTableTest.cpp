@@ -29,8 +29,13 @@ struct TestRecord {
     TVector2 fEnds;
     int32_t fPreset = 1;
     float fTyped = 2;
+    int32_t fWidth[3] = {1, 1, 1};
+    bool fRow[3] = {};
+    SubShaderSlot fInks[3];
     SubShaderSlot fSlot;
 };
+
+constexpr int32_t kSecondMode = Code("EFGH");
 
 const ParameterTable& TestTable()
 {
@@ -49,6 +54,9 @@ const ParameterTable& TestTable()
             FIELD(TestRecord, fEnds, "Ends", "From, to.").Range(-1, 1).Loose(),
             FIELD(TestRecord, fPreset, "Preset", "Which.").Range(1, 15).Loose(),
             FIELD(TestRecord, fTyped, "Typed", "How much.").OnlyWith("fPreset", 15),
+            FIELD(TestRecord, fWidth, "Width #", "Of #.").OnlyWith("fMode", kSecondMode, 1),
+            FIELD(TestRecord, fRow, "Row #", "Whether.").OnlyWith("fMode", kSecondMode),
+            FIELD(TestRecord, fInks, "Ink #", "Of #.").OnlyWith("fMode", kSecondMode, 1),
             FIELD(TestRecord, fSlot, "Slot", "What is plugged in."),
         });
     return table;
@@ -100,7 +108,7 @@ TEST_F(ParameterTableTest, ArraysAndNestedRecordsBecomeFieldsWithNamesAndLabels)
         EXPECT_EQ(field->fHelp, row.help);
     }
     EXPECT_EQ(TestTable().Find("fParts[0].fEdge")->fUnit, "mm");
-    EXPECT_EQ(TestTable().fFields.size(), 23u);
+    EXPECT_EQ(TestTable().fFields.size(), 32u);
     EXPECT_EQ(TestTable().Find("fParts"), nullptr);
 }
 
@@ -108,7 +116,7 @@ TEST_F(ParameterTableTest, ArraysAndNestedRecordsBecomeFieldsWithNamesAndLabels)
 std::vector<FieldSetting> ReadSettings(const std::string& text)
 {
     const Json json = ParseJson(text);
-    const ShaderNames names{{"other", 0}};
+    const ShaderNames names{{"other", 0}, {"a", 1}, {"b", 2}};
     const std::filesystem::path folder;
     const FieldReader reader(TestTable(), names, folder);
     std::vector<FieldSetting> settings;
@@ -176,6 +184,17 @@ TEST_F(ParameterTableTest, ValuesThatTheShaderTakesInItsOwnWayAreToldOnceAField)
     EXPECT_THAT(doubts(R"({"fTyped": 3, "fPreset": 8})"), testing::ElementsAre(alone));
     EXPECT_THAT(doubts(R"({"fTyped": 3, "fPreset": 15})"), testing::IsEmpty());
 
+    // Of an array, the first element may count in any case: what repeats it is as it is meant.
+    EXPECT_THAT(doubts(R"({"fWidth": [2, 2, 4], "fRow": [false, true, false]})"),
+        testing::ElementsAre(R"(fWidth[2]: it counts only where fMode is "EFGH", which isn't set)",
+            R"(fRow[0]: it and 2 behind it count only where fMode is "EFGH", which isn't set)"));
+    EXPECT_THAT(doubts(R"({"fWidth": [2, 2, 2], "fInks": ["a", "a", null]})"), testing::IsEmpty());
+    EXPECT_THAT(doubts(R"({"fInks": ["a", "b", "b"], "fMode": "First"})"),
+        testing::ElementsAre(
+            R"(fInks[1]: it and 1 behind it count only where fMode is "EFGH", which isn't set)"));
+    EXPECT_THAT(
+        doubts(R"({"fInks": ["a", "b", "a"], "fWidth": [2, 3, 4], "fMode": "Second"})"), testing::IsEmpty());
+
     // A condition that the defaults fulfil would be told where nothing is amiss.
     for (const ParameterTable& table : AllClasses())
         for (const Field& field : table.fFields) {
@@ -208,7 +227,7 @@ TEST_F(ParameterTableTest, RefusedValuesNameThePlaceAndWhatWasExpected)
         {R"("fGrid[2]": [])", "t.fGrid[2]: Test has no such field; did you mean \"fGrid[0]\"?"},
         {R"("qqqqqqq": 1)",
             "t.qqqqqqq: Test has no such field; it has fMode, fGrid, fParts, fRange, fCount, fColor, fText, "
-            "fMade, fLoose, fEnds, fPreset, fTyped, fSlot"},
+            "fMade, fLoose, fEnds, fPreset, fTyped, fWidth, fRow, fInks, fSlot"},
         {R"("fRange[0]": [1, 2, 3])", "t.fRange[0]: expected two numbers, got [1,2,3]"},
         {R"("fRange[0]": [1, "2"])", "t.fRange[0][1]: expected a number, got \"2\""},
         {R"("fRange[0]": [1, -3.5e38])",
