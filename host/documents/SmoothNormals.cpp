@@ -47,8 +47,8 @@ class CloseVertices {
 public:
     /// @param reach  how close others must be, above 0 and a ten-thousandth of the diagonal of the bounds
     CloseVertices(const aiMesh& mesh, const SortedVertices& sorted, const Bounds& bounds, float reach)
-        : fPositions(mesh.mVertices), fEntries(sorted.Entries()), fLow(bounds.low), fReach(reach),
-          fSquare(reach * reach), fSlots(std::bit_ceil(2 * fEntries.size()), kNone)
+        : fPositions(mesh.mVertices), fLow(bounds.low), fReach(reach), fSquare(reach * reach),
+          fSlots(std::bit_ceil(2 * sorted.Entries().size()), kNone)
     {
         // Cells get their numbers in the order of the file, where neighbours in space are mostly neighbours too.
         std::vector<uint32_t> cells(mesh.mNumVertices);
@@ -69,8 +69,8 @@ public:
         fMembers.resize(cells.size());
         std::vector<uint32_t> ends(fStarts.begin(), fStarts.end() - 1);
         for (uint32_t rank = 0; rank < cells.size(); ++rank) {
-            const unsigned vertex = fEntries[rank].mIndex;
-            fMembers[ends[cells[vertex]]++] = {rank, vertex};
+            const SortedVertices::Entry& entry = sorted.Entries()[rank];
+            fMembers[ends[cells[entry.mIndex]]++] = {rank, entry.mIndex, entry.mDistance};
         }
     }
 
@@ -101,10 +101,10 @@ private:
     struct Member {
         uint32_t rank;
         unsigned vertex;
+        float distance; // from a plane, as Assimp rounds it
     };
 
     const aiVector3D* fPositions;
-    const std::vector<SortedVertices::Entry>& fEntries;
     aiVector3D fLow;
     float fReach;
     float fSquare;
@@ -167,12 +167,10 @@ private:
                 found.push_back(fMembers[i]);
     }
 
-    /// Whether Assimp, which looks only there, would find it. Its distances are rounded.
+    /// Whether Assimp, which looks only there, would find it.
     bool IsAsFar(const Member& member, const Member& asked) const
     {
-        const float distance = fEntries[member.rank].mDistance;
-        const float middle = fEntries[asked.rank].mDistance;
-        return distance < middle + fReach && distance >= middle - fReach;
+        return member.distance < asked.distance + fReach && member.distance >= asked.distance - fReach;
     }
 };
 
