@@ -24,6 +24,8 @@ endif()
 if(FERNWICK_SANITIZERS)
     target_compile_options(fernwick_options INTERFACE
         -fsanitize=${FERNWICK_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer
-        -fno-sanitize=vptr) # a text in a record that was read back bears another process's table, and is only read
+        -fno-sanitize=vptr # a text in a record that was read back bears another process's table, and is only read
+        # Of a test only its memory is watched, which the library writes to.
+        $<$<BOOL:$<TARGET_PROPERTY:FERNWICK_IS_TEST>>:-fno-sanitize=undefined,float-cast-overflow$<$<CXX_COMPILER_ID:Clang>:,fuzzer-no-link>>)
     target_link_options(fernwick_options INTERFACE -fsanitize=${FERNWICK_SANITIZERS})
 endif()
