@@ -28,11 +28,11 @@ if(NOT TARGET fernwick)
     return()
 endif()
 
-# The command; and, beside the library, the program that does its work with pictures, and the module that makes the
-# classes without a route for it.
+# The command; and, beside the library, the program that does its work with pictures, what that loads for files other than
+# PNG, and the module that makes the classes without a route for it.
 install(TARGETS fernwick RUNTIME DESTINATION bin COMPONENT command)
 install(TARGETS fernwick_pictures RUNTIME DESTINATION lib/fernwick COMPONENT command)
-install(TARGETS Fernwick_unrouted LIBRARY DESTINATION lib/fernwick COMPONENT command)
+install(TARGETS fernwick_formats Fernwick_unrouted LIBRARY DESTINATION lib/fernwick COMPONENT command)
 
 # What people read.
 install(FILES README.md DESTINATION ${documents} COMPONENT command)

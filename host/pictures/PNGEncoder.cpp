@@ -113,7 +113,7 @@ void Compress(Stretch& stretch, std::span<const unsigned char> before, bool isLa
 
 class PNGEncoder final : public PictureEncoder {
 public:
-    explicit PNGEncoder(const PictureEncoding& encoding)
+    explicit PNGEncoder(const EncodingJob& encoding)
         : fFile(encoding.file), fThreads(encoding.threads),
           fIsFine(encoding.numbers == PictureNumbers::kUint16), fUnit(fIsFine ? 8 : 4),
           fRowSize(static_cast<size_t>(encoding.shape.region.Width()) * fUnit),
@@ -282,7 +282,7 @@ void PNGEncoder::Start(const PictureShape& shape)
 
 } // namespace
 
-std::unique_ptr<PictureEncoder> MakePNGEncoder(const PictureEncoding& encoding)
+std::unique_ptr<PictureEncoder> MakePNGEncoder(const EncodingJob& encoding)
 {
     return std::make_unique<PNGEncoder>(encoding);
 }

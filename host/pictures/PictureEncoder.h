@@ -22,7 +22,7 @@ public:
 };
 
 /// What the encoders are made from.
-struct PictureEncoding {
+struct EncodingJob {
     OutputFile& file;
     const PictureShape& shape;
     const PictureLayout& layout;
@@ -31,17 +31,24 @@ struct PictureEncoding {
 };
 
 /// The encoder of PNG files, of bytes or 16 bit integers.
-std::unique_ptr<PictureEncoder> MakePNGEncoder(const PictureEncoding& encoding);
+std::unique_ptr<PictureEncoder> MakePNGEncoder(const EncodingJob& encoding);
+
+// What OpenImageIO has a part in is done by `host/formats`.
 
 /// The encoder of EXR files, of floats.
-std::unique_ptr<PictureEncoder> MakeEXREncoder(const PictureEncoding& encoding);
+std::unique_ptr<PictureEncoder> MakeEXREncoder(const EncodingJob& encoding);
 
 /// The encoder of TIFF files.
-std::unique_ptr<PictureEncoder> MakeTIFFEncoder(const PictureEncoding& encoding);
+std::unique_ptr<PictureEncoder> MakeTIFFEncoder(const EncodingJob& encoding);
+
+/// Makes a mip-mapped texture out of an EXR of tiles, whose time of change goes into it. Throws `PictureError`.
+/// @param compression  as EXR names it; empty for the usual one
+void MakeTexture(const std::filesystem::path& picture, const std::filesystem::path& texture,
+    const std::string& compression);
 
 /// The encoder of textures, of floats.
 /// @param path  of the file; a folder beside it holds the picture until all of it is there
 std::unique_ptr<PictureEncoder> MakeTextureEncoder(
-    const PictureEncoding& encoding, const std::filesystem::path& path);
+    const EncodingJob& encoding, const std::filesystem::path& path);
 
 } // namespace fernwick

@@ -58,8 +58,7 @@ OutputFile Open(const std::filesystem::path& path, const PictureLayout& layout)
     return OutputFile(path);
 }
 
-std::unique_ptr<PictureEncoder> MakeEncoder(
-    const PictureEncoding& encoding, const std::filesystem::path& path)
+std::unique_ptr<PictureEncoder> MakeEncoder(const EncodingJob& encoding, const std::filesystem::path& path)
 {
     switch (*FormatOf(path)) {
     case PictureFormat::kPNG:
@@ -120,7 +119,7 @@ PictureWriter::PictureWriter(
 {
     if (!HoldsLayers(path))
         fState->shape.channels.clear();
-    const PictureEncoding encoding = {fState->file, fState->shape, fState->layout, fState->numbers, threads};
+    const EncodingJob encoding = {fState->file, fState->shape, fState->layout, fState->numbers, threads};
     fState->Encode([&] { fState->encoder = MakeEncoder(encoding, path); });
 }
 

@@ -1,5 +1,4 @@
 #include "host/pictures/PictureEncoder.h"
-#include <OpenImageIO/imagebufalgo.h>
 #include <ctime>
 #include <fcntl.h>
 #include <fstream>
@@ -29,7 +28,7 @@ void ForgetTime(const std::filesystem::path& file)
 /// Writes the picture into an EXR of tiles beside the file, and makes the texture of that.
 class TextureEncoder final : public PictureEncoder {
 public:
-    TextureEncoder(const PictureEncoding& encoding, const std::filesystem::path& path)
+    TextureEncoder(const EncodingJob& encoding, const std::filesystem::path& path)
         : fFile(encoding.file), fCompression(encoding.layout.compression),
           fFolder(path), fLayout{.bits = encoding.layout.bits,
                              .straight = encoding.layout.straight,
@@ -48,17 +47,8 @@ public:
         fEncoder->Finish();
         fPicture.Finish();
         ForgetTime(fFolder.Path() / kPictureName);
-        OIIO::ImageSpec wishes;
-        wishes.attribute("compression", fCompression.empty() ? "zip" : fCompression);
-        wishes.attribute(
-            "maketx:fileformatname", "openexr");  // TIFF has no halves, and no order in what pads its tiles
-        wishes.attribute("maketx:updatemode", 1); // keeps the time
-        wishes.attribute("wrapmodes", "periodic,periodic");
         const std::filesystem::path texture = fFolder.Path() / kTextureName;
-        if (!OIIO::ImageBufAlgo::make_texture(OIIO::ImageBufAlgo::MakeTxTexture,
-                (fFolder.Path() / kPictureName).string(), texture.string(), wishes))
-            throw PictureError(OIIO::geterror());
-        RequireWhole(texture);
+        MakeTexture(fFolder.Path() / kPictureName, texture, fCompression);
         CopyFrom(texture);
     }
 
@@ -70,18 +60,6 @@ private:
     OutputFile fPicture;
     PictureShape fShape; // a texture has no place in a larger one
     std::unique_ptr<PictureEncoder> fEncoder;
-
-    /// Reads what was written last: the library doesn't look whether closing the file could write the rest.
-    static void RequireWhole(const std::filesystem::path& texture)
-    {
-        const auto input = OIIO::ImageInput::open(texture.string());
-        int last = 0;
-        while (input && input->seek_subimage(0, last + 1))
-            ++last;
-        std::vector<float> pixel(4);
-        if (!input || !input->read_image(0, last, 0, 4, OIIO::TypeDesc::FLOAT, pixel.data()))
-            throw PictureError("what was made of it is cut off");
-    }
 
     void CopyFrom(const std::filesystem::path& texture)
     {
@@ -97,7 +75,7 @@ private:
 } // namespace
 
 std::unique_ptr<PictureEncoder> MakeTextureEncoder(
-    const PictureEncoding& encoding, const std::filesystem::path& path)
+    const EncodingJob& encoding, const std::filesystem::path& path)
 {
     return std::make_unique<TextureEncoder>(encoding, path);
 }

@@ -32,8 +32,7 @@ class PictureSource final : public ColorSource {
 public:
     using Settings = PictureSettings;
 
-    /// Reads the file, in any of the usual formats that OpenImageIO knows, up to 16384 by 16384 pixels. One that is cut off or
-    /// damaged is refused. Throws `SourceError`.
+    /// Reads the file, as `ReadPictureFile` does. Throws `SourceError`.
     explicit PictureSource(const Settings& settings);
     /// Takes a picture in the place of the file.
     PictureSource(const Settings& settings, const GivenPicture& picture);

@@ -43,6 +43,7 @@ constexpr Room kHouse[] = {
     {"host/documents",
         "frame host/files host/library host/parameters host/json host/sources host/geometry host/scene"},
     {"host/pictures", "frame host/files host/threads"},
+    {"host/formats", "frame host/files host/threads host/sources host/pictures"},
     {"host/shading",
         "frame module shaders/optics shaders/scene host/threads host/library host/parameters host/json "
         "host/sources "
@@ -53,7 +54,8 @@ constexpr Room kHouse[] = {
         "host/shading"
         " host/validation"},
     {"tools/pictures",
-        "host/files host/library host/parameters host/json host/sources host/documents host/pictures "
+        "host/files host/formats host/library host/parameters host/json host/sources host/documents "
+        "host/pictures "
         "host/shading tools"},
     {"python/native",
         "frame host/files host/library host/parameters host/json host/sources host/geometry host/scene "

@@ -38,7 +38,7 @@ holds(fernwick-shaders-dev "fernwick-shaders \\(= [0-9.]+\\)"
     include/fernwick/frame/I3DExShader.h include/fernwick/shaders/patterns/Spoke.h
     lib/cmake/Fernwick_shaders/Fernwick_shadersConfig.cmake lib/pkgconfig/fernwick_shaders.pc)
 holds(fernwick "[^\n]*fernwick-shaders \\(= [0-9.]+\\)[^\n]*libopenimageio[^\n]*"
-    bin/fernwick lib/fernwick/fernwick-pictures lib/fernwick/Fernwick_unrouted.so
+    bin/fernwick lib/fernwick/fernwick-pictures lib/fernwick/fernwick-formats.so lib/fernwick/Fernwick_unrouted.so
     share/doc/fernwick/docs/hosting.md share/doc/fernwick/docs/reference/Key.md
     share/doc/fernwick/docs/graph.schema.json share/doc/fernwick/examples/key.json
     share/fernwick/graph.schema.json share/man/man1/fernwick.1

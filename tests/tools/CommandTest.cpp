@@ -118,15 +118,18 @@ TEST_F(CommandTest, TheLibraryIsTheNamedOneElseTheEnvironmentsElseOneNearby)
 
 TEST_F(CommandTest, TheLibrariesForPicturesAreThoseOfAProgramOfItsOwn)
 {
-    const std::filesystem::path pictures
-        = std::filesystem::path(FERNWICK_COMMAND).replace_filename("fernwick-pictures");
-    const ShellAnswer own = Shell("ldd '" FERNWICK_COMMAND "'");
-    const ShellAnswer theirs = Shell("ldd '" + pictures.string() + "'");
-    EXPECT_THAT(own.text, HasSubstr("libstdc++"));
-    for (const std::string library : {"OpenImageIO", "assimp", "embree", "cairo", "tbb", "libz", "Imath"}) {
-        EXPECT_THAT(own.text, testing::Not(HasSubstr(library))); // or each command starts slowly
-        EXPECT_THAT(theirs.text, HasSubstr(library));
+    const std::filesystem::path folder = std::filesystem::path(FERNWICK_COMMAND).parent_path();
+    const std::filesystem::path pictures = folder / "fernwick-pictures";
+    const std::filesystem::path formats = folder / "fernwick-formats.so";
+    const std::string own = Shell("ldd '" FERNWICK_COMMAND "'").text;
+    const std::string theirs = Shell("ldd '" + pictures.string() + "'").text;
+    EXPECT_THAT(own, HasSubstr("libstdc++"));
+    for (const std::string library : {"assimp", "embree", "cairo", "tbb", "libz"}) {
+        EXPECT_THAT(own, testing::Not(HasSubstr(library))); // or each command starts slowly
+        EXPECT_THAT(theirs, HasSubstr(library));
     }
+    EXPECT_THAT(theirs, testing::Not(HasSubstr("OpenImageIO"))); // or each picture
+    EXPECT_THAT(Shell("ldd '" + formats.string() + "'").text, HasSubstr("OpenImageIO"));
 
     const auto bin = fFolder / "bin";
     const auto lib = fFolder / "lib" / "fernwick";
@@ -153,6 +156,16 @@ TEST_F(CommandTest, TheLibrariesForPicturesAreThoseOfAProgramOfItsOwn)
         Run(plot, "", command).error, Run("describe Key", "", command).error); // where the library is not
     std::filesystem::copy_file(FERNWICK_MODULE, fFolder / std::filesystem::path(FERNWICK_MODULE).filename());
     EXPECT_EQ(Run(plot, "", command).error, "");
+
+    const auto shade
+        = [&](const std::string& name) { return Run("shade Drip --size 8x8 -o " + name, "", command); };
+    EXPECT_EQ(shade("a.png").error, "");
+    EXPECT_THAT(shade("a.exr").error,
+        AllOf(HasSubstr((lib / "fernwick-formats.so").string() + ": cannot open"),
+            HasSubstr("install all of the")));
+    EXPECT_FALSE(std::filesystem::exists(fFolder / "a.exr"));
+    std::filesystem::copy_file(formats, lib / "fernwick-formats.so");
+    EXPECT_EQ(shade("a.exr").error, "");
 }
 
 TEST_F(CommandTest, BakesTheSameFileWithAnyNumberOfThreadsAndSaysNothing)

@@ -1,5 +1,5 @@
 #include "host/files/PictureAttributes.h"
-#include "host/pictures/OutputProxy.h"
+#include "host/formats/OutputProxy.h"
 #include "host/pictures/PictureEncoder.h"
 #include "host/threads/Parallel.h"
 #include <OpenImageIO/imageio.h>
@@ -29,7 +29,7 @@ OIIO::TypeDesc TypeOf(PictureNumbers numbers)
 }
 
 /// What the encoders of all formats need to know of the picture.
-OIIO::ImageSpec HeaderOf(const PictureEncoding& encoding, OIIO::TypeDesc type)
+OIIO::ImageSpec HeaderOf(const EncodingJob& encoding, OIIO::TypeDesc type)
 {
     const PictureShape& shape = encoding.shape;
     OIIO::ImageSpec header(shape.region.Width(), shape.region.Height(), 4, type);
@@ -45,7 +45,7 @@ OIIO::ImageSpec HeaderOf(const PictureEncoding& encoding, OIIO::TypeDesc type)
     return header;
 }
 
-OIIO::ImageSpec EXRHeaderOf(const PictureEncoding& encoding)
+OIIO::ImageSpec EXRHeaderOf(const EncodingJob& encoding)
 {
     OIIO::ImageSpec header
         = HeaderOf(encoding, encoding.layout.bits == 16 ? OIIO::TypeDesc::HALF : OIIO::TypeDesc::FLOAT);
@@ -57,7 +57,7 @@ OIIO::ImageSpec EXRHeaderOf(const PictureEncoding& encoding)
     return header;
 }
 
-OIIO::ImageSpec TIFFHeaderOf(const PictureEncoding& encoding)
+OIIO::ImageSpec TIFFHeaderOf(const EncodingJob& encoding)
 {
     constexpr OIIO::imagesize_t kMostBytes = 4'000'000'000; // that surely fit behind offsets of 32 bits
     OIIO::ImageSpec header = HeaderOf(encoding, TypeOf(encoding.numbers));
@@ -77,7 +77,7 @@ OIIO::ImageSpec TIFFHeaderOf(const PictureEncoding& encoding)
 class ImageEncoder final : public PictureEncoder {
 public:
     /// @param rows  that the file is made of
-    ImageEncoder(const PictureEncoding& encoding, const char* format, const OIIO::ImageSpec& header, int rows)
+    ImageEncoder(const EncodingJob& encoding, const char* format, const OIIO::ImageSpec& header, int rows)
         : fProxy(encoding.file), fHeader(header), fType(TypeOf(encoding.numbers)),
           fOutput(OIIO::ImageOutput::create(format, &fProxy)),
           fRows(header.tile_height > 0 ? header.tile_height : rows),
@@ -173,12 +173,12 @@ private:
 
 } // namespace
 
-std::unique_ptr<PictureEncoder> MakeEXREncoder(const PictureEncoding& encoding)
+std::unique_ptr<PictureEncoder> MakeEXREncoder(const EncodingJob& encoding)
 {
     return std::make_unique<ImageEncoder>(encoding, "openexr", EXRHeaderOf(encoding), 1);
 }
 
-std::unique_ptr<PictureEncoder> MakeTIFFEncoder(const PictureEncoding& encoding)
+std::unique_ptr<PictureEncoder> MakeTIFFEncoder(const EncodingJob& encoding)
 {
     return std::make_unique<ImageEncoder>(encoding, "tiff", TIFFHeaderOf(encoding), kRowsOfStrip);
 }

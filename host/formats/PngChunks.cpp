@@ -1,4 +1,4 @@
-#include "host/sources/PngChunks.h"
+#include "host/formats/PngChunks.h"
 #include <algorithm>
 #include <array>
 #include <boost/crc.hpp>

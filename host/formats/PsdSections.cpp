@@ -1,4 +1,4 @@
-#include "host/sources/PsdSections.h"
+#include "host/formats/PsdSections.h"
 #include <array>
 #include <fstream>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "host/pictures/OutputProxy.h"
+#include "host/formats/OutputProxy.h"
 #include <algorithm>
 #include <cstring>
 
