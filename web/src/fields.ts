@@ -169,7 +169,7 @@ export class Fields {
 
     #group(group: Group, shader: Shader, kept: ReadonlySet<string>): HTMLElement {
         if (group.kind === "plain") return this.#row(group.fields[0]!, group.fields[0]!.label);
-        if (group.kind === "grid") return this.#grid(group);
+        if (group.kind === "grid") return this.#grid(group, shader);
         const isGiven = (field: Field) =>
             given(shader, field.name) !== undefined && given(shader, field.name) !== null;
         if (group.kind === "slots") {
@@ -200,7 +200,7 @@ export class Fields {
     }
 
     /** Switches in rows and columns, as the pattern of a cloth: the first row at the bottom, as V has it. */
-    #grid(group: Group): HTMLElement {
+    #grid(group: Group, shader: Shader): HTMLElement {
         const columns = Math.max(...group.fields.map((field) => Number(tokens(field.name)[2]))) + 1;
         const cells = group.fields.map((field) => {
             const control = switchControl(field.label, (value) =>
@@ -231,8 +231,20 @@ export class Fields {
             { class: "row" },
             h("div", { class: "label" }, group.title),
             grid,
-            h("p", { class: "grid-note" }, `Filled: ${lower(first.help)}`),
+            h("p", { class: "grid-note" }, `Filled: ${lower(first.help)}${this.#condition(first, shader)}`),
         );
+    }
+
+    /** Where a field counts, such as " Only with Cloth: Free."; nothing for one that always does. */
+    #condition({ onlyWith }: Field, shader: Shader): string {
+        if (onlyWith === undefined) return "";
+        const other = this.#tableField(shader, onlyWith.field);
+        const choice = other?.choices?.find(({ value }) => value === onlyWith.value)?.label;
+        return ` Only with ${other?.label ?? onlyWith.field}: ${choice ?? onlyWith.value}.`;
+    }
+
+    #tableField(shader: Shader, name: string): Field | undefined {
+        return this.#session.tableOf(tableName(shader))?.fields.find((each) => each.name === name);
     }
 
     #row(field: Field, label: string): HTMLElement {
@@ -338,9 +350,7 @@ export class Fields {
             row.classList.toggle("changed", !reset.hidden);
             row.classList.toggle("keyed", isKeyed(stands));
             if (field.onlyWith !== undefined) {
-                const other = this.#session
-                    .tableOf(tableName(shader))
-                    ?.fields.find((each) => each.name === field.onlyWith!.field);
+                const other = this.#tableField(shader, field.onlyWith.field);
                 row.classList.toggle(
                     "idle",
                     other !== undefined && valueAt(shader, other, frame) !== field.onlyWith.value,
