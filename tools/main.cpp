@@ -1,3 +1,4 @@
+#include "host/library/Module.h"
 #include "tools/CommandFile.h"
 #include "tools/PictureCommands.h"
 #include "tools/RunCommand.h"
@@ -22,17 +23,27 @@ char** gArguments = nullptr;
         throw std::runtime_error(fmt::format(
             "without /proc the command doesn't know where it lies, and so not where {} is", kProgram));
     const std::filesystem::path folder = std::filesystem::path(command).parent_path();
+    constexpr const char* kRemedy = "build or install all of the command";
+    if (std::filesystem::path(command).filename() == kProgram)
+        throw std::runtime_error(fmt::format(
+            "{}: this is the command itself, not the program that works with pictures and scenes; {}",
+            command, kRemedy));
     const std::filesystem::path beside = folder / kProgram;
     const std::filesystem::path installed = (folder / "../lib/fernwick" / kProgram).lexically_normal();
     gArguments[0] = command.data();
     for (const std::filesystem::path& program : {beside, installed}) {
-        execv(program.c_str(), gArguments);
-        if (errno != ENOENT)
-            throw std::system_error(errno, std::generic_category(), program.string() + ": can't be started");
+        std::string reason = fernwick::DamageOf(program);
+        if (reason.empty()) {
+            execv(program.c_str(), gArguments);
+            if (errno == ENOENT)
+                continue;
+            reason = std::generic_category().message(errno);
+        }
+        throw std::runtime_error(
+            fmt::format("{}: can't be started: {}; {}", program.string(), reason, kRemedy));
     }
-    throw std::runtime_error(fmt::format("there is no {} and no {}, which works with pictures and scenes; "
-                                         "build or install all of the command",
-        beside.string(), installed.string()));
+    throw std::runtime_error(fmt::format("there is no {} and no {}, which works with pictures and scenes; {}",
+        beside.string(), installed.string(), kRemedy));
 }
 
 } // namespace

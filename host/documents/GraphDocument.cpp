@@ -194,7 +194,7 @@ GraphDocument GraphDocument::Make(const Json& json, const std::filesystem::path&
         for (const auto& [address, value] : node.Members())
             if (address != "class" && address != "source")
                 reader.Read(address, value, shader.fSettings);
-        for (const std::string& doubt : FindDoubts(shader.fSettings))
+        for (const std::string& doubt : FindDoubts(shader.fSettings, shader.fTable->fStandard))
             document.fDoubts.push_back(Printable(fmt::format("{}.{}", name, doubt)));
     }
 

@@ -32,8 +32,17 @@ namespace {
 
 thread_local std::string gFailure; // of the file that was opened last
 
-/// What is wrong with the length of a file: to touch a segment that is mapped beyond its end stops the program. Empty
-/// for a whole file, and for one that isn't of this system, which the system itself tells best.
+/// What the system says of the load that has just failed, without the name of the file.
+std::string ReasonOf(const std::filesystem::path& path)
+{
+    const char* const told = dlerror();
+    const std::string text = told != nullptr ? told : "no reason given";
+    const std::string name = path.string() + ": ";
+    return text.starts_with(name) ? text.substr(name.size()) : text;
+}
+
+} // namespace
+
 std::string DamageOf(const std::filesystem::path& path)
 {
     std::error_code failure;
@@ -54,17 +63,6 @@ std::string DamageOf(const std::filesystem::path& path)
     }
     return "";
 }
-
-/// What the system says of the load that has just failed, without the name of the file.
-std::string ReasonOf(const std::filesystem::path& path)
-{
-    const char* const told = dlerror();
-    const std::string text = told != nullptr ? told : "no reason given";
-    const std::string name = path.string() + ": ";
-    return text.starts_with(name) ? text.substr(name.size()) : text;
-}
-
-} // namespace
 
 void* OpenModule(const std::filesystem::path& path)
 {

@@ -42,13 +42,20 @@ bool SaySame(const FieldSetting& left, const FieldSetting& right)
     return ValueText(*left.fField, left.fValue) == ValueText(*right.fField, right.fValue);
 }
 
-/// Whether a field was set to something that counts only with another field, which isn't set so. An empty slot, or what
-/// repeats the first element of its array, is no such thing.
-bool IsIdle(const FieldSetting& setting, std::span<const FieldSetting> settings)
+/// Whether a setting leaves a slot empty, or a field as it is in a new object.
+bool SaysNothing(const FieldSetting& setting, const void* standard)
+{
+    if (const auto* const plugged = std::get_if<PluggedShader>(&setting.fValue))
+        return !plugged->fIndex;
+    return standard != nullptr && SaySame(setting, {setting.fField, ReadField(*setting.fField, standard)});
+}
+
+/// Whether a field was set to something that counts only with another field, which isn't so. What repeats the first
+/// element of its array is no such thing.
+bool IsIdle(const FieldSetting& setting, std::span<const FieldSetting> settings, const void* standard)
 {
     const Field& field = *setting.fField;
-    const auto* const plugged = std::get_if<PluggedShader>(&setting.fValue);
-    if (!field.fCondition || (plugged != nullptr && !plugged->fIndex))
+    if (!field.fCondition || SaysNothing(setting, standard))
         return false;
     const FieldSetting* const other = LastSetting(settings, field.fCondition->fField);
     if (other != nullptr && std::get<int32_t>(other->fValue) == field.fCondition->fValue)
@@ -80,19 +87,19 @@ struct IdleSettings {
     const Field* fFirst;
     size_t fCount;
 
-    /// "fWidth[1]: it and 3 behind it count only where fMode is 15, which isn't set"
+    /// "fWidth[1]: it and 3 behind it count only where fMode is 15, which it isn't"
     std::string Text() const
     {
         const std::string which
             = fCount > 1 ? fmt::format("it and {} behind it count", fCount - 1) : "it counts";
-        return fmt::format("{}: {} only where {} is {}, which isn't set", fFirst->fName, which,
+        return fmt::format("{}: {} only where {} is {}, which it isn't", fFirst->fName, which,
             fFirst->fCondition->fField, fFirst->fCondition->ValueText());
     }
 };
 
 } // namespace
 
-std::vector<std::string> FindDoubts(std::span<const FieldSetting> settings)
+std::vector<std::string> FindDoubts(std::span<const FieldSetting> settings, const void* standard)
 {
     std::vector<std::string> doubts;
     std::vector<IdleSettings> idle;
@@ -101,7 +108,7 @@ std::vector<std::string> FindDoubts(std::span<const FieldSetting> settings)
             continue;
         if (const std::string doubt = DoubtOf(setting); !doubt.empty())
             doubts.push_back(fmt::format("{}: {}", setting.fField->fName, doubt));
-        if (!IsIdle(setting, settings))
+        if (!IsIdle(setting, settings, standard))
             continue;
         if (!idle.empty() && ArrayOf(idle.back().fFirst->fName) == ArrayOf(setting.fField->fName))
             ++idle.back().fCount;

@@ -120,8 +120,9 @@ struct ParameterTable {
     int32_t fOutputKinds;
     size_t fRecordSize;
     std::string fPurpose;
-    std::vector<Row> fRows;     ///< as written
-    std::vector<Field> fFields; ///< all of them, in the order of the record
+    std::vector<Row> fRows;          ///< as written
+    std::vector<Field> fFields;      ///< all of them, in the order of the record
+    const void* fStandard = nullptr; ///< the record of a new object, where the table knows it
 
     /// The field of exactly this name; null when there is none.
     const Field* Find(std::string_view name) const;

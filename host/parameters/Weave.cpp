@@ -10,7 +10,9 @@ constexpr int32_t kFree = Code("FREE"); // Basic makes all threads like the firs
 
 fernwick::ParameterTable WeaveTable()
 {
-    return {"Weave", {kWeaveClassID}, kOutputColor | kOutputVector, sizeof(WeaveParams),
+    static const WeaveParams standard{};
+    fernwick::ParameterTable table{"Weave", {kWeaveClassID}, kOutputColor | kOutputVector,
+        sizeof(WeaveParams),
         "Woven cloth: up to five warp and five weft threads a tile, in colour and as a bent normal.",
         {
             FIELD(WeaveParams, fWeaveMode, "Cloth",
@@ -59,4 +61,6 @@ fernwick::ParameterTable WeaveTable()
             FIELD(WeaveParams, fAcrossUV, "U across the thread",
                 "A thread's shader gets the place across the thread as its U, 0 to 1."),
         }};
+    table.fStandard = &standard;
+    return table;
 }

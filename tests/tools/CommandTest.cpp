@@ -5,6 +5,7 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 TEST_F(CommandTest, HelpSucceedsWithAnExampleAndBadUsageIsTold)
 {
@@ -148,7 +149,8 @@ TEST_F(CommandTest, TheLibrariesForPicturesAreThoseOfAProgramOfItsOwn)
             + ", which works with pictures and scenes; build or install all of the command\n");
     Store(lib / "fernwick-pictures", "");
     EXPECT_EQ(Run(plot, "", command).error,
-        "fernwick: " + (lib / "fernwick-pictures").string() + ": can't be started: Permission denied\n");
+        "fernwick: " + (lib / "fernwick-pictures").string()
+            + ": can't be started: Permission denied; build or install all of the command\n");
     std::filesystem::copy_file(
         pictures, lib / "fernwick-pictures", std::filesystem::copy_options::overwrite_existing);
     std::filesystem::permissions(lib / "fernwick-pictures", std::filesystem::perms::owner_all);
@@ -160,12 +162,19 @@ TEST_F(CommandTest, TheLibrariesForPicturesAreThoseOfAProgramOfItsOwn)
     const auto shade
         = [&](const std::string& name) { return Run("shade Drip --size 8x8 -o " + name, "", command); };
     EXPECT_EQ(shade("a.png").error, "");
-    EXPECT_THAT(shade("a.exr").error,
-        AllOf(HasSubstr((lib / "fernwick-formats.so").string() + ": cannot open"),
-            HasSubstr("install all of the")));
-    EXPECT_FALSE(std::filesystem::exists(fFolder / "a.exr"));
-    std::filesystem::copy_file(formats, lib / "fernwick-formats.so");
+    const auto module = lib / "fernwick-formats.so";
+    const std::string refused = "fernwick: " + module.string() + ": can't be loaded: ";
+    EXPECT_THAT(shade("a.exr").error, StartsWith(refused + "there is no such file; "));
+    std::filesystem::copy_file(formats, module);
     EXPECT_EQ(shade("a.exr").error, "");
+    std::filesystem::resize_file(module, 100'000); // of which it would die, if it touched the rest
+    EXPECT_THAT(shade("b.exr").error, StartsWith(refused + "the file is cut off after 100000 bytes; "));
+    EXPECT_FALSE(std::filesystem::exists(fFolder / "b.exr"));
+    std::filesystem::resize_file(lib / "fernwick-pictures", 100'000);
+    EXPECT_THAT(
+        shade("b.png").error, HasSubstr(": can't be started: the file is cut off after 100000 bytes; "));
+    std::filesystem::copy_file(FERNWICK_COMMAND, bin / "fernwick-pictures");
+    EXPECT_THAT(shade("b.png").error, HasSubstr(": this is the command itself"));
 }
 
 TEST_F(CommandTest, BakesTheSameFileWithAnyNumberOfThreadsAndSaysNothing)

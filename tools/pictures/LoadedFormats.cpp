@@ -1,5 +1,6 @@
+#include "host/files/RegularFile.h"
 #include "host/formats/Formats.h"
-#include <dlfcn.h>
+#include "host/library/Module.h"
 #include <fmt/format.h>
 #include <stdexcept>
 
@@ -14,14 +15,17 @@ const Formats& LoadFormats()
 {
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
     const std::filesystem::path file = program.parent_path() / kFormatsModule;
-    void* const module = dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL); // which stays
-    void* const variable = module != nullptr ? dlsym(module, kFormatsVariable) : nullptr;
-    if (variable == nullptr)
-        throw std::runtime_error(fmt::format(
-            "what reads pictures, and writes all but PNG, can't be loaded: {}; build or install all of "
-            "the command",
-            dlerror()));
-    return **static_cast<const Formats* const*>(variable);
+    std::string reason = WhyNoFile(file);
+    if (reason.empty()) {
+        void* const module = OpenModule(file); // which stays
+        if (void* const variable = module != nullptr ? FindFunction(module, kFormatsVariable) : nullptr)
+            return **static_cast<const Formats* const*>(variable);
+        reason = module == nullptr ? LastModuleFailure() : "it is another module";
+    }
+    throw std::runtime_error(
+        fmt::format("{}: can't be loaded: {}; it reads pictures and writes all files but PNG: build or "
+                    "install all of the command",
+            file.string(), reason));
 }
 
 const Formats& LoadedFormats()

@@ -248,7 +248,7 @@ TEST_F(GraphTest, DoubtsAndErrorsNameThePlaceInPlainCharacters)
     EXPECT_THAT(document.Doubts(),
         testing::ElementsAre(
             "key.fWavelength: expected 380 to 825 nm, got 5000; the shader takes it in its own way",
-            "key.fTemperature: it counts only where fIlluminantPreset is 15, which isn't set",
+            "key.fTemperature: it counts only where fIlluminantPreset is 15, which it isn't",
             "\\u001b[1m.fMode: expected one of \"KEYM\" (Mask), \"KEYA\" (Cut-out), got 17; the shader takes "
             "it "
             "in its own way"));

@@ -169,7 +169,10 @@ TEST_F(ParameterTableTest, DocumentsAddressFieldsWholeOrInPart)
 
 TEST_F(ParameterTableTest, ValuesThatTheShaderTakesInItsOwnWayAreToldOnceAField)
 {
-    const auto doubts = [](const std::string& text) { return FindDoubts(ReadSettings(text)); };
+    const auto doubts = [](const std::string& text) {
+        static const TestRecord standard{};
+        return FindDoubts(ReadSettings(text), &standard);
+    };
     EXPECT_THAT(doubts(R"({"fMode": 1145258561, "fLoose": [0, 1e30], "fEnds": [-1, 1], "fCount": 5,
         "fPreset": 15, "fTyped": 3})"),
         testing::ElementsAre(
@@ -179,19 +182,21 @@ TEST_F(ParameterTableTest, ValuesThatTheShaderTakesInItsOwnWayAreToldOnceAField)
         testing::ElementsAre("fLoose[1]: expected 0 or more mm, got -0.5; the shader takes it in its own way",
             "fEnds: expected -1 to 1, got -3; the shader takes it in its own way",
             "fPreset: expected 1 to 15, got 16; the shader takes it in its own way"));
-    const char* const alone = "fTyped: it counts only where fPreset is 15, which isn't set";
+    const char* const alone = "fTyped: it counts only where fPreset is 15, which it isn't";
     EXPECT_THAT(doubts(R"({"fTyped": 3})"), testing::ElementsAre(alone));
     EXPECT_THAT(doubts(R"({"fTyped": 3, "fPreset": 8})"), testing::ElementsAre(alone));
     EXPECT_THAT(doubts(R"({"fTyped": 3, "fPreset": 15})"), testing::IsEmpty());
 
     // Of an array, the first element may count in any case: what repeats it is as it is meant.
-    EXPECT_THAT(doubts(R"({"fWidth": [2, 2, 4], "fRow": [false, true, false]})"),
-        testing::ElementsAre(R"(fWidth[2]: it counts only where fMode is "EFGH", which isn't set)",
-            R"(fRow[0]: it and 2 behind it count only where fMode is "EFGH", which isn't set)"));
+    EXPECT_THAT(doubts(R"({"fWidth": [2, 2, 4], "fRow": [true, true, false]})"),
+        testing::ElementsAre(R"(fWidth[2]: it counts only where fMode is "EFGH", which it isn't)",
+            R"(fRow[0]: it and 1 behind it count only where fMode is "EFGH", which it isn't)"));
     EXPECT_THAT(doubts(R"({"fWidth": [2, 2, 2], "fInks": ["a", "a", null]})"), testing::IsEmpty());
+    EXPECT_THAT(doubts(R"({"fWidth[1]": 1, "fRow": [false, false, false]})"),
+        testing::IsEmpty()); // as they are anyway
     EXPECT_THAT(doubts(R"({"fInks": ["a", "b", "b"], "fMode": "First"})"),
         testing::ElementsAre(
-            R"(fInks[1]: it and 1 behind it count only where fMode is "EFGH", which isn't set)"));
+            R"(fInks[1]: it and 1 behind it count only where fMode is "EFGH", which it isn't)"));
     EXPECT_THAT(
         doubts(R"({"fInks": ["a", "b", "a"], "fWidth": [2, 3, 4], "fMode": "Second"})"), testing::IsEmpty());
 
