@@ -782,6 +782,8 @@ test("axe finds nothing serious on the wall and in a graph, wide, narrow, light 
         ["", {}],
         ["", { ...phone, dark: true }],
         ["#example=weave-twill", { dark: true }],
+        ["#example=weave-rounded", {}], // with fields that don't count
+        ["#example=weave-rounded", { dark: true }],
         ["#example=iridescent-bands", phone],
     ])
         await withPage(options, async (page) => {
