@@ -22,10 +22,11 @@ if(MINGW)
     target_link_options(fernwick_options INTERFACE -static) # no library of the compiler's beside the program
 endif()
 if(FERNWICK_SANITIZERS)
+    # Of a test only its memory is watched, which the library writes to.
+    set(unwatched "undefined,float-cast-overflow$<$<CXX_COMPILER_ID:Clang>:,fuzzer-no-link>")
     target_compile_options(fernwick_options INTERFACE
         -fsanitize=${FERNWICK_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer
         -fno-sanitize=vptr # a text in a record that was read back bears another process's table, and is only read
-        # Of a test only its memory is watched, which the library writes to.
-        $<$<BOOL:$<TARGET_PROPERTY:FERNWICK_IS_TEST>>:-fno-sanitize=undefined,float-cast-overflow$<$<CXX_COMPILER_ID:Clang>:,fuzzer-no-link>>)
+        $<$<BOOL:$<TARGET_PROPERTY:FERNWICK_IS_TEST>>:-fno-sanitize=${unwatched}>)
     target_link_options(fernwick_options INTERFACE -fsanitize=${FERNWICK_SANITIZERS})
 endif()
