@@ -42,6 +42,17 @@ bool SaySame(const FieldSetting& left, const FieldSetting& right)
     return ValueText(*left.fField, left.fValue) == ValueText(*right.fField, right.fValue);
 }
 
+/// Whether a code is none of the settled ones, so that only the shader knows what it means.
+bool IsUnknownCode(const FieldSetting& setting)
+{
+    const std::vector<Choice>& choices = setting.fField->fChoices;
+    return setting.fField->fType == FieldType::kCode
+        && std::none_of(
+            choices.begin(), choices.end(), [code = std::get<int32_t>(setting.fValue)](const Choice& choice) {
+                return choice.fValue == code;
+            });
+}
+
 /// Whether a setting leaves a slot empty, or a field as it is in a new object.
 bool SaysNothing(const FieldSetting& setting, const void* standard)
 {
@@ -58,7 +69,8 @@ bool IsIdle(const FieldSetting& setting, std::span<const FieldSetting> settings,
     if (!field.fCondition || SaysNothing(setting, standard))
         return false;
     const FieldSetting* const other = LastSetting(settings, field.fCondition->fField);
-    if (other != nullptr && std::get<int32_t>(other->fValue) == field.fCondition->fValue)
+    if (other != nullptr
+        && (std::get<int32_t>(other->fValue) == field.fCondition->fValue || IsUnknownCode(*other)))
         return false;
     const FieldSetting* const first = LastSetting(settings, fmt::format("{}[0]", ArrayOf(field.fName)));
     return first == nullptr || first->fField->fCondition || !SaySame(setting, *first);
@@ -69,12 +81,9 @@ std::string DoubtOf(const FieldSetting& setting)
 {
     constexpr const char* kOwnWay = "the shader takes it in its own way";
     const Field& field = *setting.fField;
-    if (field.fType == FieldType::kCode) {
-        const auto code = std::get<int32_t>(setting.fValue);
-        if (std::none_of(field.fChoices.begin(), field.fChoices.end(),
-                [code](const Choice& choice) { return choice.fValue == code; }))
-            return fmt::format("expected {}, got {}; {}", ChoicesText(field), code, kOwnWay);
-    }
+    if (IsUnknownCode(setting))
+        return fmt::format(
+            "expected {}, got {}; {}", ChoicesText(field), std::get<int32_t>(setting.fValue), kOwnWay);
     for (const double number : NumbersOf(setting.fValue))
         if (!IsInRange(field, number))
             return fmt::format(

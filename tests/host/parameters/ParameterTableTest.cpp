@@ -192,6 +192,9 @@ TEST_F(ParameterTableTest, ValuesThatTheShaderTakesInItsOwnWayAreToldOnceAField)
         testing::ElementsAre(R"(fWidth[2]: it counts only where fMode is "EFGH", which it isn't)",
             R"(fRow[0]: it and 1 behind it count only where fMode is "EFGH", which it isn't)"));
     EXPECT_THAT(doubts(R"({"fWidth": [2, 2, 2], "fInks": ["a", "a", null]})"), testing::IsEmpty());
+    // Under a code that only the shader knows they may count.
+    EXPECT_THAT(doubts(R"({"fMode": 1145258561, "fWidth": [2, 3, 4]})"),
+        testing::ElementsAre(testing::StartsWith("fMode: ")));
     EXPECT_THAT(doubts(R"({"fWidth[1]": 1, "fRow": [false, false, false]})"),
         testing::IsEmpty()); // as they are anyway
     EXPECT_THAT(doubts(R"({"fInks": ["a", "b", "b"], "fMode": "First"})"),
